@@ -1,0 +1,218 @@
+/* The C interface of the Lumenfold filter library: eleven exported functions and the records that they take.
+ *
+ * Pictures are movable blocks (LmfHandle; on Windows an HGLOBAL) that hold a packed device-independent bitmap:
+ *
+ *   offset  size  field
+ *        0     4  biSize, 40
+ *        4     4  biWidth in pixels, positive
+ *        8     4  biHeight in pixels, positive: rows run from the bottom of the picture to the top
+ *       12     2  biPlanes, 1
+ *       14     2  biBitCount: 1, 4, 8, 24 or 32
+ *       16     4  biCompression, 0
+ *       20     4  biSizeImage: row stride times height; the stride is ((width * bits + 31) / 32) * 4 bytes
+ *       24     8  biXPelsPerMeter, biYPelsPerMeter, 0
+ *       32     4  biClrUsed: 2, 16, 256 or 0
+ *       36     4  biClrImportant, the same
+ *       40  4 * n colour table for depths up to 8: n = 2^bits entries of blue, green, red, 0
+ *                 pixels: 24 bits are blue, green, red; 32 bits blue, green, red, alpha; 4 bits high nibble first;
+ *                 1 bit most significant bit first
+ *
+ * Colours are 0x00BBGGRR. All calls run on the caller's thread and must not overlap. */
+#ifndef LMF16FILTER_H
+#define LMF16FILTER_H
+
+#include <stdint.h>
+
+#include "lmf16block.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* What kind of host calls, and how: the bits of `runFlags`. 0 is legal. */
+enum {
+    LMF_RUN_STANDARD = 1,      /* a standard host: the enable file is read */
+    LMF_RUN_DAUBERY = 2,       /* the paint host Daubery, with its own settings files */
+    LMF_RUN_DIRECT = 4,        /* apply without a dialog; the ini file is not rewritten */
+    LMF_RUN_BATCH = 8,         /* a batch: "Batch" settings files, hostRecord is a block of the host's own */
+    LMF_RUN_FIXED_FILTER = 16, /* the dialog shows one filter that cannot be changed */
+    LMF_RUN_PAINT = 32,        /* as LMF_RUN_DAUBERY, with the standard settings files */
+    LMF_RUN_SCALE_DIALOG = 64, /* the dialog grows to its parent's size */
+    LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
+    LMF_RUN_FRAMELOOM = 256    /* the animation host Frameloom */
+};
+
+/* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code
+ * (an index into the texts of LMF_ERROR_TEXTS) at this byte offset and touches nothing else of it. */
+#define LMF_BATCH_ERROR_OFFSET 568
+
+/* The start index that stands for "the filter that was applied last". */
+#define LMF_FILTER_LAST 0xFFFFFFFFu
+
+/* Error codes in their order. The filter path sets 0, 4, 5 and 6; the rest are shared with hosts. */
+#define LMF_ERROR_TEXTS                                                                                                \
+    {                                                                                                                  \
+        "Ok", "Error opening file", "Corrupted file", "Error reading file", "Function cancelled",                      \
+            "Unsupported function", "Memory error", "Information error", "Unsupported format", "Error renaming file",  \
+            "Error creating file", "Error writing file", "Too many colors", "Unsuitable image", "Resource error",      \
+            "Library error"                                                                                            \
+    }
+
+/* One half of the licence exchange. The library never calls it; it must not be null. */
+typedef int32_t (*LmfValidation)(void *owner, const char *text);
+
+/* What a host withholds from its user, and the picture that its menu is enabled for. */
+typedef struct HostRestrictions {
+    LmfHandle picture; /* read by EnableMenu only; may be null */
+    int32_t restrictA; /* non-zero withholds the filters barred by the first restriction */
+    int32_t restrictB; /* non-zero withholds the filters barred by the second restriction */
+} HostRestrictions;
+
+/* Passed to DoImageFilter by a host without LMF_RUN_BATCH. */
+typedef struct HostRecord {
+    uint32_t paperColor;                  /* in: 0x00BBGGRR; read with LMF_RUN_DAUBERY or LMF_RUN_PAINT */
+    uint32_t filterIndex;                 /* in: catalogue row, 0 to 94, or LMF_FILTER_LAST; out on success */
+    int32_t applyToDuplicate;             /* in and out, with LMF_RUN_DAUBERY or LMF_RUN_PAINT */
+    const HostRestrictions *restrictions; /* may be null */
+} HostRecord;
+
+/* Lets the host choose the picture file that the Watermark filter draws. */
+typedef struct HostHooks {
+    uint64_t reserved0;
+    void (*choosePicture)(void); /* the host's file chooser; may be null */
+    uint64_t reserved1;
+    char folder[261];    /* zero-terminated */
+    char extension[261]; /* zero-terminated */
+} HostHooks;
+
+/* The request of DoPhotographDarkroom. Fields marked "library" are the library's own while the call runs. */
+typedef struct DarkroomRequest {
+    uint32_t reserved0;
+    uint32_t flags; /* 1: full window; 2: Ok box; 4, out: "Apply to duplicate" was on at Ok */
+    void *owner;
+    LmfHandle picture; /* in: a private clone */
+    LmfHandle mask;    /* in: the alpha picture, a private clone; may be null */
+    LmfHandle result;  /* out, with flag 2; then the caller's */
+    char title[264];
+    LmfValidation validation; /* must not be null */
+    void (*view)(void *window, LmfHandle picture, void *hostValue);
+    int32_t (*saveAs)(void *window, const char *title, LmfHandle picture, void *hostValue);
+    uint32_t buttonStyle;
+    uint32_t gradientSliders;
+    uint32_t changed;    /* out: 1: a recipe was reconfigured */
+    uint32_t paperColor; /* in, with flag 2 */
+    const char *browserPath;
+    uint32_t browserMask;
+    uint32_t reserved1;
+    LmfHandle undo;     /* library */
+    uint32_t undoDepth; /* in: how many steps of undo the host allows */
+    uint32_t undoCount; /* library */
+    uint64_t reserved2;
+    void *hostValue;   /* handed back to the callbacks */
+    uint32_t tipTimer; /* library */
+    uint32_t reserved3;
+    void *tipWindow;     /* library */
+    int32_t tipPoint[2]; /* library */
+    uint32_t hitItem;    /* library */
+    uint32_t reserved4;
+    LmfHandle thumbBase;   /* library */
+    LmfHandle thumbSource; /* library */
+} DarkroomRequest;
+
+/* The request of DoAdjust. Fields marked "library" are the library's own while the call runs. */
+typedef struct AdjustRequest {
+    uint32_t reserved0;
+    uint32_t flags; /* 1: free-standing; 2: Ok box; 4, out: "Apply to duplicate"; 8: batch with "Dither"; 16: batch; 32:
+                       Dither */
+    void *owner;
+    LmfHandle picture;
+    LmfHandle second;
+    LmfHandle result; /* out, with flag 2; then the caller's */
+    char title[264];
+    LmfValidation validation; /* must not be null */
+    void (*view)(void *window, LmfHandle picture, void *hostValue);
+    int32_t (*saveAs)(void *window, const char *title, LmfHandle picture, void *hostValue);
+    uint32_t buttonStyle;
+    uint32_t gradientSliders;
+    uint64_t reserved1;
+    const char *browserPath;
+    uint32_t browserMask;
+    uint32_t reserved2[5];
+    void *hostValue;          /* handed back to every callback */
+    LmfHandle previewBase;    /* library */
+    int32_t previewOffset[2]; /* library */
+    uint32_t dirty;           /* library */
+    uint32_t reserved3;
+    void *context; /* library */
+    LmfHandle (*fetch)(void *hostHandle, void *hostValue, uint32_t index, uint32_t zero);
+    int32_t (*store)(void *hostHandle, void *hostValue, uint32_t index, LmfHandle picture, uint32_t zero);
+    void *hostHandle;
+    uint32_t count; /* pictures in a batch */
+} AdjustRequest;
+
+/** Runs a filter on a picture, in the master filter dialog or, with LMF_RUN_DIRECT, at once and without a window.
+ *
+ *  @param owner            the host's window, or null
+ *  @param picture          in: the source, which stays the host's and is never changed; out on success: the result,
+ *                          a new block that the host owns
+ *  @param callback         the host's part of the licence exchange; null makes the call return 0
+ *  @param second           must not be null. In: the 8-bit grey companion picture (usually alpha) or null; out on
+ *                          success: its result, owned by the host, or null
+ *  @param buttonStyle      how owner-drawn buttons are painted
+ *  @param gradientSliders  non-zero paints slider tracks
+ *  @param runFlags         the LMF_RUN_ bits
+ *  @param hostRecord       a HostRecord or null; with LMF_RUN_BATCH the host's block of at least 572 bytes, or null
+ *  @param browserPath      executable that shows help, at most 260 characters; may be null
+ *  @param browserMask      which browsers to try for help
+ *  @param hostReserved     stored and not used
+ *  @param hooks            may be null
+ *  @return 1 on success. On 0 nothing was written through `picture` and `second`. */
+LMF_API uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second,
+                                          int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags,
+                                          void *hostRecord, const char *browserPath, uint32_t browserMask,
+                                          int32_t hostReserved, const HostHooks *hooks);
+
+/** Opens the Photography Darkroom.
+ *  @return 1 on success; 0 on failure and where no window system serves this build. */
+LMF_API uint64_t LMF16FILTERDoPhotographDarkroom(DarkroomRequest *request);
+
+/** Opens the Adjust window.
+ *  @return 1 on success; 0 on failure and where no window system serves this build. */
+LMF_API uint64_t LMF16FILTERDoAdjust(AdjustRequest *request);
+
+/** Builds the host's Filter menu with item ids `firstId` + catalogue row.
+ *  @param grouped  0 for one flat list, otherwise one entry a category
+ *  @return a menu that the host owns, or null where no window system serves this build. */
+LMF_API void *LMF16FILTERGetMenu(uint32_t firstId, uint32_t grouped);
+
+/** Enables and greys the items of a menu of GetMenu for the picture of `restrictions`.
+ *  @return what the system's last change of an item gave. */
+LMF_API int32_t LMF16FILTEREnableMenu(void *menu, uint32_t firstId, const HostRestrictions *restrictions);
+
+/** @return the number of filters, 95. */
+LMF_API int32_t LMF16FILTERGetCount(void);
+
+/** @return the interface's version, 0x101. */
+LMF_API int32_t LMF16FILTERGetVersion(void);
+
+/** @return the library's legal line; constant text that the library owns. */
+LMF_API const char *LMF16FILTERGetCopyright(void);
+
+/** One half of the licence exchange, which counts as passed.
+ *  @return constant text that the library owns. */
+LMF_API const char *LMF16FILTERGetValidationString(void);
+
+/** The other half of the licence exchange, which counts as passed.
+ *  @return 1. */
+LMF_API int32_t LMF16FILTERSetValidation(const char *text);
+
+/** Load and unload notice. The system's loader calls it; hosts have no need to.
+ *  @param reason  1: the library was loaded, 0: it is being unloaded; others do nothing
+ *  @return 1. */
+LMF_API int32_t DllMain(void *module, uint32_t reason, void *reserved);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
