@@ -1,0 +1,16 @@
+// The library's one stream of random numbers, the same on every system: a seed gives the same grain everywhere.
+#pragma once
+
+#include <cstdint>
+
+namespace lmf {
+
+/// Greatest value that NextRandom gives.
+inline constexpr int32_t kRandomMax = 0x7FFF;
+
+/// Restarts the stream. It starts at seed 1 when the library is loaded.
+void SeedRandom(uint32_t seed);
+/// Next draw, 0 to kRandomMax: the upper bits of a linear congruential generator (D. H. Lehmer, 1951).
+[[nodiscard]] int32_t NextRandom();
+
+} // namespace lmf

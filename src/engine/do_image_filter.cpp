@@ -1,0 +1,109 @@
+#include "engine/do_image_filter.h"
+
+#include <cstring>
+
+#include "common/random.h"
+#include "engine/apply.h"
+#include "engine/catalogue.h"
+#include "platform/system.h"
+
+namespace lmf {
+
+HostCall CurrentCall;
+
+static void KeepCall(int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags, const char *browserPath,
+                     uint32_t browserMask, const HostHooks *hooks) {
+    CurrentCall = {};
+    CurrentCall.hooks = hooks;
+    CurrentCall.runFlags = runFlags;
+    CurrentCall.buttonStyle = buttonStyle;
+    CurrentCall.gradientSliders = gradientSliders;
+    CurrentCall.browserMask = browserMask;
+    if (browserPath != nullptr) std::strncpy(CurrentCall.browserPath, browserPath, sizeof CurrentCall.browserPath - 1);
+}
+
+static bool PassesHostFields(uint32_t runFlags) {
+    return (runFlags & (kRunDaubery | kRunPaint)) != 0;
+}
+
+/// The host's wishes before the run.
+/// @return the row to start with.
+static uint32_t ReadHostRecord(const HostRecord *record) {
+    if (record == nullptr) return LMF_FILTER_LAST;
+    if (PassesHostFields(CurrentCall.runFlags)) {
+        Settings.PaperColor = static_cast<int32_t>(record->paperColor);
+        Settings.FilterApplyToDuplicate = record->applyToDuplicate;
+    }
+    return record->filterIndex;
+}
+
+static void WriteHostRecord(HostRecord *record, const FilterContext &context) {
+    if (record == nullptr) return;
+    record->filterIndex = static_cast<uint32_t>(context.filterIndex);
+    if (PassesHostFields(CurrentCall.runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
+}
+
+/// The context of one call. It frees what is still its own at the end of the scope.
+struct CallContext : FilterContext {
+    CallContext() : FilterContext{} {}
+    CallContext(const CallContext &) = delete;
+    CallContext &operator=(const CallContext &) = delete;
+    ~CallContext() {
+        BlockFree(result);
+        BlockFree(secondResult);
+        BlockFree(auxImage);
+    }
+};
+
+static void FillContext(FilterContext *context, void *owner, DibHandle source, DibHandle second, uint32_t startIndex,
+                        int32_t hostReserved) {
+    context->ownerWindow = owner;
+    context->source = source;
+    context->second = second;
+    context->filterIndex = startIndex == LMF_FILTER_LAST ? Settings.CurrentFilter : static_cast<int32_t>(startIndex);
+    context->zoomA = context->zoomB = 100;
+    context->mode = DibClassify(source);
+    context->result = DibClone(source);
+    context->secondResult = DibClone(second);
+    context->paperColor = static_cast<Color>(Settings.PaperColor);
+    context->hostReserved = hostReserved;
+}
+
+/// Until there is a window to open, only the direct path can run a filter.
+static uint32_t RunFilter(FilterContext *context) {
+    return CurrentCall.runFlags & kRunDirect ? ApplyFilterDirect(context) : 0;
+}
+
+uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second, int32_t buttonStyle,
+                       int32_t gradientSliders, uint32_t runFlags, void *hostRecord, const char *browserPath,
+                       uint32_t browserMask, int32_t hostReserved, const HostHooks *hooks) {
+    if (picture == nullptr || second == nullptr) return 0;
+    SeedRandom(static_cast<uint32_t>(SystemTime()));
+    KeepCall(buttonStyle, gradientSliders, runFlags, browserPath, browserMask, hooks);
+
+    const bool batch = (runFlags & kRunBatch) != 0;
+    auto *record = batch ? nullptr : static_cast<HostRecord *>(hostRecord);
+    CallContext context;
+    FillContext(&context, owner, *picture, *second, ReadHostRecord(record), hostReserved);
+    if (ValidationState == 0 || !DibInfo(context.source, &context.width, &context.height, nullptr, nullptr) ||
+        !DibInfo(context.result, &context.resultWidth, &context.resultHeight, nullptr, nullptr))
+        return 0;
+    LoadAllSettings(&context);
+    if (callback == nullptr) return 0;
+
+    const uint32_t done = RunFilter(&context);
+    if (batch && hostRecord != nullptr)
+        std::memcpy(static_cast<uint8_t *>(hostRecord) + LMF_BATCH_ERROR_OFFSET, &context.errorCode, sizeof(int32_t));
+    if (done != 0) {
+        Settings.CurrentFilter = context.filterIndex;
+        Settings.PaperColor = static_cast<int32_t>(context.paperColor);
+        *picture = context.result;
+        *second = context.secondResult;
+        context.result = context.secondResult = nullptr;
+        WriteHostRecord(record, context);
+    }
+    StoreAllSettings(&context);
+    return done;
+}
+
+} // namespace lmf

@@ -1,0 +1,7 @@
+#include "engine/slots.h"
+
+namespace lmf {
+
+extern constexpr FilterSlots kConvertToRGB = MakeSlots(UnavailableKernel);
+
+} // namespace lmf

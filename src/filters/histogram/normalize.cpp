@@ -1,0 +1,7 @@
+#include "engine/slots.h"
+
+namespace lmf {
+
+extern constexpr FilterSlots kNormalize = MakeSlots(UnavailableKernel);
+
+} // namespace lmf

@@ -1,0 +1,72 @@
+#include "platform/memory.h"
+
+namespace lmf {
+
+#ifdef LMF_FAULT_INJECTION
+static int64_t allocationsLeft = -1;
+static int64_t liveBlocks = 0;
+static int64_t liveLocks = 0;
+
+void FailAllocationAfter(int64_t n) {
+    allocationsLeft = n;
+}
+int64_t LiveBlocks() {
+    return liveBlocks;
+}
+int64_t LiveLocks() {
+    return liveLocks;
+}
+
+static bool AllocationAllowed() {
+    if (allocationsLeft < 0) return true;
+    if (allocationsLeft == 0) return false;
+    allocationsLeft--;
+    return true;
+}
+static void CountBlocks(int64_t change) {
+    liveBlocks += change;
+}
+static void CountLocks(int64_t change) {
+    liveLocks += change;
+}
+#else
+static bool AllocationAllowed() {
+    return true;
+}
+static void CountBlocks(int64_t) {}
+static void CountLocks(int64_t) {}
+#endif
+
+BlockHandle BlockAlloc(uint64_t bytes) {
+    if (!AllocationAllowed()) return nullptr;
+    BlockHandle block = LmfBlockAlloc(bytes);
+    if (block != nullptr) CountBlocks(1);
+    return block;
+}
+
+void *BlockLock(BlockHandle block) {
+    void *bytes = LmfBlockLock(block);
+    if (bytes != nullptr) CountLocks(1);
+    return bytes;
+}
+
+void BlockUnlock(BlockHandle block) {
+    LmfBlockUnlock(block);
+    CountLocks(-1);
+}
+
+void BlockFree(BlockHandle block) {
+    if (block == nullptr) return;
+    LmfBlockFree(block);
+    CountBlocks(-1);
+}
+
+uint64_t BlockSize(BlockHandle block) {
+    return LmfBlockSize(block);
+}
+
+BlockHandle BlockReAlloc(BlockHandle block, uint64_t bytes) {
+    return AllocationAllowed() ? LmfBlockReAlloc(block, bytes) : nullptr;
+}
+
+} // namespace lmf

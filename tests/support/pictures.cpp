@@ -1,0 +1,83 @@
+#include "support/pictures.h"
+
+#include <cstring>
+
+#include "engine/catalogue.h"
+
+namespace lmf::testing {
+
+DibOwner MakePalettePicture(int32_t width, int32_t height, uint32_t bits, const Palette768 &palette,
+                            const std::vector<uint32_t> &pixels) {
+    DibOwner picture(DibCreate(width, height, &palette, bits));
+    DibLock lock(picture.handle);
+    for (size_t i = 0; i < pixels.size(); i++)
+        DibSetPixel(lock.image, static_cast<int32_t>(i) % width, static_cast<int32_t>(i) / width, pixels[i]);
+    return picture;
+}
+
+DibOwner MakePicture(int32_t width, int32_t height, uint32_t bits, const std::vector<uint32_t> &pixels) {
+    Palette768 palette = GreyRamp();
+    if (bits == 1) std::memset(palette.rgb + 3, 255, 3);
+    return MakePalettePicture(width, height, bits, palette, pixels);
+}
+
+uint32_t TestRandom(uint32_t *state) {
+    *state ^= *state << 13;
+    *state ^= *state >> 17;
+    *state ^= *state << 5;
+    return *state;
+}
+
+DibOwner RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t seed) {
+    static constexpr uint32_t kDepths[] = {24, 8, 8, 1};
+    uint32_t state = seed * 2654435761u + 1;
+    if (state == 0) state = 1;
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (uint32_t &pixel : pixels) pixel = TestRandom(&state) >> 4;
+    if (mode != kModePalette) return MakePicture(width, height, kDepths[mode], pixels);
+    Palette768 palette;
+    for (uint8_t &channel : palette.rgb) channel = static_cast<uint8_t>(TestRandom(&state) >> 9);
+    return MakePalettePicture(width, height, 8, palette, pixels);
+}
+
+std::vector<uint32_t> PixelsOf(DibHandle picture) {
+    std::vector<uint32_t> pixels;
+    DibLock lock(picture);
+    for (int32_t y = 0; y < lock.view.height; y++) {
+        for (int32_t x = 0; x < lock.view.width; x++) pixels.push_back(DibGetPixel(lock.image, x, y));
+    }
+    return pixels;
+}
+
+bool SamePicture(DibHandle a, DibHandle b) {
+    DibLock lockA(a), lockB(b);
+    if (!lockA || !lockB || lockA.view.width != lockB.view.width || lockA.view.height != lockB.view.height ||
+        lockA.view.bits != lockB.view.bits)
+        return false;
+    const size_t table = PixelOffset(lockA.view.bits) - sizeof(DibHeader);
+    return std::memcmp(lockA.view.colorTable, lockB.view.colorTable, table) == 0 && PixelsOf(a) == PixelsOf(b);
+}
+
+FilterContext MakeContext(ImageMode mode) {
+    FilterContext context{};
+    context.mode = mode;
+    context.paperColor = 0xFFFFFF;
+    ResetAllDefaults(&context);
+    return context;
+}
+
+DibOwner RunKernel(const std::string &filter, DibHandle source, FilterContext *context, bool keepMode) {
+    if (!keepMode) context->mode = DibClassify(source);
+    DibInfo(source, &context->width, &context->height, nullptr, nullptr);
+    for (const FilterEntry &entry : FilterCatalogue) {
+        if (filter == entry.name) return DibOwner(entry.slots->FilterKernel(source, context));
+    }
+    return {};
+}
+
+DibOwner RunKernel(const std::string &filter, DibHandle source) {
+    FilterContext context = MakeContext();
+    return RunKernel(filter, source, &context);
+}
+
+} // namespace lmf::testing
