@@ -1,0 +1,202 @@
+// What each filter costs, in nanoseconds a pixel and in "copies". One copy is a memcpy of the same picture into memory
+// fresh from malloc, measured in turn with the filter, so that a ratio means the same on a busy machine.
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <malloc.h>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "engine/catalogue.h"
+
+namespace {
+
+using namespace lmf;
+
+struct Options {
+    std::vector<std::string> filters;
+    std::vector<std::string> settings;
+    std::string size = "4000x3000";
+    int repetitions = 7;
+    bool onlyGrey = false;
+    bool json = false;
+};
+
+/// A scene with flat areas, gradients, edges and grain, the same on every run.
+DibOwner MakeScene(int32_t width, int32_t height, uint32_t bits) {
+    DibOwner scene(DibCreate(width, height, &GreyRamp(), bits));
+    DibLock lock(scene.handle);
+    if (!lock) return {};
+    uint32_t noise = 1;
+    for (int32_t y = 0; y < height; y++) {
+        for (int32_t x = 0; x < width; x++) {
+            noise = noise * 1664525u + 1013904223u;
+            const double u = static_cast<double>(x) / width, v = static_cast<double>(y) / height;
+            const double wave = std::sin(u * 40) * std::cos(v * 30) * 60;
+            const bool inside = std::fmod(u * 8, 1.0) < 0.5 && std::fmod(v * 6, 1.0) < 0.4;
+            const double base = inside ? 190 - 120 * v : 40 + 150 * u;
+            const double grain = static_cast<double>(noise >> 28);
+            const auto level = [&](double tint) {
+                return static_cast<uint32_t>(std::clamp(base * tint + wave + grain, 0.0, 255.0));
+            };
+            DibSetPixel(lock.image, x, y, PackColor(level(1.0), level(0.85), level(0.6)));
+        }
+    }
+    lock.Unlock();
+    return scene;
+}
+
+template <typename Work>
+double Nanoseconds(Work work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double, std::nano>(std::chrono::steady_clock::now() - start).count();
+}
+
+double Median(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+double TimeCopy(DibHandle picture) {
+    DibLock lock(picture);
+    const uint64_t size = BlockSize(picture);
+    void *fresh = nullptr;
+    const double time = Nanoseconds([&] {
+        fresh = std::malloc(size);
+        if (fresh != nullptr) std::memcpy(fresh, lock.image, size);
+        asm volatile("" : : "r"(fresh) : "memory");
+    });
+    std::free(fresh);
+    return time;
+}
+
+bool SetParameter(FilterContext *context, const std::string &assignment) {
+    const size_t equals = assignment.find('=');
+    if (equals == std::string::npos) return false;
+    const std::string key = assignment.substr(0, equals);
+    const auto value = static_cast<int32_t>(std::strtol(assignment.c_str() + equals + 1, nullptr, 10));
+    struct Field {
+        const char *key;
+        NumberField field;
+    };
+    static const Field kFields[] = {
+#define FILTER_INT(key, value) {#key, &FilterParameters::key},
+#define FILTER_BOOL(key, value) {#key, &FilterParameters::key},
+#define CONTEXT_INT(key, value) {#key, &FilterParameters::key},
+#include "engine/settings.def"
+    };
+    if (key == "paper") {
+        context->paperColor = static_cast<Color>(value);
+        return true;
+    }
+    for (const Field &candidate : kFields) {
+        if (key != candidate.key) continue;
+        context->*candidate.field = value;
+        return true;
+    }
+    std::fprintf(stderr, "lmf_bench: %s: no setting of this name\n", key.c_str());
+    return false;
+}
+
+struct Measurement {
+    double nsPerPixel;
+    double copies;
+};
+
+/// Times the kernel in turn with copies; a negative result means that the kernel failed.
+Measurement Measure(const FilterEntry &entry, DibHandle picture, FilterContext *context, int repetitions) {
+    std::vector<double> runs, copies;
+    for (int i = 0; i < repetitions; i++) {
+        copies.push_back(TimeCopy(picture));
+        DibHandle result = nullptr;
+        runs.push_back(Nanoseconds([&] { result = entry.slots->FilterKernel(picture, context); }));
+        if (result == nullptr) return {-1, -1};
+        BlockFree(result);
+        BlockFree(context->auxImage);
+        context->auxImage = nullptr;
+    }
+    const double pixels = static_cast<double>(context->width) * context->height;
+    return {Median(runs) / pixels, Median(runs) / Median(copies)};
+}
+
+bool SameName(const std::string &wanted, const char *name) {
+    return wanted.size() == std::strlen(name) && std::equal(wanted.begin(), wanted.end(), name, [](char a, char b) {
+               return std::tolower(a) == std::tolower(b);
+           });
+}
+
+bool IsWanted(const Options &options, const FilterEntry &entry) {
+    if (entry.slots->FilterKernel == UnavailableKernel) return false;
+    return options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(),
+                                                  [&](const auto &name) { return SameName(name, entry.name); });
+}
+
+/// @return false when a setting or a filter failed.
+bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode mode, bool *first) {
+    DibOwner picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24);
+    if (!picture) return false;
+    bool good = true;
+    for (const FilterEntry &entry : FilterCatalogue) {
+        if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
+        FilterContext context{};
+        context.mode = mode;
+        context.width = width;
+        context.height = height;
+        context.source = picture.handle;
+        context.paperColor = 0xFFFFFF;
+        LoadAllSettings(&context);
+        for (const std::string &assignment : options.settings)
+            if (!SetParameter(&context, assignment)) return false;
+        const Measurement measured = Measure(entry, picture.handle, &context, options.repetitions);
+        good = good && measured.copies >= 0;
+        const char *depth = mode == kModeGrey ? "grey" : "color";
+        if (options.json) {
+            std::printf("%s  {\"filter\": \"%s\", \"picture\": \"%s\", \"ns_per_pixel\": %.4f, \"copies\": %.4f}",
+                        *first ? "" : ",\n", entry.name, depth, measured.nsPerPixel, measured.copies);
+        } else if (measured.copies < 0) {
+            std::printf("%-28s %-6s failed\n", entry.name, depth);
+        } else {
+            std::printf("%-28s %-6s %9.3f ns/pixel %8.2f copies\n", entry.name, depth, measured.nsPerPixel,
+                        measured.copies);
+        }
+        std::fflush(stdout);
+        *first = false;
+    }
+    return good;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    Options options;
+    CLI::App app{"Times the filters on a generated picture", "lmf_bench"};
+    app.add_option("--filter", options.filters, "only this filter; may be repeated");
+    app.add_option("--set", options.settings, "KEY=NUMBER; may be repeated. paper=NUMBER sets the paper colour");
+    app.add_option("--size", options.size, "WIDTHxHEIGHT of the picture")->capture_default_str();
+    app.add_option("--repetitions", options.repetitions, "runs, of which the median counts")
+        ->check(CLI::Range(5, 1000))
+        ->capture_default_str();
+    app.add_flag("--grey", options.onlyGrey, "only the 8-bit grey picture");
+    app.add_flag("--json", options.json, "an array of results");
+    CLI11_PARSE(app, argc, argv);
+
+    int32_t width = 0, height = 0;
+    if (std::sscanf(options.size.c_str(), "%dx%d", &width, &height) != 2 || width < 1 || height < 1) {
+        std::fprintf(stderr, "lmf_bench: --size wants WIDTHxHEIGHT, not %s\n", options.size.c_str());
+        return 1;
+    }
+    // Freed memory must go back to the system, or a copy would not be into fresh pages.
+    mallopt(M_MMAP_THRESHOLD, 1 << 16);
+    bool first = true;
+    if (options.json) std::printf("[\n");
+    const bool good = (options.onlyGrey || BenchMode(options, width, height, kModeTrueColor, &first)) &&
+                      BenchMode(options, width, height, kModeGrey, &first);
+    if (options.json) std::printf("\n]\n");
+    return good && !first ? 0 : 1;
+}
