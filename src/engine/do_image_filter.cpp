@@ -5,6 +5,7 @@
 #include "common/random.h"
 #include "engine/apply.h"
 #include "engine/catalogue.h"
+#include "engine/settings_files.h"
 #include "platform/system.h"
 
 namespace lmf {
@@ -24,6 +25,19 @@ static void KeepCall(int32_t buttonStyle, int32_t gradientSliders, uint32_t runF
 
 static bool PassesHostFields(uint32_t runFlags) {
     return (runFlags & (kRunDaubery | kRunPaint)) != 0;
+}
+
+/// The kinds of host that leave the choice of filters to the user; for others they stay as they are.
+static constexpr uint32_t kReadsEnableFile = kRunStandard | kRunDaubery | kRunReelsmith | kRunFrameloom;
+
+static void ReadFiles() {
+    ReadSettings(CurrentCall.runFlags);
+    if (CurrentCall.runFlags & kReadsEnableFile) ReadEnableFile(CurrentCall.runFlags);
+}
+
+static void WriteFiles() {
+    if (CurrentCall.runFlags != 0) WriteEnableFile(CurrentCall.runFlags);
+    if (!(CurrentCall.runFlags & kRunDirect)) WriteSettings(CurrentCall.runFlags);
 }
 
 /// The host's wishes before the run.
@@ -80,6 +94,7 @@ uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, 
     if (picture == nullptr || second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
     KeepCall(buttonStyle, gradientSliders, runFlags, browserPath, browserMask, hooks);
+    ReadFiles();
 
     const bool batch = (runFlags & kRunBatch) != 0;
     auto *record = batch ? nullptr : static_cast<HostRecord *>(hostRecord);
@@ -103,6 +118,7 @@ uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, 
         WriteHostRecord(record, context);
     }
     StoreAllSettings(&context);
+    WriteFiles();
     return done;
 }
 

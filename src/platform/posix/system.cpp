@@ -1,6 +1,7 @@
 #include "platform/system.h"
 
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -12,6 +13,38 @@ int64_t SystemTime() {
     const char *epoch = std::getenv("SOURCE_DATE_EPOCH");
     if (epoch != nullptr && *epoch != '\0') return std::strtoll(epoch, nullptr, 10);
     return std::time(nullptr);
+}
+
+bool LocalTime(int64_t seconds, std::tm *out) {
+    const std::time_t time = seconds;
+    return localtime_r(&time, out) != nullptr;
+}
+
+const char kPathSeparator = '/';
+
+/// The folder that the variable names, or else one below the home folder. A relative path counts as unset: it would
+/// mean another place with every working folder.
+static bool FolderOf(const char *variable, const char *belowHome, char *out) {
+    const char *folder = std::getenv(variable);
+    if (folder != nullptr && folder[0] == kPathSeparator)
+        belowHome = "";
+    else
+        folder = std::getenv("HOME");
+    if (folder == nullptr || folder[0] != kPathSeparator) return false;
+    const int length = std::snprintf(out, kFolderSize, "%s%s", folder, belowHome);
+    return length > 0 && static_cast<size_t>(length) < kFolderSize;
+}
+
+bool ApplicationDataFolder(char *out) {
+    return FolderOf("XDG_CONFIG_HOME", "/.config", out);
+}
+
+bool UserDocumentsFolder(char *out) {
+    return FolderOf("XDG_DOCUMENTS_DIR", "/Documents", out);
+}
+
+bool RenameOver(const char *from, const char *to) {
+    return std::rename(from, to) == 0;
 }
 
 static char moduleFolder[PATH_MAX];

@@ -1,0 +1,33 @@
+#include "common/text.h"
+
+#include <algorithm>
+
+namespace lmf {
+
+static bool IsBlank(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+int32_t ParseNumber(const char *text) {
+    while (IsBlank(*text)) text++;
+    const bool negative = *text == '-';
+    if (*text == '-' || *text == '+') text++;
+    const int64_t limit = negative ? -static_cast<int64_t>(INT32_MIN) : INT32_MAX;
+    int64_t value = 0;
+    for (; *text >= '0' && *text <= '9'; text++) value = std::min(value * 10 + (*text - '0'), limit);
+    return static_cast<int32_t>(negative ? -value : value);
+}
+
+static char LowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+bool SameIgnoringCase(const char *a, const char *b) {
+    while (*a != '\0' && LowerCase(*a) == LowerCase(*b)) {
+        a++;
+        b++;
+    }
+    return LowerCase(*a) == LowerCase(*b);
+}
+
+} // namespace lmf
