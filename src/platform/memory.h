@@ -74,6 +74,8 @@ struct BlockArray {
 #ifdef LMF_FAULT_INJECTION
 /// Test builds only. Lets `n` further allocations succeed and makes all after them fail; a negative n ends this.
 void FailAllocationAfter(int64_t n);
+/// Test builds only. Allocations that were made to fail since the last FailAllocationAfter.
+[[nodiscard]] int64_t FailedAllocations();
 /// Test builds only. Blocks that were made through this header and are not freed yet.
 [[nodiscard]] int64_t LiveBlocks();
 /// Test builds only. Locks that have not been undone yet.

@@ -4,11 +4,16 @@ namespace lmf {
 
 #ifdef LMF_FAULT_INJECTION
 static int64_t allocationsLeft = -1;
+static int64_t failedAllocations = 0;
 static int64_t liveBlocks = 0;
 static int64_t liveLocks = 0;
 
 void FailAllocationAfter(int64_t n) {
     allocationsLeft = n;
+    failedAllocations = 0;
+}
+int64_t FailedAllocations() {
+    return failedAllocations;
 }
 int64_t LiveBlocks() {
     return liveBlocks;
@@ -19,7 +24,10 @@ int64_t LiveLocks() {
 
 static bool AllocationAllowed() {
     if (allocationsLeft < 0) return true;
-    if (allocationsLeft == 0) return false;
+    if (allocationsLeft == 0) {
+        failedAllocations++;
+        return false;
+    }
     allocationsLeft--;
     return true;
 }

@@ -1,0 +1,189 @@
+// Every row of the catalogue under bad weather: allocations that fail, tiny pictures, odd depths, settings out of
+// range, and blocks that lie about what they hold.
+#include <cstring>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "engine/apply.h"
+#include "engine/catalogue.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+/// Runs a row as a host's direct call does, with its settings as they stand in the context.
+static bool RunRow(int32_t row, DibHandle source, DibHandle second, FilterContext *context) {
+    context->filterIndex = row;
+    context->source = source;
+    context->second = second;
+    context->mode = DibClassify(source);
+    DibInfo(source, &context->width, &context->height, nullptr, nullptr);
+    context->secondResult = DibClone(second);
+    return ApplyFilterDirect(context) != 0;
+}
+
+static void FreeResults(FilterContext *context) {
+    for (DibHandle *owned : {&context->result, &context->secondResult, &context->auxImage}) {
+        BlockFree(*owned);
+        *owned = nullptr;
+    }
+}
+
+static std::vector<uint8_t> BytesOf(BlockHandle block) {
+    const auto *bytes = static_cast<const uint8_t *>(BlockLock(block));
+    std::vector<uint8_t> copy(bytes, bytes + BlockSize(block));
+    BlockUnlock(block);
+    return copy;
+}
+
+/// A result is a whole picture of a depth that the library makes.
+static void ExpectGoodPicture(DibHandle picture) {
+    DibLock lock(picture);
+    ASSERT_TRUE(lock);
+    const auto *header = reinterpret_cast<const DibHeader *>(lock.image);
+    const uint32_t bits = lock.view.bits;
+    EXPECT_TRUE(bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32) << bits;
+    EXPECT_EQ(header->biSize, 40);
+    EXPECT_EQ(header->biPlanes, 1);
+    EXPECT_EQ(header->biClrUsed, bits <= 8 ? 1u << bits : 0u);
+    EXPECT_EQ(BlockSize(picture),
+              PixelOffset(bits) + RowStride(lock.view.width, bits) * static_cast<uint64_t>(lock.view.height));
+}
+
+static DibOwner PictureOfDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (uint32_t &pixel : pixels) pixel = TestRandom(&seed);
+    return MakePicture(width, height, bits, pixels);
+}
+
+/// The pictures that a filter may meet in each mode, 32 and 4 bits among them.
+static std::vector<DibOwner> AllKinds(int32_t width, int32_t height, uint32_t seed) {
+    std::vector<DibOwner> pictures;
+    for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono})
+        pictures.push_back(RandomPicture(width, height, mode, seed));
+    pictures.push_back(PictureOfDepth(width, height, 32, seed + 1));
+    pictures.push_back(PictureOfDepth(width, height, 4, seed + 1));
+    return pictures;
+}
+
+/// A setting inside its range, kept small where it is a size; now and then a value far outside.
+static int32_t RandomValue(const PageControl &control, uint32_t *state) {
+    if (TestRandom(state) % 16 == 0) return TestRandom(state) % 2 ? std::numeric_limits<int32_t>::min() : -1;
+    const int64_t min = control.edit.min;
+    const int64_t span = std::min<int64_t>(control.edit.max - min, 300);
+    return static_cast<int32_t>(min + TestRandom(state) % (span + 1));
+}
+
+static void RandomSettings(std::span<const PageControl> page, uint32_t *state) {
+    for (const PageControl &control : page)
+        if (control.number != nullptr) Settings.*control.number = RandomValue(control, state);
+}
+
+class Sweep : public ::testing::TestWithParam<int32_t> {
+protected:
+    void SetUp() override { blocksBefore = LiveBlocks(); }
+    void TearDown() override {
+        FailAllocationAfter(-1);
+        Settings = FactorySettings();
+        EXPECT_EQ(LiveLocks(), 0);
+        EXPECT_EQ(LiveBlocks(), blocksBefore);
+    }
+    const FilterEntry &Entry() const { return FilterCatalogue[GetParam()]; }
+    int64_t blocksBefore = 0;
+};
+
+TEST_P(Sweep, AFailedAllocationLeavesNothingBehind) {
+    for (const DibOwner &source : AllKinds(9, 7, 11)) {
+        const DibOwner second = RandomPicture(9, 7, kModeGrey, 12);
+        const std::vector<uint8_t> sourceBytes = BytesOf(source.handle), secondBytes = BytesOf(second.handle);
+        const int64_t before = LiveBlocks();
+        bool failed = true;
+        for (int64_t n = 0; failed && n < 4000; n++) {
+            FilterContext context = MakeContext();
+            FailAllocationAfter(n);
+            const bool good = RunRow(GetParam(), source.handle, second.handle, &context);
+            failed = FailedAllocations() > 0;
+            FailAllocationAfter(-1);
+            if (good) ExpectGoodPicture(context.result);
+            EXPECT_EQ(context.result != nullptr, good);
+            FreeResults(&context);
+            ASSERT_EQ(LiveBlocks(), before) << Entry().name << " with " << n << " allocations";
+        }
+        EXPECT_FALSE(failed) << Entry().name << " never ran to its end";
+        EXPECT_EQ(BytesOf(source.handle), sourceBytes);
+        EXPECT_EQ(BytesOf(second.handle), secondBytes);
+    }
+}
+
+TEST_P(Sweep, TinyPicturesAndRandomSettings) {
+    static constexpr int32_t kSizes[][2] = {{1, 1}, {1, 2}, {2, 1}, {2, 2}, {1, 19}, {19, 1},
+                                            {3, 3}, {4, 5}, {7, 4}, {8, 8}, {33, 5}, {40, 31}};
+    uint32_t state = 77 + static_cast<uint32_t>(GetParam());
+    for (const auto &[width, height] : kSizes) {
+        // Companions of another size and depth: a filter must never index one picture by the other's size.
+        const DibOwner seconds[] = {DibOwner(), RandomPicture(width, height, kModeGrey, 3),
+                                    RandomPicture(2, 3, kModeGrey, 4), RandomPicture(5, 1, kModeTrueColor, 5)};
+        for (const DibOwner &source : AllKinds(width, height, state)) {
+            const std::vector<uint8_t> sourceBytes = BytesOf(source.handle);
+            for (const DibOwner &second : seconds) {
+                RandomSettings(Entry().slots->page, &state);
+                FilterContext context = MakeContext();
+                context.paperColor = TestRandom(&state) & 0xFFFFFF;
+                context.width = width;
+                context.height = height;
+                Entry().slots->LoadSettings(&context);
+                if (RunRow(GetParam(), source.handle, second.handle, &context)) ExpectGoodPicture(context.result);
+                FreeResults(&context);
+            }
+            ASSERT_EQ(BytesOf(source.handle), sourceBytes) << Entry().name << " changed its source";
+        }
+    }
+}
+
+struct Lie {
+    int32_t width, height;
+    uint16_t bits;
+    uint64_t blockBytes;
+};
+
+TEST_P(Sweep, LyingBlocksAreRefusedOrSurvived) {
+    static constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
+    // Too short in every way, sides that are impossible, and depths that nothing can read.
+    static constexpr Lie kLies[] = {
+        {4, 4, 24, 0},           {4, 4, 24, 1},
+        {4, 4, 24, 39},          {4, 4, 24, 40},
+        {4, 4, 24, 40 + 47},     {4, 4, 8, 40 + 1023},
+        {4, 4, 8, 40 + 1024},    {4, 4, 8, 1024 + 55},
+        {4, 4, 1, 40 + 8 + 15},  {0, 4, 24, 200},
+        {4, 0, 24, 200},         {-4, 4, 24, 200},
+        {4, -4, 24, 200},        {kHuge, 1, 24, 5000},
+        {1, kHuge, 24, 5000},    {kHuge, kHuge, 32, 5000},
+        {kHuge, kHuge, 1, 5000}, {kHuge, 3, 65535, 99},
+        {3, 3, 0, 44},           {3, 3, 16, 40 + 24},
+        {3, 3, 2, 56 + 12},      {3, 3, 7, 40 + 512 + 12},
+        {3, 3, 64, 40 + 72},     {3, 3, 65535, 40 + 4 * 24576},
+    };
+    const DibOwner good = RandomPicture(4, 4, kModeTrueColor, 2), grey = RandomPicture(4, 4, kModeGrey, 2);
+    for (const Lie &lie : kLies) {
+        const BlockOwner block(BlockAlloc(lie.blockBytes));
+        const DibHeader header{40, lie.width, lie.height, 1, lie.bits, 0, 0, 0, 0, 0, 0};
+        if (void *bytes = BlockLock(block.handle)) {
+            std::memset(bytes, 0xA5, lie.blockBytes);
+            std::memcpy(bytes, &header, std::min<uint64_t>(sizeof header, lie.blockBytes));
+            BlockUnlock(block.handle);
+        }
+        for (const auto &[source, second] : {std::pair{block.handle, grey.handle}, {good.handle, block.handle}}) {
+            FilterContext context = MakeContext();
+            if (RunRow(GetParam(), source, second, &context)) ExpectGoodPicture(context.result);
+            FreeResults(&context);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllRows, Sweep, ::testing::Range(0, kFilterCount), [](const auto &info) {
+    std::string name = FilterCatalogue[info.param].name;
+    std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
+    return name;
+});
+
+} // namespace lmf::testing

@@ -1,0 +1,233 @@
+// The built library as a host meets it: loaded at run time and driven through the C interface alone.
+#include "lmf16filter.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <string>
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include "image/dib.h"
+
+#define LMF_AT(record, field, offset) static_assert(offsetof(record, field) == (offset))
+LMF_AT(HostRestrictions, restrictA, 8);
+LMF_AT(HostRestrictions, restrictB, 12);
+LMF_AT(HostRecord, filterIndex, 4);
+LMF_AT(HostRecord, applyToDuplicate, 8);
+LMF_AT(HostRecord, restrictions, 16);
+LMF_AT(HostHooks, choosePicture, 8);
+LMF_AT(HostHooks, folder, 24);
+LMF_AT(HostHooks, extension, 285);
+// The two requests share their beginning.
+#define LMF_AT_BOTH(field, offset)                                                                                     \
+    LMF_AT(DarkroomRequest, field, offset);                                                                            \
+    LMF_AT(AdjustRequest, field, offset)
+LMF_AT_BOTH(flags, 4);
+LMF_AT_BOTH(owner, 8);
+LMF_AT_BOTH(picture, 16);
+LMF_AT_BOTH(result, 32);
+LMF_AT_BOTH(title, 40);
+LMF_AT_BOTH(validation, 304);
+LMF_AT_BOTH(view, 312);
+LMF_AT_BOTH(saveAs, 320);
+LMF_AT_BOTH(buttonStyle, 328);
+LMF_AT_BOTH(gradientSliders, 332);
+LMF_AT_BOTH(browserPath, 344);
+LMF_AT_BOTH(browserMask, 352);
+LMF_AT(DarkroomRequest, mask, 24);
+LMF_AT(DarkroomRequest, changed, 336);
+LMF_AT(DarkroomRequest, paperColor, 340);
+LMF_AT(DarkroomRequest, undo, 360);
+LMF_AT(DarkroomRequest, undoDepth, 368);
+LMF_AT(DarkroomRequest, undoCount, 372);
+LMF_AT(DarkroomRequest, hostValue, 384);
+LMF_AT(DarkroomRequest, tipTimer, 392);
+LMF_AT(DarkroomRequest, tipWindow, 400);
+LMF_AT(DarkroomRequest, tipPoint, 408);
+LMF_AT(DarkroomRequest, hitItem, 416);
+LMF_AT(DarkroomRequest, thumbBase, 424);
+LMF_AT(DarkroomRequest, thumbSource, 432);
+LMF_AT(AdjustRequest, second, 24);
+LMF_AT(AdjustRequest, hostValue, 376);
+LMF_AT(AdjustRequest, previewBase, 384);
+LMF_AT(AdjustRequest, previewOffset, 392);
+LMF_AT(AdjustRequest, dirty, 400);
+LMF_AT(AdjustRequest, context, 408);
+LMF_AT(AdjustRequest, fetch, 416);
+LMF_AT(AdjustRequest, store, 424);
+LMF_AT(AdjustRequest, hostHandle, 432);
+LMF_AT(AdjustRequest, count, 440);
+
+namespace {
+
+constexpr uint32_t kInvertColors = 39;
+constexpr uint32_t kGamma = 30;
+
+int32_t Agree(void *, const char *) {
+    return 1;
+}
+
+class Library : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char folder[] = "/tmp/lmf-library-XXXXXX";
+        ASSERT_NE(mkdtemp(folder), nullptr);
+        home = folder;
+        std::filesystem::create_directory(home / "Quillon Works");
+        setenv("XDG_CONFIG_HOME", folder, 1);
+        library = dlopen(LMF_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+        ASSERT_NE(library, nullptr) << dlerror();
+        doImageFilter = Find<decltype(&LMF16FILTERDoImageFilter)>("LMF16FILTERDoImageFilter");
+    }
+    void TearDown() override {
+        if (library != nullptr) dlclose(library);
+        std::filesystem::remove_all(home);
+    }
+    template <typename Function>
+    Function Find(const char *name) {
+        auto *function = reinterpret_cast<Function>(dlsym(library, name));
+        EXPECT_NE(function, nullptr) << name;
+        return function;
+    }
+    uint64_t Run(LmfHandle *picture, LmfHandle *second, uint32_t runFlags, void *record,
+                 LmfValidation callback = Agree) {
+        return doImageFilter(nullptr, picture, callback, second, 0, 0, runFlags, record, nullptr, 0, 0, nullptr);
+    }
+    /// 5 x 3 pixels of one value; depths up to 8 get a grey ramp.
+    static LmfHandle NewPicture(uint32_t bits, uint8_t fill) {
+        LmfHandle picture = LmfBlockAlloc(lmf::PixelOffset(bits) + lmf::RowStride(5, bits) * 3);
+        auto *bytes = static_cast<uint8_t *>(LmfBlockLock(picture));
+        const lmf::DibHeader header{40, 5, 3, 1, static_cast<uint16_t>(bits), 0, 0, 0, 0, 0, 0};
+        std::memcpy(bytes, &header, sizeof header);
+        for (uint32_t i = 0; i < lmf::ColorTableEntries(bits) * 3; i++)
+            bytes[40 + i / 3 * 4 + i % 3] = static_cast<uint8_t>(i / 3);
+        for (int y = 0; y < 3; y++)
+            for (int x = 0; x < 5; x++) lmf::DibSetPixel(bytes, x, y, fill * 0x010101u);
+        LmfBlockUnlock(picture);
+        return picture;
+    }
+    static uint32_t FirstPixel(LmfHandle picture) {
+        const uint32_t pixel = lmf::DibGetPixel(LmfBlockLock(picture), 0, 0);
+        LmfBlockUnlock(picture);
+        return pixel;
+    }
+
+    std::filesystem::path home;
+    void *library = nullptr;
+    decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
+};
+
+TEST_F(Library, ExportsExactlyTheNamesOfTheList) {
+    std::set<std::string> wanted, found;
+    std::ifstream list(LMF_SOURCE_FOLDER "/exports.txt");
+    for (std::string name; std::getline(list, name);) wanted.insert(name);
+    FILE *symbols = popen("nm -D --defined-only --format=posix " LMF_LIBRARY_FILE, "r");
+    ASSERT_NE(symbols, nullptr);
+    for (char line[512]; std::fgets(line, sizeof line, symbols) != nullptr;)
+        found.insert(std::string(line, std::strcspn(line, " ")));
+    pclose(symbols);
+    EXPECT_EQ(wanted.size(), 11u);
+    EXPECT_EQ(found, wanted);
+}
+
+TEST_F(Library, SaysWhatItIs) {
+    EXPECT_EQ(Find<int32_t (*)()>("LMF16FILTERGetCount")(), 95);
+    EXPECT_EQ(Find<int32_t (*)()>("LMF16FILTERGetVersion")(), 0x101);
+    EXPECT_STRNE(Find<const char *(*)()>("LMF16FILTERGetCopyright")(), "");
+}
+
+TEST_F(Library, InvertsAPictureAndHandsBackNewBlocks) {
+    LmfHandle source = NewPicture(24, 10), alpha = NewPicture(8, 77);
+    LmfHandle picture = source, second = alpha;
+    HostRecord record{0, kInvertColors, 0, nullptr};
+    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
+    EXPECT_NE(picture, source);
+    EXPECT_NE(second, alpha);
+    EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
+    EXPECT_EQ(FirstPixel(second), 77u);
+    EXPECT_EQ(FirstPixel(source), 0x0A0A0Au);
+    for (LmfHandle block : {source, alpha, picture, second}) LmfBlockFree(block);
+}
+
+TEST_F(Library, TheFilterThatWasAppliedLastIsRemembered) {
+    LmfHandle source = NewPicture(24, 10), picture = source, second = nullptr;
+    HostRecord record{0, kInvertColors, 0, nullptr};
+    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
+    LmfBlockFree(picture);
+    picture = source;
+    record.filterIndex = LMF_FILTER_LAST;
+    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
+    EXPECT_EQ(record.filterIndex, kInvertColors);
+    EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
+    LmfBlockFree(picture);
+    LmfBlockFree(source);
+}
+
+TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
+    const LmfHandle source = NewPicture(24, 10), empty = LmfBlockAlloc(0), cut = LmfBlockAlloc(41);
+    struct Case {
+        LmfHandle picture;
+        LmfValidation callback;
+        uint32_t runFlags;
+        uint32_t filterIndex;
+    };
+    const Case cases[] = {
+        {source, nullptr, LMF_RUN_DIRECT, kInvertColors},
+        {nullptr, Agree, LMF_RUN_DIRECT, kInvertColors},
+        {empty, Agree, LMF_RUN_DIRECT, kInvertColors},
+        {cut, Agree, LMF_RUN_DIRECT, kInvertColors},
+        {source, Agree, 0, kInvertColors},
+        {source, Agree, LMF_RUN_DIRECT, 95},
+    };
+    for (const Case &each : cases) {
+        LmfHandle picture = each.picture, second = empty;
+        HostRecord record{0, each.filterIndex, 0, nullptr};
+        EXPECT_EQ(Run(&picture, &second, each.runFlags, &record, each.callback), 0u);
+        EXPECT_EQ(picture, each.picture);
+        EXPECT_EQ(second, empty);
+    }
+    LmfHandle picture = source;
+    EXPECT_EQ(Run(&picture, nullptr, LMF_RUN_DIRECT, nullptr), 0u);
+    for (LmfHandle block : {source, empty, cut}) LmfBlockFree(block);
+}
+
+TEST_F(Library, ABatchCallWritesItsErrorCodeAndNothingElse) {
+    // A batch host names the filter through the settings file.
+    std::ofstream(home / "Quillon Works" / "LmfFiltrBatch.ini") << "CurrentFilter = " << kGamma << "\n";
+    std::array<uint8_t, 600> block, expected;
+    block.fill(0xCC);
+    expected = block;
+    LmfHandle mono = NewPicture(1, 1), picture = mono, second = nullptr;
+    EXPECT_EQ(Run(&picture, &second, LMF_RUN_DIRECT | LMF_RUN_BATCH, block.data()), 0u);
+    const int32_t unsupported = 5;
+    std::memcpy(expected.data() + LMF_BATCH_ERROR_OFFSET, &unsupported, sizeof unsupported);
+    EXPECT_EQ(block, expected);
+    LmfBlockFree(mono);
+}
+
+TEST(Blocks, LockSizeAndGrow) {
+    constexpr size_t kLarge = size_t{3} << 20;
+    LmfHandle block = LmfBlockAlloc(3);
+    auto *bytes = static_cast<uint8_t *>(LmfBlockLock(block));
+    std::memcpy(bytes, "abc", 3);
+    EXPECT_EQ(LmfBlockReAlloc(block, 8), nullptr) << "a locked block does not move";
+    EXPECT_EQ(LmfBlockUnlock(block), 0);
+    ASSERT_EQ(LmfBlockReAlloc(block, kLarge), block);
+    bytes = static_cast<uint8_t *>(LmfBlockLock(block));
+    EXPECT_EQ(std::memcmp(bytes, "abc\0", 4), 0);
+    EXPECT_EQ(bytes[kLarge - 1], 0);
+    LmfBlockUnlock(block);
+    ASSERT_EQ(LmfBlockReAlloc(block, 0), block);
+    EXPECT_EQ(LmfBlockLock(block), nullptr);
+    EXPECT_EQ(LmfBlockSize(block), 0u);
+    LmfBlockFree(block);
+    EXPECT_EQ(LmfBlockSize(nullptr), 0u);
+}
+
+} // namespace
