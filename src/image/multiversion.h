@@ -7,6 +7,8 @@
 #if defined(LMF_NO_MULTIVERSION) || !defined(__x86_64__) || !defined(__ELF__) || !defined(__GNUC__) ||                 \
     defined(__clang__)
 #define LMF_MULTIVERSION
+#define LMF_HAS_MULTIVERSION 0
 #else
+#define LMF_HAS_MULTIVERSION 1
 #define LMF_MULTIVERSION __attribute__((target_clones("default", "arch=x86-64-v3", "arch=x86-64-v4")))
 #endif

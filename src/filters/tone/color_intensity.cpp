@@ -1,13 +1,38 @@
+// Color and Intensity: adds a number of its own to red, green and blue and one more to all three, 128 standing for 0.
+// Palette pictures have their colour table changed.
+#include <algorithm>
+
 #include "engine/slots.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(322, "Blue:", &FilterParameters::FilterBlue, {0, 255}),
-    Slider(321, "Green:", &FilterParameters::FilterGreen, {0, 255}),
+    Slider(320, "Red:", &FilterParameters::FilterRed, {0, 255}).Track(8),
+    Slider(321, "Green:", &FilterParameters::FilterGreen, {0, 255}).Track(9),
+    Slider(322, "Blue:", &FilterParameters::FilterBlue, {0, 255}).Track(10),
     Slider(323, "Intensity:", &FilterParameters::FilterIntensity, {0, 255}),
-    Slider(320, "Red:", &FilterParameters::FilterRed, {0, 255}),
 };
-extern constexpr FilterSlots kColorAndIntensity = MakeSlots<kPage>(UnavailableKernel);
+
+static ToneTable Raised(int32_t offset) {
+    ToneTable table;
+    for (int32_t i = 0; i < 256; i++) table.at[i] = static_cast<uint8_t>(std::clamp(i + offset, 0, 255));
+    return table;
+}
+
+static DibHandle ColorAndIntensityKernel(DibHandle source, FilterContext *context) {
+    if (context->mode == kModeGrey || context->mode == kModeMono) return nullptr;
+    const int32_t intensity = context->FilterIntensity - 128;
+    const ChannelTables tables = {Raised(context->FilterRed - 128 + intensity),
+                                  Raised(context->FilterGreen - 128 + intensity),
+                                  Raised(context->FilterBlue - 128 + intensity)};
+    if (context->mode == kModePalette) return MapPaletteChannels(source, tables);
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    MapChannels(pass, tables);
+    return pass.Finish();
+}
+
+extern constexpr FilterSlots kColorAndIntensity = MakeSlots<kPage>(ColorAndIntensityKernel);
 
 } // namespace lmf

@@ -1,10 +1,23 @@
+// Gamma: a power curve through every channel. The setting is the exponent itself, in hundredths: above 1.00 the picture
+// darkens. Palette pictures have their colour table changed.
+#include <cmath>
+
 #include "engine/slots.h"
+#include "filters/tone/tone_table.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
     HundredthsSlider(480, "Gamma:", &FilterParameters::FilterGammaLevel, {10, 200}),
 };
-extern constexpr FilterSlots kGamma = MakeSlots<kPage>(UnavailableKernel);
+
+static DibHandle GammaKernel(DibHandle source, FilterContext *context) {
+    ToneTable table;
+    for (int32_t i = 0; i < 256; i++)
+        table.at[i] = static_cast<uint8_t>(std::pow(i / 255.0, context->FilterGammaLevel / 100.0) * 255.0 + 0.5);
+    return ApplyToneTable(source, table);
+}
+
+extern constexpr FilterSlots kGamma = MakeSlots<kPage>(GammaKernel);
 
 } // namespace lmf

@@ -1,12 +1,38 @@
+// Invert Channels: mixes each channel with its negative. A channel's setting is the share of the original out of 255:
+// 255 keeps it, 0 inverts it.
 #include "engine/slots.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1202, "Blue:", &FilterParameters::FilterInvertChannelsBlue, {0, 255}),
-    Slider(1201, "Green:", &FilterParameters::FilterInvertChannelsGreen, {0, 255}),
-    Slider(1200, "Red:", &FilterParameters::FilterInvertChannelsRed, {0, 255}),
+    Slider(1200, "Red:", &FilterParameters::FilterInvertChannelsRed, {0, 255}).Track(8),
+    Slider(1201, "Green:", &FilterParameters::FilterInvertChannelsGreen, {0, 255}).Track(9),
+    Slider(1202, "Blue:", &FilterParameters::FilterInvertChannelsBlue, {0, 255}).Track(10),
 };
-extern constexpr FilterSlots kInvertChannels = MakeSlots<kPage>(UnavailableKernel);
+
+/// Quotients in double, products and their sum in single precision.
+static ToneTable MixedWithNegative(int32_t share) {
+    const auto factor = static_cast<float>(share / 255.0);
+    const auto rest = static_cast<float>(1.0 - factor);
+    ToneTable table;
+    for (int32_t i = 0; i < 256; i++) {
+        const auto negative = static_cast<float>((255 - i) / 255.0 * rest);
+        const auto original = static_cast<float>(i / 255.0 * factor);
+        table.at[i] = static_cast<uint8_t>((negative + original) * 255.0);
+    }
+    return table;
+}
+
+static DibHandle InvertChannelsKernel(DibHandle source, FilterContext *context) {
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    MapChannels(pass, {MixedWithNegative(context->FilterInvertChannelsRed),
+                       MixedWithNegative(context->FilterInvertChannelsGreen),
+                       MixedWithNegative(context->FilterInvertChannelsBlue)});
+    return pass.Finish();
+}
+
+extern constexpr FilterSlots kInvertChannels = MakeSlots<kPage>(InvertChannelsKernel);
 
 } // namespace lmf

@@ -1,9 +1,11 @@
 // Invert Colors: the photographic negative. Channels become 255 minus themselves; pictures with a palette other than
 // the grey ramp keep their pixels and have the palette inverted. There are no settings.
+#include <algorithm>
 #include <cstring>
 
 #include "engine/slots.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -12,44 +14,33 @@ static void InvertBytes(uint8_t *__restrict to, const uint8_t *__restrict from, 
     for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(~from[i]);
 }
 
-/// Row by row, so that the padding stays 0.
-static void InvertRows(const DibView &to, const DibView &from, size_t rowBytes) {
-    for (int32_t y = 0; y < from.height; y++) InvertBytes(to.MemoryRow(y), from.MemoryRow(y), rowBytes);
-}
-
-/// Any depth: flips the bits of `flip` and keeps those of `keep`.
-static void InvertThroughPixels(const DibLock &to, const DibLock &from, uint32_t flip, uint32_t keep) {
-    for (int32_t y = 0; y < from.view.height; y++) {
-        for (int32_t x = 0; x < from.view.width; x++)
-            DibSetPixel(to.image, x, y, (DibGetPixel(from.image, x, y) ^ flip) & keep);
-    }
-}
-
-static DibHandle InvertColorsKernel(DibHandle source, FilterContext *context) {
+static DibHandle InvertPalette(DibHandle source) {
     DibLock from(source);
     if (!from) return nullptr;
-    const bool byPalette = context->mode == kModePalette || context->mode == kModeMono;
     Palette768 palette;
     const uint32_t entries = DibReadPalette(from.image, &palette);
-    if (byPalette) InvertBytes(palette.rgb, Palette768(palette).rgb, entries * 3);
-
+    InvertBytes(palette.rgb, Palette768(palette).rgb, entries * 3);
     DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
     DibLock to(result.handle);
     if (!to) return nullptr;
-    const size_t rowBytes = static_cast<size_t>(from.view.width) * from.view.bits / 8;
-    if (byPalette && to.view.stride == from.view.stride)
-        std::memcpy(to.view.bottom, from.view.bottom,
-                    static_cast<size_t>(from.view.stride) * static_cast<size_t>(from.view.height));
-    else if (context->mode == kModeGrey && from.view.bits == 8)
-        InvertRows(to.view, from.view, rowBytes);
-    else if (context->mode == kModeGrey)
-        InvertThroughPixels(to, from, 0xFF, 0xFFFFFFFF);
-    else if (from.view.bits == 24)
-        InvertRows(to.view, from.view, rowBytes);
-    else
-        InvertThroughPixels(to, from, 0xFFFFFF, 0xFFFFFF);
+    const auto bytes = static_cast<size_t>(std::min(to.view.stride, from.view.stride));
+    for (int32_t y = 0; y < from.view.height; y++) std::memcpy(to.view.MemoryRow(y), from.view.MemoryRow(y), bytes);
     to.Unlock();
     return result.Release();
+}
+
+static DibHandle InvertColorsKernel(DibHandle source, FilterContext *context) {
+    if (context->mode == kModePalette || context->mode == kModeMono) return InvertPalette(source);
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    if (context->mode == kModeGrey) {
+        MapPixels(pass, [](Color value) { return value ^ 0xFF; });
+    } else {
+        MapPixels(
+            pass, [](Color color) { return ~color & 0xFFFFFF; },
+            [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
+    }
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kInvertColors = MakeSlots(InvertColorsKernel);

@@ -1,0 +1,82 @@
+// Changes where each new pixel depends on the old pixel at its place alone.
+#pragma once
+
+#include "image/dib.h"
+
+namespace lmf {
+
+/// What replaces each value of a channel.
+struct ToneTable {
+    uint8_t at[256];
+};
+
+/// A tone table for each channel.
+struct ChannelTables {
+    ToneTable red, green, blue;
+};
+
+enum class ResultPalette : uint8_t {
+    OfSource, ///< the source's colour table
+    Black     ///< all entries 0
+};
+
+/// A locked source and the blank picture of its size and depth that becomes the result.
+struct PixelPass {
+    DibLock from;
+    DibOwner result;
+    DibLock to;
+
+    /// False afterwards where the source cannot be locked or the result cannot be made.
+    explicit PixelPass(DibHandle source, ResultPalette palette = ResultPalette::OfSource);
+
+    explicit operator bool() const { return static_cast<bool>(to); }
+    /// Ends both locks and gives the result to the caller.
+    [[nodiscard]] DibHandle Finish();
+};
+
+/// to[i] = table[from[i]].
+void LookUpBytes(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count, const ToneTable &table);
+/// The same for 24-bit pixels with a table for each channel.
+void LookUpPixels(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels, const ChannelTables &tables);
+
+/// Each value of the result is `pixel(value)`, in the terms of DibGetPixel and DibSetPixel. `row24(to, from, width)`
+/// does the same for a row of 24-bit pixels, where speed counts. Rows are taken as they lie in memory.
+template <typename PixelFunction, typename RowFunction>
+void MapPixels(const PixelPass &pass, PixelFunction pixel, RowFunction row24) {
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    const auto width = static_cast<size_t>(from.width);
+    if (from.bits == 24) {
+        for (int32_t y = 0; y < from.height; y++) row24(to.MemoryRow(y), from.MemoryRow(y), width);
+    } else if (from.bits == 8) {
+        ToneTable table;
+        for (uint32_t i = 0; i < 256; i++) table.at[i] = static_cast<uint8_t>(pixel(i));
+        for (int32_t y = 0; y < from.height; y++) LookUpBytes(to.MemoryRow(y), from.MemoryRow(y), width, table);
+    } else {
+        for (int32_t y = 0; y < from.height; y++) {
+            for (int32_t x = 0; x < from.width; x++)
+                DibSetPixel(pass.to.image, x, y, pixel(DibGetPixel(pass.from.image, x, y)));
+        }
+    }
+}
+
+/// The same without a way of its own for 24 bits.
+template <typename PixelFunction>
+void MapPixels(const PixelPass &pass, PixelFunction pixel) {
+    MapPixels(pass, pixel, [&pixel](uint8_t *__restrict to, const uint8_t *__restrict from, size_t width) {
+        for (size_t i = 0; i < width * 3; i += 3) {
+            const Color color = pixel(PackColor(from[i + 2], from[i + 1], from[i]));
+            to[i] = BlueOf(color);
+            to[i + 1] = GreenOf(color);
+            to[i + 2] = RedOf(color);
+        }
+    });
+}
+
+/// Sends red, green and blue through their tables; alpha becomes 0. Indexed pictures take the red table's value.
+void MapChannels(const PixelPass &pass, const ChannelTables &tables);
+/// The same with one table for all.
+void MapChannels(const PixelPass &pass, const ToneTable &table);
+/// A copy of the picture whose colour table went through the tables while the pixels stay; null on failure.
+[[nodiscard]] DibHandle MapPaletteChannels(DibHandle source, const ChannelTables &tables);
+
+} // namespace lmf
