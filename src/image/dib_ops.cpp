@@ -2,6 +2,9 @@
 
 #include <cstring>
 
+#include "image/hsv.h"
+#include "image/multiversion.h"
+
 namespace lmf {
 
 /// Are pixels of this depth whole bytes, so that rows can be copied as bytes?
@@ -171,6 +174,285 @@ int32_t DibCopyRect(void *to, int32_t toX, int32_t toY, const void *from, int32_
         }
     }
     return 1;
+}
+
+Color DarkroomPaperColor = 0xFFFFFF;
+
+/// value / 255 for values up to 65534, in 16 bits, so that a loop over bytes runs in wide lanes.
+static inline uint16_t Div255(uint16_t value) {
+    return static_cast<uint16_t>((value + 1 + (value >> 8)) >> 8);
+}
+
+static inline uint8_t ByteGrey(uint8_t red, uint8_t green, uint8_t blue) {
+    return static_cast<uint8_t>(Div255(static_cast<uint16_t>(red * 77)) + Div255(static_cast<uint16_t>(green * 150)) +
+                                Div255(static_cast<uint16_t>(blue * 28)));
+}
+
+/// The share of a channel in a mix of two by a weight of 0 to 255, each part truncated on its own.
+static inline uint8_t MixBytes(uint8_t channel, uint8_t other, uint8_t otherWeight) {
+    return static_cast<uint8_t>(Div255(static_cast<uint16_t>(channel * (255 - otherWeight))) +
+                                Div255(static_cast<uint16_t>(other * otherWeight)));
+}
+
+LMF_MULTIVERSION
+void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t width) {
+    for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
+}
+
+LMF_MULTIVERSION
+static void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
+    for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgra[x * 4 + 2], bgra[x * 4 + 1], bgra[x * 4]);
+}
+
+LMF_MULTIVERSION
+static void DropAlphaRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width) {
+    for (int32_t x = 0; x < width; x++) {
+        bgr[x * 3] = bgra[x * 4];
+        bgr[x * 3 + 1] = bgra[x * 4 + 1];
+        bgr[x * 3 + 2] = bgra[x * 4 + 2];
+    }
+}
+
+/// Lays a 32-bit row over a colour.
+LMF_MULTIVERSION
+static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width, Color background) {
+    const uint8_t red = RedOf(background), green = GreenOf(background), blue = BlueOf(background);
+    for (int32_t x = 0; x < width; x++) {
+        const auto clear = static_cast<uint8_t>(255 - bgra[x * 4 + 3]);
+        bgr[x * 3] = MixBytes(bgra[x * 4], blue, clear);
+        bgr[x * 3 + 1] = MixBytes(bgra[x * 4 + 1], green, clear);
+        bgr[x * 3 + 2] = MixBytes(bgra[x * 4 + 2], red, clear);
+    }
+}
+
+LMF_MULTIVERSION
+static void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask,
+                    int32_t width, Color color) {
+    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+    for (int32_t x = 0; x < width; x++) {
+        to[x * 3] = MixBytes(from[x * 3], blue, mask[x]);
+        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, mask[x]);
+        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, mask[x]);
+    }
+}
+
+static Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
+    return PackColor(MixBytes(RedOf(color), RedOf(other), otherWeight),
+                     MixBytes(GreenOf(color), GreenOf(other), otherWeight),
+                     MixBytes(BlueOf(color), BlueOf(other), otherWeight));
+}
+
+DibHandle DibToGrey(DibHandle source) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreateGrey(width, from.view.height));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    for (int32_t y = 0; y < from.view.height; y++) {
+        const uint8_t *fromRow = from.view.Row(y);
+        uint8_t *row = to.view.Row(y);
+        switch (from.view.bits) {
+        case 24:
+            GreyRow(row, fromRow, width);
+            break;
+        case 32:
+            GreyRow32(row, fromRow, width);
+            break;
+        case 8:
+            for (int32_t x = 0; x < width; x++) row[x] = palette.rgb[fromRow[x] * 3];
+            break;
+        default:
+            for (int32_t x = 0; x < width; x++) {
+                const uint32_t value = DibGetPixel(from.image, x, y);
+                row[x] =
+                    from.view.bits > 8 ? static_cast<uint8_t>(WeightedGrey(value)) : palette.rgb[(value & 255) * 3];
+            }
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+static void StoreColor(uint8_t *bgr, Color color) {
+    bgr[0] = BlueOf(color);
+    bgr[1] = GreenOf(color);
+    bgr[2] = RedOf(color);
+}
+
+DibHandle DibThroughPalette(const DibLock &source, const Palette768 &palette) {
+    const int32_t width = source.view.width;
+    DibOwner result(DibCreate(width, source.view.height, nullptr, 24));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    Color colors[256];
+    for (uint32_t i = 0; i < 256; i++) colors[i] = palette.At(i);
+    for (int32_t y = 0; y < source.view.height; y++) {
+        const uint8_t *fromRow = source.view.Row(y);
+        uint8_t *row = to.view.Row(y);
+        switch (source.view.bits) {
+        case 24:
+            std::memcpy(row, fromRow, static_cast<size_t>(width) * 3);
+            break;
+        case 8:
+            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, colors[fromRow[x]]);
+            break;
+        default:
+            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, colors[DibGetPixel(source.image, x, y) & 255]);
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+DibHandle DibToRgb(DibHandle source) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    if (from.view.bits <= 8 || from.view.bits == 24) {
+        Palette768 palette;
+        DibReadPalette(from.image, &palette);
+        if (from.view.bits == 1) palette = {{0, 0, 0, 255, 255, 255}};
+        return DibThroughPalette(from, palette);
+    }
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    for (int32_t y = 0; y < from.view.height; y++) {
+        uint8_t *row = to.view.Row(y);
+        if (from.view.bits == 32)
+            DropAlphaRow(row, from.view.Row(y), width);
+        else
+            std::memset(row, 0xFF, static_cast<size_t>(width) * 3);
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+DibHandle DibAlphaToGrey(DibHandle source) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreateGrey(width, from.view.height));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    for (int32_t y = 0; y < from.view.height; y++) {
+        const uint8_t *fromRow = from.view.Row(y);
+        uint8_t *row = to.view.Row(y);
+        if (from.view.bits == 32) {
+            for (int32_t x = 0; x < width; x++) row[x] = fromRow[x * 4 + 3];
+        } else {
+            for (int32_t x = 0; x < width; x++) row[x] = AlphaOf(DibGetPixel(from.image, x, y));
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+DibHandle DibFlattenOnColor(DibHandle source, Color background) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    for (int32_t y = 0; y < from.view.height; y++) {
+        uint8_t *row = to.view.Row(y);
+        if (from.view.bits == 32) {
+            FlattenRow(row, from.view.Row(y), width, background);
+            continue;
+        }
+        for (int32_t x = 0; x < width; x++) {
+            const uint32_t value = DibGetPixel(from.image, x, y);
+            StoreColor(row + x * 3, MixColorBytes(background, value, AlphaOf(value)));
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+DibHandle DibFlattenOnPaper(DibHandle source, Color) {
+    uint32_t bits = 0;
+    if (!DibInfo(source, nullptr, nullptr, &bits, nullptr) || bits != 32) return nullptr;
+    return DibFlattenOnColor(source, DarkroomPaperColor);
+}
+
+DibHandle DibTintByMask(DibHandle source, DibHandle mask, Color color) {
+    DibLock from(source), maskLock(mask);
+    if (!from || !maskLock || from.view.bits != 24) return nullptr;
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
+    DibLock to(result.handle);
+    BlockArray<uint8_t> weights(static_cast<uint64_t>(width));
+    if (!to || !weights) return nullptr;
+    for (int32_t y = 0; y < from.view.height; y++) {
+        const uint8_t *maskRow = weights.data;
+        if (maskLock.view.bits == 8 && maskLock.view.width >= width && y < maskLock.view.height) {
+            maskRow = maskLock.view.Row(y);
+        } else {
+            for (int32_t x = 0; x < width; x++) weights[x] = static_cast<uint8_t>(DibGetPixel(maskLock.image, x, y));
+        }
+        TintRow(to.view.Row(y), from.view.Row(y), maskRow, width, color);
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+DibHandle DibColorize(DibHandle source, Color level0, Color level255) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width;
+    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    Color ramp[256];
+    for (uint32_t i = 0; i < 256; i++) ramp[i] = MixColorBytes(level0, level255, static_cast<uint8_t>(i));
+    for (int32_t y = 0; y < from.view.height; y++) {
+        const uint8_t *fromRow = from.view.Row(y);
+        uint8_t *row = to.view.Row(y);
+        if (from.view.bits == 8) {
+            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, ramp[fromRow[x]]);
+        } else {
+            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, ramp[DibGetPixel(from.image, x, y) & 255]);
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+static Color AdjustColor(Color color, float hueOffset, float saturationScale, float valueScale) {
+    Hsv hsv = RgbToHsv(color);
+    hsv.hue += hueOffset;
+    hsv.saturation *= saturationScale;
+    hsv.value *= valueScale;
+    return HsvToRgb(hsv);
+}
+
+DibHandle DibAdjustHsv(DibHandle source, float hueOffset, float saturationScale, float valueScale) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    DibOwner result(CreateLike(from, from.view.width, from.view.height));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    const uint32_t alphaMask = from.view.bits == 32 ? 0xFF000000 : 0;
+    // Neighbours are often of one colour: the last answer is kept.
+    Color known = 0;
+    Color answer = AdjustColor(known, hueOffset, saturationScale, valueScale);
+    for (int32_t y = 0; y < from.view.height; y++) {
+        for (int32_t x = 0; x < from.view.width; x++) {
+            const uint32_t value = DibGetPixel(from.image, x, y);
+            const Color color = value & 0xFFFFFF;
+            if (color != known) {
+                known = color;
+                answer = AdjustColor(known, hueOffset, saturationScale, valueScale);
+            }
+            DibSetPixel(to.image, x, y, answer | (value & alphaMask));
+        }
+    }
+    to.Unlock();
+    return result.Release();
 }
 
 } // namespace lmf

@@ -145,12 +145,111 @@ TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
     }
 }
 
+static uint32_t GreyOf(uint32_t color) {
+    return (color & 255) * 77 / 255 + (color >> 8 & 255) * 150 / 255 + (color >> 16 & 255) * 28 / 255;
+}
+
+static uint32_t MixByte(uint32_t from, uint32_t to, uint32_t weight) {
+    return from * (255 - weight) / 255 + to * weight / 255;
+}
+static uint32_t MixBytes(uint32_t from, uint32_t to, uint32_t weight) {
+    uint32_t mixed = 0;
+    for (uint32_t shift : {0, 8, 16}) mixed |= MixByte(from >> shift & 255, to >> shift & 255, weight) << shift;
+    return mixed;
+}
+
+/// Every pixel of `result` is `expected(x, y)`.
+template <typename Expected>
+static void ExpectPixels(DibHandle result, uint32_t bits, Expected expected) {
+    DibLock lock(result);
+    ASSERT_TRUE(lock);
+    ASSERT_EQ(lock.view.bits, bits);
+    for (int32_t y = 0; y < lock.view.height; y++) {
+        for (int32_t x = 0; x < lock.view.width; x++)
+            ASSERT_EQ(DibGetPixel(lock.image, x, y), expected(x, y)) << x << " " << y;
+    }
+}
+
+TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
+    // Wide enough for whole vectors and a rest.
+    const int32_t width = 301, height = 3;
+    const Color paper = 0x20C0F1;
+    for (uint32_t bits : {24u, 32u}) {
+        DibOwner picture = RandomDepth(width, height, bits, 6);
+        DibLock from(picture.handle);
+        const auto pixel = [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x, y); };
+        ExpectPixels(DibOwner(DibToGrey(picture.handle)).handle, 8,
+                     [&](int32_t x, int32_t y) { return GreyOf(pixel(x, y)); });
+        ExpectPixels(DibOwner(DibToRgb(picture.handle)).handle, 24,
+                     [&](int32_t x, int32_t y) { return pixel(x, y) & 0xFFFFFF; });
+        ExpectPixels(DibOwner(DibAlphaToGrey(picture.handle)).handle, 8,
+                     [&](int32_t x, int32_t y) { return pixel(x, y) >> 24; });
+        ExpectPixels(DibOwner(DibFlattenOnColor(picture.handle, paper)).handle, 24,
+                     [&](int32_t x, int32_t y) { return MixBytes(paper, pixel(x, y), pixel(x, y) >> 24); });
+        ExpectPixels(DibOwner(DibColorize(picture.handle, paper, 0x804001)).handle, 24,
+                     [&](int32_t x, int32_t y) { return MixBytes(paper, 0x804001, pixel(x, y) & 255); });
+        for (uint32_t maskBits : kDepths) {
+            // Smaller than the picture: outside, the mask counts as full.
+            DibOwner mask = RandomDepth(maskBits == 8 ? width : width - 9, height - 1, maskBits, 2);
+            DibLock maskLock(mask.handle);
+            DibOwner tinted(DibTintByMask(picture.handle, mask.handle, paper));
+            if (bits == 32) {
+                EXPECT_EQ(tinted.handle, nullptr);
+                continue;
+            }
+            ExpectPixels(tinted.handle, 24, [&](int32_t x, int32_t y) {
+                return MixBytes(pixel(x, y), paper, DibGetPixel(maskLock.image, x, y) & 255);
+            });
+        }
+    }
+}
+
+TEST(DibConversions, IndexedPicturesGoThroughTheirTable) {
+    Palette768 palette{};
+    const uint8_t entries[] = {200, 1, 2, 0, 0, 255, 7, 8, 9};
+    std::copy(std::begin(entries), std::end(entries), palette.rgb);
+    for (uint32_t bits : {4u, 8u}) {
+        DibOwner picture = MakePalettePicture(3, 1, bits, palette, {0, 1, 2});
+        EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(picture.handle)).handle),
+                  (std::vector<uint32_t>{0x0201C8, 0xFF0000, 0x090807}));
+        // The red byte alone: pure blue is black.
+        EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(picture.handle)).handle), (std::vector<uint32_t>{200, 0, 7}));
+        EXPECT_EQ(PixelsOf(DibOwner(DibAlphaToGrey(picture.handle)).handle), std::vector<uint32_t>(3, 0));
+    }
+    DibOwner mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
+    EXPECT_EQ(DibClassify(mono.handle), kModeMono);
+    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(mono.handle)).handle), (std::vector<uint32_t>{0, 0xFFFFFF}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(mono.handle)).handle), (std::vector<uint32_t>{200, 0}));
+}
+
+TEST(DibConversions, PaperIsOnlyFor32Bits) {
+    DibOwner clear = MakePicture(2, 1, 32, {0x00123456, 0xFF123456});
+    DarkroomPaperColor = 0x0000FF;
+    EXPECT_EQ(PixelsOf(DibOwner(DibFlattenOnPaper(clear.handle, 0x00FF00)).handle),
+              (std::vector<uint32_t>{0x0000FF, 0x123456}));
+    DarkroomPaperColor = 0xFFFFFF;
+    DibOwner opaque = MakePicture(1, 1, 24, {0});
+    EXPECT_EQ(DibFlattenOnPaper(opaque.handle, 0), nullptr);
+    EXPECT_EQ(DibFlattenOnPaper(nullptr, 0), nullptr);
+}
+
+TEST(DibAdjustHsv, TurnsScalesAndKeepsAlpha) {
+    DibOwner picture = MakePicture(3, 1, 32, {0x800000FF, 0x80000000, 0x40204060});
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 120, 1, 1)).handle)[0], 0x8000FF00u);
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 0, 0, 0.5f)).handle),
+              (std::vector<uint32_t>{0x807F7F7F, 0x80000000, 0x40303030}));
+    // Not wrapped: red turned back by 60 degrees stands in the last sector, at its start.
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, -60, 1, 1)).handle)[0], 0x80FF00FFu);
+}
+
 TEST(DibOps, SixteenBitPicturesReadWhite) {
     DibOwner odd = SixteenBits(3, 2);
     const std::vector<uint32_t> white(6, 0xFFFFFF);
     EXPECT_EQ(PixelsOf(DibOwner(DibCropRect(odd.handle, 0, 0, 3, 2)).handle), white);
     EXPECT_EQ(PixelsOf(DibOwner(DibFlipHorizontal(odd.handle)).handle), white);
     EXPECT_EQ(PixelsOf(DibOwner(DibFlipVertical(odd.handle)).handle).size(), 6u);
+    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(odd.handle)).handle), white);
+    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(odd.handle)).handle), std::vector<uint32_t>(6, 255));
 }
 
 } // namespace lmf::testing
