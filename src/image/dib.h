@@ -76,6 +76,11 @@ constexpr int32_t WeightedGrey(Color color) {
 constexpr uint32_t ColorTableEntries(uint32_t bits) {
     return bits <= 8 ? 1u << bits : 0;
 }
+/// Is this one of the depths that DibCreate makes and DibGetPixel reads? A copy of any other one would be a picture
+/// that nobody can read.
+constexpr bool CanReadPixels(uint32_t bits) {
+    return bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
+}
 /// Bytes from the start of the block to the first pixel row.
 constexpr uint32_t PixelOffset(uint32_t bits) {
     return 40 + 4 * ColorTableEntries(bits);

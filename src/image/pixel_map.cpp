@@ -141,11 +141,6 @@ void MapChannels(const PixelPass &pass, const ToneTable &table) {
         [&](uint8_t *to, const uint8_t *from, size_t width) { LookUpBytes(to, from, width * 3, table); });
 }
 
-/// A copy of any other depth would be a picture that nobody can read.
-static bool CanReadPixels(uint32_t bits) {
-    return bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
-}
-
 DibHandle MapPaletteChannels(DibHandle source, const ChannelTables &tables) {
     DibOwner copy(DibClone(source));
     DibLock lock(copy.handle);

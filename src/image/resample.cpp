@@ -155,7 +155,8 @@ DibHandle DibScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_
     DibLock from(source);
     if (!from || newWidth < 1 || newHeight < 1) return nullptr;
     const int32_t width = from.view.width, height = from.view.height;
-    if (newWidth == width && newHeight == height && blur == 1.0) return DibClone(source);
+    if (newWidth == width && newHeight == height && blur == 1.0)
+        return CanReadPixels(from.view.bits) ? DibClone(source) : nullptr;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
     DibOwner result(DibCreate(newWidth, newHeight, &palette, from.view.bits));
