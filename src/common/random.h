@@ -1,6 +1,7 @@
 // The library's one stream of random numbers, the same on every system: a seed gives the same grain everywhere.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace lmf {
@@ -12,5 +13,7 @@ inline constexpr int32_t kRandomMax = 0x7FFF;
 void SeedRandom(uint32_t seed);
 /// Next draw, 0 to kRandomMax: the upper bits of a linear congruential generator (D. H. Lehmer, 1951).
 [[nodiscard]] int32_t NextRandom();
+/// The next `count` draws in order, as if by NextRandom, several times as fast.
+void NextRandoms(uint16_t *draws, size_t count);
 
 } // namespace lmf

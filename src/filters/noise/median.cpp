@@ -1,10 +1,124 @@
+// Median: replaces each channel of a pixel by the middle one of the values in a square window, which removes specks
+// and keeps edges. The window's upper left corner lies on the pixel, so the picture moves up and to the left by half a
+// window; what lies outside the picture counts as white. The setting is the window's radius in hundredths of a pixel,
+// rounded up: 3 x 3 pixels at 100, 5 x 5 up to 200, 7 x 7 up to 300. Pictures smaller than the window are refused.
+#include <cstring>
+
 #include "engine/slots.h"
+#include "filters/noise/bgr_rows.h"
+#include "filters/noise/byte_network.h"
+#include "filters/noise/window_width.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
     Slider(580, "Radius:", &FilterParameters::FilterMedianRadius, {100, 300}),
 };
-extern constexpr FilterSlots kMedian = MakeSlots<kPage>(UnavailableKernel);
+
+static constexpr int32_t kWidestWindow = 7;
+/// Bytes of a row that are worked on at a time, so that the sorted columns stay in the innermost cache.
+static constexpr size_t kStrip = 512;
+/// Bytes from a pixel to the right end of the widest window.
+static constexpr size_t kReach = 3 * (kWidestWindow - 1);
+
+/// Sorted bytes of the columns at each place of a strip, or of two columns side by side: element k of place x is
+/// at [k][x].
+template <size_t N>
+using SortedStrip = uint8_t[N][kStrip + kReach];
+
+template <size_t N, size_t... K>
+LMF_NETWORK Bytes<N> BytesAt(const SortedStrip<N> &strip, size_t x, std::index_sequence<K...>) {
+    return {strip[K][x]...};
+}
+template <size_t N>
+LMF_NETWORK Bytes<N> BytesAt(const SortedStrip<N> &strip, size_t x) {
+    return BytesAt(strip, x, std::make_index_sequence<N>{});
+}
+template <size_t N, size_t... K>
+LMF_NETWORK Bytes<N> ColumnAt(const uint8_t *const *rows, size_t x, std::index_sequence<K...>) {
+    return {rows[K][x]...};
+}
+template <size_t N, size_t... K>
+LMF_NETWORK void PutBytes(SortedStrip<N> &strip, size_t x, const Bytes<N> &bytes, std::index_sequence<K...>) {
+    ((strip[K][x] = bytes[K]), ...);
+}
+
+/// Medians of the n x n windows at the kStrip bytes from the start of the n rows. A column is sorted once for the n
+/// windows that share it, and two columns are merged once for all windows that hold both.
+template <size_t N>
+LMF_NETWORK void MedianStrip(uint8_t *__restrict to, const uint8_t *const *rows) {
+    constexpr auto kColumn = std::make_index_sequence<N>{};
+    constexpr size_t kPairs = kStrip + 3 * (N - 3);
+    constexpr size_t kMiddle = N * N / 2;
+    alignas(64) SortedStrip<N> columns;
+    alignas(64) SortedStrip<2 * N> pairs;
+    for (size_t x = 0; x < kStrip + 3 * (N - 1); x++)
+        PutBytes(columns, x, SortBytes(ColumnAt<N>(rows, x, kColumn)), kColumn);
+    for (size_t x = 0; x < kPairs; x++)
+        PutBytes(pairs, x, MergeBytes(BytesAt(columns, x), BytesAt(columns, x + 3)), std::make_index_sequence<2 * N>{});
+    for (size_t x = 0; x < kStrip; x++) {
+        const Bytes<N> last = BytesAt(columns, x + 3 * (N - 1));
+        if constexpr (N == 3)
+            to[x] = SelectFromTwo<kMiddle>(BytesAt(pairs, x), last);
+        else if constexpr (N == 5)
+            to[x] = SelectFromTwo<kMiddle>(BytesAt(pairs, x), MergeBytes(BytesAt(pairs, x + 6), last));
+        else
+            to[x] = SelectFromTwo<kMiddle>(MergeBytes(BytesAt(pairs, x), BytesAt(pairs, x + 6)),
+                                           MergeBytes(BytesAt(pairs, x + 12), last));
+    }
+}
+
+LMF_MULTIVERSION
+static void MedianStrip3(uint8_t *__restrict to, const uint8_t *const *rows) {
+    MedianStrip<3>(to, rows);
+}
+LMF_MULTIVERSION
+static void MedianStrip5(uint8_t *__restrict to, const uint8_t *const *rows) {
+    MedianStrip<5>(to, rows);
+}
+LMF_MULTIVERSION
+static void MedianStrip7(uint8_t *__restrict to, const uint8_t *const *rows) {
+    MedianStrip<7>(to, rows);
+}
+
+static DibHandle MedianKernel(DibHandle source, FilterContext *context) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width, height = from.view.height;
+    const int32_t n = std::min(WindowWidth(context->FilterMedianRadius / 100.0, 0.5), kWidestWindow);
+    if (width < n || height < n) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+
+    // The rows of the window in turn, one row of white for what lies below the picture, and the row of results.
+    const size_t rowBytes = static_cast<size_t>(width) * 3;
+    const size_t padded = (rowBytes + kStrip - 1) / kStrip * kStrip + kReach;
+    BlockArray<uint8_t> buffer(padded * static_cast<size_t>(n + 2));
+    if (!buffer) return nullptr;
+    std::memset(buffer.data, 0xFF, padded * static_cast<size_t>(n + 2));
+    const auto bufferRow = [&](int32_t i) { return buffer.data + static_cast<size_t>(i) * padded; };
+    uint8_t *const white = bufferRow(n), *const medians = bufferRow(n + 1);
+    const auto medianStrip = n == 3 ? MedianStrip3 : n == 5 ? MedianStrip5 : MedianStrip7;
+
+    for (int32_t y = 0; y < n - 1; y++) ReadBgrRow(from, y, bufferRow(y));
+    for (int32_t y = 0; y < height; y++) {
+        const int32_t newest = y + n - 1;
+        if (newest < height) ReadBgrRow(from, newest, bufferRow(newest % n));
+        for (size_t x = 0; x < rowBytes; x += kStrip) {
+            const uint8_t *rows[kWidestWindow];
+            for (int32_t i = 0; i < n; i++) rows[i] = (y + i < height ? bufferRow((y + i) % n) : white) + x;
+            medianStrip(medians + x, rows);
+        }
+        WriteBgrRow(to, y, medians);
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+extern constexpr FilterSlots kMedian = MakeSlots<kPage>(MedianKernel);
 
 } // namespace lmf

@@ -1,10 +1,99 @@
+// Reduce noise: replaces each channel of a pixel by the middle one of the n values from the pixel to the right in its
+// row. Where that is the highest or the lowest of them, the next distinct value towards the others is taken instead,
+// so that a peak never stays; beyond the right edge everything counts as white. The setting is the radius in tenths of
+// a pixel, rounded up: n is 3 up to 10, 5 up to 20 and so on to 11. Pictures smaller than n x n are refused.
+#include <cstring>
+
 #include "engine/slots.h"
+#include "filters/noise/bgr_rows.h"
+#include "filters/noise/byte_network.h"
+#include "filters/noise/window_width.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
     HundredthsSlider(740, "Radius:", &FilterParameters::Filter_ReduceNoiseRadius, {2, 50}),
 };
-extern constexpr FilterSlots kReduceNoise = MakeSlots<kPage>(UnavailableKernel);
+
+static constexpr int32_t kWidestWindow = 11;
+/// Rows are worked on in whole groups of this many bytes.
+static constexpr size_t kGroup = 64;
+
+/// Bit operations, since a compiler may make branches of conditional expressions, and no vector code of those.
+LMF_NETWORK uint8_t ChooseByte(bool condition, uint8_t yes, uint8_t no) {
+    const auto mask = static_cast<uint8_t>(condition ? 0xFF : 0);
+    return static_cast<uint8_t>((yes & mask) | (no & ~mask));
+}
+
+/// The last of the bytes I that differs from `middle`, or `middle` where none does.
+template <size_t N, size_t... I>
+LMF_NETWORK uint8_t LastUnequal(const Bytes<N> &sorted, uint8_t middle, std::index_sequence<I...>) {
+    uint8_t found = middle;
+    ((found = ChooseByte(sorted[I] != middle, sorted[I], found)), ...);
+    return found;
+}
+
+/// Middle of the values, or where that is an extreme of several distinct ones its neighbour among those.
+template <size_t N, size_t... I>
+LMF_NETWORK uint8_t NonPeakMedian(const Bytes<N> &values, std::index_sequence<I...>) {
+    const Bytes<N> sorted = SortBytes(values);
+    const uint8_t middle = sorted[N / 2];
+    const uint8_t below = LastUnequal(sorted, middle, std::index_sequence<I...>{});
+    const uint8_t above = LastUnequal(sorted, middle, std::index_sequence<N - 1 - I...>{});
+    const uint8_t belowPeak = ChooseByte(sorted[N - 1] == middle, below, middle);
+    return ChooseByte(sorted[0] == middle, above, belowPeak);
+}
+
+template <size_t N, size_t... I>
+LMF_NETWORK void ReduceRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count,
+                           std::index_sequence<I...>) {
+    for (size_t x = 0; x < count / kGroup * kGroup; x++)
+        to[x] = NonPeakMedian(Bytes<N>{from[x + 3 * I]...}, std::make_index_sequence<N / 2>{});
+}
+
+#define REDUCE_ROW(n)                                                                                                  \
+    LMF_MULTIVERSION static void ReduceRow##n(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {  \
+        ReduceRow<n>(to, from, count, std::make_index_sequence<n>{});                                                  \
+    }
+REDUCE_ROW(3)
+REDUCE_ROW(5)
+REDUCE_ROW(7)
+REDUCE_ROW(9)
+REDUCE_ROW(11)
+#undef REDUCE_ROW
+
+using RowFunction = void (*)(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count);
+static constexpr RowFunction kReduceRow[] = {ReduceRow3, ReduceRow5, ReduceRow7, ReduceRow9, ReduceRow11};
+
+static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    const int32_t width = from.view.width, height = from.view.height;
+    const int32_t n = std::min(WindowWidth(context->Filter_ReduceNoiseRadius / 10.0, 0.5), kWidestWindow);
+    if (width < n || height < n) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+
+    const size_t padded = (static_cast<size_t>(width) * 3 + kGroup - 1) / kGroup * kGroup;
+    const size_t reach = 3 * (kWidestWindow - 1);
+    BlockArray<uint8_t> buffer(padded * 2 + reach);
+    if (!buffer) return nullptr;
+    uint8_t *const reduced = buffer.data, *const values = buffer.data + padded;
+    std::memset(values, 0xFF, padded + reach);
+    const auto reduceRow = kReduceRow[n / 2 - 1];
+    for (int32_t y = 0; y < height; y++) {
+        ReadBgrRow(from, y, values);
+        reduceRow(reduced, values, padded);
+        WriteBgrRow(to, y, reduced);
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+extern constexpr FilterSlots kReduceNoise = MakeSlots<kPage>(ReduceNoiseKernel);
 
 } // namespace lmf
