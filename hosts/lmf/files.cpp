@@ -1,0 +1,194 @@
+#include "files.h"
+
+#include <fcntl.h>
+#include <ftw.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+
+namespace lmf::host {
+
+namespace {
+
+constexpr size_t kStartBytes = 64;
+constexpr size_t kLargestFile = size_t{4} << 30;
+
+// What a signal handler has to remove. Plain arrays, since nothing else may be touched there.
+char gOpenOutput[PATH_MAX];
+char gPrivateFolder[PATH_MAX];
+
+void Remember(char (&slot)[PATH_MAX], const std::string &path) {
+    if (path.size() < sizeof slot) std::memcpy(slot, path.c_str(), path.size() + 1);
+}
+
+void OnSignal(int signal) {
+    if (gOpenOutput[0]) unlink(gOpenOutput);
+    if (gPrivateFolder[0]) {
+        // Only calls that are safe in a handler: the folder holds these names and no others.
+        static const char *const kNames[] = {"Quillon Works/LmfFiltrBatch.ini", "Quillon Works/LmfFiltrEnableBatch.ini",
+                                             "Quillon Works/LmfFiltrListBatch.txt", "fontconfig"};
+        const int folder = open(gPrivateFolder, O_RDONLY | O_DIRECTORY);
+        for (const char *name : kNames) unlinkat(folder, name, 0);
+        unlinkat(folder, "Quillon Works", AT_REMOVEDIR);
+        rmdir(gPrivateFolder);
+    }
+    std::signal(signal, SIG_DFL);
+    raise(signal);
+}
+
+struct FileCloser {
+    std::FILE *file;
+    ~FileCloser() { std::fclose(file); }
+};
+
+int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
+    (void)std::remove(path);
+    return 0;
+}
+
+} // namespace
+
+std::string SystemError() {
+    return std::strerror(errno);
+}
+
+bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report) {
+    std::FILE *file = std::fopen(path.c_str(), "rbe");
+    if (!file) return report.Fail(SystemError());
+    const FileCloser closer{file};
+    struct stat state;
+    if (fstat(fileno(file), &state) == 0 && S_ISDIR(state.st_mode)) return report.Fail("this is a folder");
+    bytes.resize(kStartBytes);
+    size_t filled = std::fread(bytes.data(), 1, kStartBytes, file);
+    if (std::ferror(file)) return report.Fail(SystemError());
+    if (!recognise(ByteView(bytes.data(), filled)))
+        return report.Fail(filled == 0 ? "the file is empty" : "this is not a PNG, JPEG, TIFF, WebP or BMP picture");
+    // One byte more than a regular file holds, so that its end shows in the first read.
+    if (S_ISREG(state.st_mode) && size_t(state.st_size) >= filled && size_t(state.st_size) < kLargestFile)
+        bytes.resize(size_t(state.st_size) + 1);
+    while (true) {
+        if (filled == bytes.size()) bytes.resize(filled * 2);
+        const size_t got = std::fread(bytes.data() + filled, 1, bytes.size() - filled, file);
+        filled += got;
+        if (std::ferror(file)) return report.Fail(SystemError());
+        if (got == 0) break;
+        if (filled > kLargestFile) return report.Fail("the file is larger than 4 GiB");
+    }
+    bytes.resize(filled);
+    return true;
+}
+
+OutputFile::~OutputFile() {
+    if (file) std::fclose(file);
+    if (!temporary.empty()) unlink(temporary.c_str());
+    gOpenOutput[0] = 0;
+}
+
+bool OutputFile::Open(const std::string &path, Report &report) {
+    target = path;
+    if (char *real = realpath(path.c_str(), nullptr)) {
+        target = real;
+        std::free(real);
+    }
+    struct stat state;
+    mode_t mode = 0;
+    if (stat(target.c_str(), &state) == 0) {
+        if (!S_ISREG(state.st_mode)) return report.Fail("something that is not a file has this name");
+        if (access(target.c_str(), W_OK) != 0) return report.Fail(SystemError());
+        mode = state.st_mode & 0777;
+    } else {
+        const mode_t mask = umask(0);
+        umask(mask);
+        mode = 0666 & ~mask;
+    }
+    const size_t slash = target.rfind('/');
+    temporary = (slash == std::string::npos ? "" : target.substr(0, slash + 1)) + ".lmf-XXXXXX";
+    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
+    if (descriptor < 0) {
+        temporary.clear();
+        return report.Fail(SystemError());
+    }
+    Remember(gOpenOutput, temporary);
+    (void)fchmod(descriptor, mode);
+    file = fdopen(descriptor, "w+b");
+    if (!file) {
+        close(descriptor);
+        return report.Fail(SystemError());
+    }
+    return true;
+}
+
+bool OutputFile::Commit(Report &report) {
+    const bool written = std::fflush(file) == 0 && !std::ferror(file);
+    const bool closed = std::fclose(file) == 0;
+    file = nullptr;
+    if (!written || !closed) return report.Fail(SystemError());
+    if (std::rename(temporary.c_str(), target.c_str()) != 0) return report.Fail(SystemError());
+    temporary.clear();
+    return true;
+}
+
+PrivateFolder::~PrivateFolder() {
+    if (path.empty()) return;
+    nftw(path.c_str(), RemoveEntry, 8, FTW_DEPTH | FTW_PHYS);
+    gPrivateFolder[0] = 0;
+}
+
+bool PrivateFolder::Make(Report &report) {
+    const char *base = std::getenv("TMPDIR");
+    path = std::string(base && *base ? base : "/tmp") + "/lmf-XXXXXX";
+    if (mkdtemp(path.data())) {
+        Remember(gPrivateFolder, path);
+        return true;
+    }
+    const std::string folder = path;
+    path.clear();
+    return report.Fail("cannot make the folder " + folder + ": " + SystemError());
+}
+
+void CleanUpOnSignals() {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        // A program that was started to ignore the signal (nohup) goes on ignoring it.
+        if (std::signal(signal, OnSignal) == SIG_IGN) std::signal(signal, SIG_IGN);
+    }
+}
+
+bool FileExists(const std::string &path) {
+    struct stat state;
+    return lstat(path.c_str(), &state) == 0;
+}
+
+bool SameFile(const std::string &a, const std::string &b) {
+    struct stat first;
+    struct stat second;
+    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
+}
+
+bool MakeFolders(const std::string &path, Report &report) {
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    if (error) return report.Fail(error.message());
+    if (!std::filesystem::is_directory(path, error)) return report.Fail("this is not a folder");
+    return true;
+}
+
+std::string BaseName(const std::string &path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+std::string ProgramFolder() {
+    char path[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    if (length <= 0) return ".";
+    const std::string program(path, size_t(length));
+    return program.substr(0, program.rfind('/'));
+}
+
+} // namespace lmf::host

@@ -1,0 +1,65 @@
+// Files and folders: whole reads, atomic writes, and nothing left behind when the program is interrupted.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <string>
+
+#include "picture.h"
+
+namespace lmf::host {
+
+/// Reads a whole file. `recognise` sees its first bytes (at most 64) and ends the read by giving false.
+[[nodiscard]] bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes,
+                            Report &report);
+
+/// A file that is written under another name beside its target and takes the target's place on Commit.
+/// Without Commit, nothing of it stays. The target's permissions and, for a symbolic link, the link are kept.
+struct OutputFile {
+    std::FILE *file = nullptr; // open for reading and writing
+    std::string temporary;
+    std::string target;
+
+    OutputFile() = default;
+    OutputFile(const OutputFile &) = delete;
+    OutputFile &operator=(const OutputFile &) = delete;
+    ~OutputFile();
+
+    [[nodiscard]] bool Open(const std::string &path, Report &report);
+    [[nodiscard]] bool Commit(Report &report);
+};
+
+/// A folder of this run's own, removed with all that is in it.
+struct PrivateFolder {
+    std::string path;
+
+    PrivateFolder() = default;
+    PrivateFolder(const PrivateFolder &) = delete;
+    PrivateFolder &operator=(const PrivateFolder &) = delete;
+    ~PrivateFolder();
+
+    [[nodiscard]] bool Make(Report &report);
+};
+
+/// Makes an interrupt or a hang-up remove the open output and the private folder before the program ends.
+void CleanUpOnSignals();
+
+/// Whether a file of this name exists, of whatever kind.
+[[nodiscard]] bool FileExists(const std::string &path);
+
+/// Whether the two names lead to the same file.
+[[nodiscard]] bool SameFile(const std::string &a, const std::string &b);
+
+/// Makes a folder and those above it. A folder that is there already is fine.
+[[nodiscard]] bool MakeFolders(const std::string &path, Report &report);
+
+/// Gives the part of a path after its last slash.
+std::string BaseName(const std::string &path);
+
+/// Gives the folder of this program's own file.
+std::string ProgramFolder();
+
+/// Gives the text for the present value of errno.
+std::string SystemError();
+
+} // namespace lmf::host

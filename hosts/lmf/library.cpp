@@ -1,0 +1,69 @@
+#include "library.h"
+
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <cstring>
+
+#include "files.h"
+
+namespace lmf::host {
+
+namespace {
+
+constexpr int kLibraryError = 15;
+
+// The block of a batch host. The library writes the error code into it and leaves the rest alone.
+struct BatchRecord {
+    uint8_t before[LMF_BATCH_ERROR_OFFSET] = {};
+    int32_t errorCode = 0;
+    uint8_t after[64] = {};
+};
+static_assert(offsetof(BatchRecord, errorCode) == LMF_BATCH_ERROR_OFFSET);
+
+int32_t Validate(void *, const char *) {
+    return 1;
+}
+
+} // namespace
+
+bool Library::Load(std::string path, Report &report) {
+    const char *fromEnvironment = std::getenv("LMF_LIBRARY");
+    if (path.empty() && fromEnvironment) path = fromEnvironment;
+    if (path.empty()) path = ProgramFolder() + "/../lib/liblmf16filter.so";
+    void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());
+    doImageFilter = reinterpret_cast<decltype(doImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
+    getCopyright = reinterpret_cast<decltype(getCopyright)>(dlsym(library, "LMF16FILTERGetCopyright"));
+    if (!doImageFilter || !getCopyright) return report.Fail(path + " is not the filter library");
+    return true;
+}
+
+const char *ErrorText(int code) {
+    static const char *const kTexts[] = LMF_ERROR_TEXTS;
+    return code >= 0 && code < int(std::size(kTexts)) ? kTexts[code] : kTexts[kLibraryError];
+}
+
+FilterOutcome ApplyFilter(const Library &library, Picture &picture, Report &report) {
+    LmfHandle image = picture.image.block;
+    LmfHandle second = picture.alpha.block;
+    BatchRecord record;
+    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0,
+                                                LMF_RUN_DIRECT | LMF_RUN_BATCH, &record, nullptr, 0, 0, nullptr);
+    if (!done) return {false, record.errorCode == 0 ? kLibraryError : record.errorCode};
+    Bitmap result;
+    Bitmap resultAlpha;
+    const bool sound = AdoptBitmap(result, image);
+    const bool soundAlpha = !second || (AdoptBitmap(resultAlpha, second) && resultAlpha.bits == 8);
+    if (!sound || !soundAlpha) return {false, kLibraryError};
+    picture.image = std::move(result);
+    picture.alpha = std::move(resultAlpha);
+    const bool fits = picture.alpha.width == picture.image.width && picture.alpha.height == picture.image.height;
+    if (picture.alpha && !fits) {
+        report.Warn("the alpha no longer has the size of the result and is left out");
+        picture.alpha = Bitmap();
+    }
+    return {true, 0};
+}
+
+} // namespace lmf::host
