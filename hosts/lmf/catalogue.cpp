@@ -99,7 +99,7 @@ const Json *FindSetting(const Json &filter, std::string_view key, Report &report
         return nullptr;
     }
     std::string list;
-    for (const std::string &candidate : keys) list += (list.empty() ? "" : ", ") + candidate;
+    for (const std::string &candidate : keys) list.append(list.empty() ? "" : ", ").append(candidate);
     if (matches.empty()) {
         report.error = name + " has no setting \"" + given + "\"" + Suggestion(key, keys) + " Its settings: " + list;
     } else {
