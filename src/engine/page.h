@@ -43,7 +43,7 @@ using TextFieldMember = SettingText FilterParameters::*;
 struct PageControl {
     ControlKind kind = ControlKind::None;
     Shown shown = Shown::Plain;
-    int32_t id = 0; ///< base id B; edit B + 12000, spin B + 10000, label B + 20000. 0: no control
+    int32_t id = 0; ///< base id B; edit B + 12000 (B itself without a bar), spin B + 10000, label B + 20000. 0: none
     const char *label = "";
     NumberField number = nullptr;   ///< the setting, or null for a text
     TextFieldMember text = nullptr; ///< the setting, or null for a number
@@ -132,6 +132,13 @@ constexpr int32_t ListLength(const char *list) {
 constexpr PageControl Combo(int32_t id, const char *label, NumberField field, const char *list) {
     PageControl control = NumberControl(ControlKind::Combo, id, label, field, {0, ListLength(list) - 1});
     control.list = list;
+    return control;
+}
+
+/// Combo box whose names are read from a file, so that there is no last index to hold a value to.
+constexpr PageControl FileCombo(int32_t id, const char *label, NumberField field) {
+    PageControl control = NumberControl(ControlKind::Combo, id, label, field, {0, INT32_MAX});
+    control.list = "";
     return control;
 }
 

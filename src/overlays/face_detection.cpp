@@ -1,13 +1,24 @@
+// Face Detection: finds faces with the face finder beside the library, and shows, hides, frames, blurs or coarsens
+// them, or cuts one out. Function chooses; its entries after the list extract one face each, as many as were found.
+// Obscure is the side of the cells that coarsen a face, in pixels; Mask blur the softness of the mask's edge and of the
+// blur; Mask opacity how much of the paper colour covers the rest; Line size the width of a frame in pixels; Round how
+// round the corners of a rectangle are, in percent.
 #include "engine/slots.h"
 
 namespace lmf {
 
+static constexpr const char *kFunctions =
+    "Show faces (rectanglular);Mask faces (rectangular);Show faces (elliptical);Mask faces (elliptical);"
+    "Frame faces (rectangular);Frame faces (elliptical);Blur faces (rectangular);Blur faces (elliptical);"
+    "Obscure faces (rectangular);Obscure faces (elliptical);Show faces alpha (rectanglular);"
+    "Mask faces alpha (rectangular);Show faces alpha (elliptical);Mask faces alpha (elliptical)";
+
 static constexpr PageControl kPage[] = {
-    Slider(442, "Mask blur:", &FilterParameters::FilterFaceDetectBlur, {0, 65}),
-    Slider(444, "Line size:", &FilterParameters::FilterFaceDetectLineSize, {1, 64}),
+    Combo(440, "Function:", &FilterParameters::FilterFaceDetectOption, kFunctions).Edit(0, INT32_MAX),
     Slider(441, "Obscure:", &FilterParameters::FilterFaceDetectObscure, {2, 16}),
+    Slider(442, "Mask blur:", &FilterParameters::FilterFaceDetectBlur, {0, 65}),
     Slider(443, "Mask opacity:", &FilterParameters::FilterFaceDetectOpacity, {8, 255}),
-    Slider(440, "Function:", &FilterParameters::FilterFaceDetectOption, {0, 13}),
+    Slider(444, "Line size:", &FilterParameters::FilterFaceDetectLineSize, {1, 64}),
     Slider(445, "Round:", &FilterParameters::FilterFaceDetectRound, {0, 100}),
 };
 extern constexpr FilterSlots kFaceDetection = MakeSlots<kPage>(UnavailableKernel);

@@ -1,3 +1,5 @@
+// Red-eye Reduction: finds eyes with the face finder beside the library and takes the red out of pupils that a flash
+// has lit. Threshold is how much stronger than green and blue the red must be to count, in thousandths.
 #include "engine/slots.h"
 
 namespace lmf {

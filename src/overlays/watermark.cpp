@@ -1,23 +1,34 @@
+// Watermark: prints a faint mark on the picture, a text with macros such as %C for the copyright sign, or a picture.
+// Position is the corner or the middle, Horiz. offset and Vert. offset the distance from the edges in percent of the
+// picture's size. The text has a font, its size in pixels, Bold, Italic and an Opacity; Effect adds shadows, lights or
+// a key line in the Shadow and Highlight colours, shifted by one pixel more for each 48 pixels of the font (a number
+// that only the settings file can change). Use image prints the picture of Image instead, where the host can load it.
 #include "engine/slots.h"
 
 namespace lmf {
 
+static constexpr const char *kEffects =
+    "None;Shadow UL;Shadow UR;Shadow LL;Shadow LR;Dark key line;Highlight UL;Highlight UR;Highlight LL;Highlight LR;"
+    "Light key line;Light upper left;Light upper right;Light lower left;Light lower right";
+
+// A stored effect may be one past the list, which is as good as None. The key factor divides, so it is kept above 0.
 static constexpr PageControl kPage[] = {
-    CheckBox(1037, "Bold", &FilterParameters::FilterWatermarkBold),
-    Slider(1034, "Effect:", &FilterParameters::FilterWatermarkEffect, {0, 14}),
-    FontButton(1035, "Font:", &FilterParameters::FilterWatermarkFontname),
-    Slider(1036, "Font size:", &FilterParameters::FilterWatermarkFontsize, {4, 288}),
-    ColorButton(1041, "Highlight", &FilterParameters::FilterWatermarkHighlightColor),
-    CheckBox(1038, "Italic", &FilterParameters::FilterWatermarkItal),
-    TextField(1043, "Image:", &FilterParameters::FilterWatermarkImagePath),
-    CheckBox(1045, "Use image", &FilterParameters::FilterWatermarkImageUse),
-    HiddenNumber(&FilterParameters::FilterWatermarkKeyFactor, {INT32_MIN, INT32_MAX}),
-    Slider(1032, "Opacity:", &FilterParameters::FilterWatermarkOpacity, {8, 255}),
-    Slider(1033, "Position:", &FilterParameters::FilterWatermarkPos, {0, 4}),
-    ColorButton(1042, "Shadow", &FilterParameters::FilterWatermarkShadowColor),
     TextField(1040, "Text:", &FilterParameters::FilterWatermarkString),
+    FontButton(1035, "Font:", &FilterParameters::FilterWatermarkFontname),
+    NumberEdit(1036, "Font size:", &FilterParameters::FilterWatermarkFontsize, {4, 288}),
+    CheckBox(1037, "Bold", &FilterParameters::FilterWatermarkBold),
+    CheckBox(1038, "Italic", &FilterParameters::FilterWatermarkItal),
     Slider(1030, "Horiz. offset:", &FilterParameters::FilterWatermarkXoff, {0, 20}),
     Slider(1031, "Vert. offset:", &FilterParameters::FilterWatermarkYoff, {0, 20}),
+    Slider(1032, "Opacity:", &FilterParameters::FilterWatermarkOpacity, {8, 255}),
+    Combo(1033, "Position:", &FilterParameters::FilterWatermarkPos,
+          "Upper left;Upper right;Lower left;Lower right;Center"),
+    Combo(1034, "Effect:", &FilterParameters::FilterWatermarkEffect, kEffects).Stored(0, 15),
+    ColorButton(1042, "Shadow", &FilterParameters::FilterWatermarkShadowColor),
+    ColorButton(1041, "Highlight", &FilterParameters::FilterWatermarkHighlightColor),
+    TextField(1043, "Image:", &FilterParameters::FilterWatermarkImagePath),
+    CheckBox(1045, "Use image", &FilterParameters::FilterWatermarkImageUse),
+    HiddenNumber(&FilterParameters::FilterWatermarkKeyFactor, {1, INT32_MAX}),
 };
 extern constexpr FilterSlots kWatermark = MakeSlots<kPage>(UnavailableKernel);
 

@@ -1,10 +1,12 @@
+// Fade: lets the picture fade into the paper colour along one edge.
+// Edge chooses the edge, Area how far the fading reaches, in percent of the picture's width or height.
 #include "engine/slots.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
+    Combo(451, "Edge:", &FilterParameters::FilterFadeEdge, "North;East;South;West"),
     Slider(450, "Area:", &FilterParameters::FilterFadeArea, {1, 100}),
-    Slider(451, "Edge:", &FilterParameters::FilterFadeEdge, {0, 3}),
 };
 extern constexpr FilterSlots kFade = MakeSlots<kPage>(UnavailableKernel);
 

@@ -1,10 +1,13 @@
+// Light Box: the picture as on a slide that lies on a light table, broken into a screen of coloured cells.
+// Screen size is the side of a cell in pixels, Screen type the shape that lets the light through.
 #include "engine/slots.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(561, "Screen type:", &FilterParameters::FilterLightboxScreen, {0, 0}),
     Slider(560, "Screen size:", &FilterParameters::FilterLightboxSize, {4, 64}),
+    Combo(561, "Screen type:", &FilterParameters::FilterLightboxScreen,
+          "Ellipse;Horizontal raster;Vertical raster;Cube;Diamond"),
 };
 extern constexpr FilterSlots kLightBox = MakeSlots<kPage>(UnavailableKernel);
 

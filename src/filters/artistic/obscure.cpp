@@ -1,3 +1,6 @@
+// Obscure: mosaic. Square cells from the top left corner take the average of the pixels that they cover.
+// Level is the side of a cell in pixels. Rule size is the width of the grid that is drawn between the cells in the
+// paper colour, at most half a cell; 0 draws none.
 #include "engine/slots.h"
 
 namespace lmf {

@@ -1,3 +1,5 @@
+// Oil Painting: each pixel becomes the pixel whose luminance is the most frequent one around it, which joins the
+// picture into patches like strokes of a brush. Radius is that of the brush, in pixels.
 #include "engine/slots.h"
 
 namespace lmf {

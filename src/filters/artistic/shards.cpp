@@ -1,3 +1,6 @@
+// Shards: throws many small shapes over the picture, each in the colour of the pixel that it lands on.
+// Density says how many there are, Size how large they are in pixels, Type which shape. The same Random seed throws
+// them to the same places again.
 #include "engine/slots.h"
 
 namespace lmf {
@@ -5,8 +8,8 @@ namespace lmf {
 static constexpr PageControl kPage[] = {
     Slider(1130, "Density:", &FilterParameters::FilterShardsDensity, {5, 100}),
     Slider(1131, "Size:", &FilterParameters::FilterShardsSize, {5, 50}),
-    Slider(1132, "Random seed:", &FilterParameters::FilterShardsSeed, {1000, 32760}),
-    Slider(1133, "Type:", &FilterParameters::FilterShardsMode, {0, 5}),
+    NumberEdit(1132, "Random seed:", &FilterParameters::FilterShardsSeed, {1000, 32760}),
+    Combo(1133, "Type:", &FilterParameters::FilterShardsMode, "Line;Triangle;Diamond;Square;Pentagram;Hexagram;"),
 };
 extern constexpr FilterSlots kShards = MakeSlots<kPage>(UnavailableKernel);
 

@@ -1,16 +1,21 @@
+// Stars: puts a star of light on each bright spot, as a cross screen before a lens does.
+// Cell size is the grid in which a spot is looked for, in pixels, and Threshold the tone from which a spot counts.
+// Angle turns the rays, in degrees; Brightness sets their strength and Line size their width in pixels. Auto-line lets
+// the width follow the brightness of the spot, High resolution draws the rays smoothly, and Rotate matrix turns the
+// grid with them.
 #include "engine/slots.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(922, "Angle:", &FilterParameters::FilterStarAngle, {0, 359}),
-    CheckBox(925, "Auto-line", &FilterParameters::FilterStarAutoline),
-    Slider(923, "Brightness:", &FilterParameters::FilterStarBrightness, {1, 5}),
     Slider(920, "Cell size:", &FilterParameters::FilterStarCellsize, {2, 50}),
-    CheckBox(926, "High resolution", &FilterParameters::FilterStarHighres),
-    Slider(924, "Line size:", &FilterParameters::FilterStarLinesize, {1, 16}),
-    CheckBox(927, "Rotate matrix", &FilterParameters::FilterStarRotmatrix),
     Slider(921, "Threshold:", &FilterParameters::FilterStarThreshold, {8, 248}),
+    Slider(922, "Angle:", &FilterParameters::FilterStarAngle, {0, 359}),
+    Slider(923, "Brightness:", &FilterParameters::FilterStarBrightness, {1, 5}),
+    Slider(924, "Line size:", &FilterParameters::FilterStarLinesize, {1, 16}),
+    CheckBox(925, "Auto-line", &FilterParameters::FilterStarAutoline),
+    CheckBox(926, "High resolution", &FilterParameters::FilterStarHighres),
+    CheckBox(927, "Rotate matrix", &FilterParameters::FilterStarRotmatrix),
 };
 extern constexpr FilterSlots kStars = MakeSlots<kPage>(UnavailableKernel);
 

@@ -1,3 +1,6 @@
+// Frame: puts a picture frame in the paper colour around the picture, which grows by the frame on every side: a bevel
+// that is lit from the top left, a flat band, and a bevel that falls towards the picture. Bevel and Matte are the
+// widths of a bevel and of the band in pixels.
 #include "engine/slots.h"
 
 namespace lmf {

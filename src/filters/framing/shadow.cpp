@@ -1,16 +1,20 @@
+// Shadow: puts the picture on a larger sheet of the paper colour and throws its shadow there.
+// Size is the distance of the shadow in pixels, Softness the width of its edge, Opacity its strength and Direction the
+// side to which it falls. Frame draws a line around the picture in a colour of its own. With Alpha on, the shadow also
+// goes into the second picture as transparency.
 #include "engine/slots.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(857, "Alpha", &FilterParameters::FilterShadowAlpha),
-    ColorButton(854, "Color", &FilterParameters::FilterShadowColor),
-    Slider(853, "Direction:", &FilterParameters::FilterShadowDirection, {0, 3}),
-    ColorButton(856, "Frame", &FilterParameters::FilterShadowFrameColor),
-    CheckBox(855, "Frame", &FilterParameters::FilterShadowFrameEnable),
     Slider(850, "Opacity:", &FilterParameters::FilterShadowOpacity, {1, 255}),
     Slider(851, "Size:", &FilterParameters::FilterShadowSize, {1, 128}),
     Slider(852, "Softness:", &FilterParameters::FilterShadowSoft, {0, 40}),
+    Combo(853, "Direction:", &FilterParameters::FilterShadowDirection, "Upper left;Upper right;Lower left;Lower right"),
+    ColorButton(854, "Color", &FilterParameters::FilterShadowColor),
+    CheckBox(855, "Frame", &FilterParameters::FilterShadowFrameEnable),
+    ColorButton(856, "Frame", &FilterParameters::FilterShadowFrameColor),
+    CheckBox(857, "Alpha", &FilterParameters::FilterShadowAlpha),
 };
 extern constexpr FilterSlots kShadow = MakeSlots<kPage>(UnavailableKernel);
 
