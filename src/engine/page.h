@@ -74,6 +74,13 @@ struct PageControl {
         changed.restore = value;
         return changed;
     }
+    /// The same control showing value - offset.
+    constexpr PageControl ShownLess(int32_t by) const {
+        PageControl changed = *this;
+        changed.shown = Shown::Offset;
+        changed.offset = by;
+        return changed;
+    }
     /// The same control with another track brush.
     constexpr PageControl Track(int32_t style) const {
         PageControl changed = *this;

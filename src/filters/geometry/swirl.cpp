@@ -1,10 +1,87 @@
+// Swirl: twists the picture about its middle. The angle is how far the very middle turns, in degrees stored with 1440
+// added; the twist fades to nothing at an ellipse that touches the picture's longer side.
+#include <cmath>
+#include <cstring>
+#include <numbers>
+
 #include "engine/slots.h"
+#include "filters/geometry/ellipse.h"
+#include "image/dib_ops.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
+static constexpr int32_t kDegreesOffset = 1440;
+
+// Restoring puts the stored form where the degrees belong, so the stored value then lies above the spin's top.
 static constexpr PageControl kPage[] = {
-    OffsetSlider(950, "Angle:", &FilterParameters::FilterSwirlDegrees, {0, 2880}, 1440).Restores(2925),
+    NumberEdit(950, "Angle:", &FilterParameters::FilterSwirlDegrees, {0, 2880})
+        .ShownLess(kDegreesOffset)
+        .Stored(0, 2925)
+        .Restores(2925),
 };
-extern constexpr FilterSlots kSwirl = MakeSlots<kPage>(UnavailableKernel);
+
+/// Angles of rotation, in radians, that fall with the square of the way from the centre to the rim.
+LMF_MULTIVERSION
+static void AnglesOfRow(double *__restrict angles, int32_t begin, int32_t end, Ellipse ellipse, double dy,
+                        double centreAngle) {
+    for (int32_t x = begin; x < end; x++) {
+        const double dx = ellipse.Dx(x);
+        const double t = 1 - std::sqrt(dx * dx + dy * dy) / ellipse.radius;
+        angles[x] = centreAngle * (t * t);
+    }
+}
+
+LMF_MULTIVERSION
+static void PlaceRow(double *__restrict xs, double *__restrict ys, const double *__restrict cosines,
+                     const double *__restrict sines, int32_t begin, int32_t end, Ellipse ellipse, double dy) {
+    for (int32_t x = begin; x < end; x++) {
+        const double dx = ellipse.Dx(x);
+        xs[x] = (cosines[x] * dx - sines[x] * dy) / ellipse.xScale + ellipse.cx;
+        ys[x] = (sines[x] * dx + cosines[x] * dy) / ellipse.yScale + ellipse.cy;
+    }
+}
+
+static Ellipse EllipseOf(const DibView &view) {
+    const double width = view.width, height = view.height;
+    Ellipse ellipse{.cx = width * 0.5, .cy = height * 0.5, .radius = std::max(width * 0.5, height * 0.5)};
+    if (view.width > view.height) ellipse.yScale = width / height;
+    if (view.width < view.height) ellipse.xScale = height / width;
+    return ellipse;
+}
+
+/// All bytes of the rows, the padding with them.
+static void CopyBlock(const PixelPass &pass) {
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    if (to.bits == from.bits)
+        std::memcpy(to.bottom, from.bottom, static_cast<size_t>(from.stride) * static_cast<size_t>(from.height));
+    else
+        DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, from.width, from.height);
+}
+
+static DibHandle SwirlKernel(DibHandle source, FilterContext *context) {
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    CopyBlock(pass);
+    const Ellipse ellipse = EllipseOf(pass.from.view);
+    const double degrees = static_cast<double>(context->FilterSwirlDegrees) - kDegreesOffset;
+    const double centreAngle = degrees * std::numbers::pi / 180;
+    const bool done = WarpInside(
+        pass, ellipse, context->paperColor,
+        [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
+            AnglesOfRow(tables.first, begin, end, ellipse, dy, centreAngle);
+            for (int32_t x = begin; x < end; x++) {
+                const double angle = tables.first[x];
+                tables.first[x] = std::cos(angle);
+                tables.second[x] = std::sin(angle);
+            }
+        },
+        [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
+            PlaceRow(tables.xs, tables.ys, tables.first, tables.second, begin, end, ellipse, dy);
+        });
+    return done ? pass.Finish() : nullptr;
+}
+
+extern constexpr FilterSlots kSwirl = MakeSlots<kPage>(SwirlKernel);
 
 } // namespace lmf

@@ -1,0 +1,41 @@
+// The four neighbours that an interpolation mixes, read from rows of 24-bit pixels into registers.
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+
+namespace lmf {
+
+using ByteLanes = uint8_t __attribute__((vector_size(4)));
+using IntLanes = int32_t __attribute__((vector_size(16)));
+
+/// Blue, green and red of four pixels in lanes 0 to 2. What lane 3 holds has no meaning.
+struct FourTaps {
+    IntLanes p00, p10, p01, p11;
+};
+
+/// Reads columns x and x1 of two rows, 0 <= x < x1 < width. Four bytes are read for a pixel, and those of the right
+/// column start one byte early, so that nothing behind the end of a picture is touched.
+inline __attribute__((always_inline)) void ReadTaps24(FourTaps &taps, const uint8_t *row, const uint8_t *nextRow,
+                                                      int32_t x, int32_t x1) {
+    const auto lanes = [](IntLanes & to, const uint8_t *from, int shift) __attribute__((always_inline)) {
+        uint32_t word;
+        std::memcpy(&word, from, sizeof word);
+        word >>= shift;
+        ByteLanes bytes;
+        std::memcpy(&bytes, &word, sizeof bytes);
+        to = __builtin_convertvector(bytes, IntLanes);
+    };
+    lanes(taps.p00, row + static_cast<ptrdiff_t>(x) * 3, 0);
+    lanes(taps.p10, row + static_cast<ptrdiff_t>(x1) * 3 - 1, 8);
+    lanes(taps.p01, nextRow + static_cast<ptrdiff_t>(x) * 3, 0);
+    lanes(taps.p11, nextRow + static_cast<ptrdiff_t>(x1) * 3 - 1, 8);
+}
+
+/// Stores lanes 0 to 2, cut to bytes, as a pixel.
+inline __attribute__((always_inline)) void StoreLanes24(uint8_t *to, const IntLanes &lanes) {
+    const ByteLanes bytes = __builtin_convertvector(lanes, ByteLanes);
+    std::memcpy(to, &bytes, 3);
+}
+
+} // namespace lmf
