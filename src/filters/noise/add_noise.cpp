@@ -1,12 +1,180 @@
+// Add noise: adds a random number of one of five distributions to every pixel, or to every channel of it for coloured
+// noise. The intensity is both the middle and the spread of the numbers, and half of it is taken off again, so the
+// picture gets a little lighter. The numbers go on in the library's random stream: each run gives another grain.
+#include <cmath>
+
+#include "common/random.h"
 #include "engine/slots.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(212, "Colored noise", &FilterParameters::FilterNoiseColour),
     Slider(210, "Intensity:", &FilterParameters::FilterNoiseLevel, {1, 32}),
-    Slider(211, "Type:", &FilterParameters::FilterNoiseType, {0, 4}),
+    Combo(211, "Type:", &FilterParameters::FilterNoiseType,
+          "Gaussian Noise;Multiplicative Noise;Impulse Noise;Laplacian Noise;Poisson Noise"),
+    CheckBox(212, "Colored noise", &FilterParameters::FilterNoiseColour),
 };
-extern constexpr FilterSlots kAddNoise = MakeSlots<kPage>(UnavailableKernel);
+
+enum NoiseType : int32_t { kGaussian, kMultiplicative, kImpulse, kLaplacian, kPoisson };
+
+static constexpr uint32_t kDraws = kRandomMax + 1;
+/// Numbers that are drawn at a time.
+static constexpr size_t kBatch = 2048;
+
+/// A draw as a number from 0 to 1.
+static double Uniform(uint32_t draw) {
+    return draw / 32767.0;
+}
+
+/// A draw as a number that has a logarithm: 0 counts as 1.
+static double PositiveUniform(uint32_t draw) {
+    return draw == 0 ? 1.0 : Uniform(draw);
+}
+
+/// Rounded and limited to 0..255.
+static uint8_t LevelOf(double value) {
+    value = value > 255 ? 255 : value;
+    value = value > 0 ? value : 0;
+    return static_cast<uint8_t>(static_cast<int32_t>(value + 0.5));
+}
+
+/// Only a whole turn of the angle is ever drawn, so the cosine is 1 and the noise is one-sided.
+static double MultiplicativeNoise(double a, double u) {
+    const double s = u <= 1e-5 ? 255.0 : std::sqrt(-2 * std::log(u));
+    return a * 0.5 * s + a;
+}
+
+static double ImpulseNoise(double a, double u) {
+    if (u < 0.05) return 0;
+    return u >= 0.95 ? 255 : a;
+}
+
+static double LaplacianNoise(double a, double u) {
+    if (u <= 0.5) return u <= 1e-5 ? a - 255 : a + std::log(2 * u) * 10.0;
+    const double w = 1 - u;
+    return w <= 5e-6 ? a + 255 : a - std::log(2 * w) * 10.0;
+}
+
+/// A distribution, as tables over the draws where these decide alone: a draw has few values, a picture many pixels.
+struct NoiseSource {
+    int32_t type;
+    double a;                    ///< the intensity
+    double poissonEnd;           ///< where the product of a Poisson sample ends
+    BlockArray<uint8_t> levels;  ///< the sample of a draw: multiplicative, impulse and Laplacian noise
+    BlockArray<double> distance; ///< the polar method (G. E. P. Box and M. E. Muller, 1958) for Gaussian noise
+    BlockArray<double> cosine, sine;
+
+    NoiseSource(int32_t intensity, int32_t noiseType)
+        : type(noiseType >= kMultiplicative && noiseType <= kPoisson ? noiseType : kGaussian), a(intensity),
+          poissonEnd(std::exp(a * -0.05)), levels(type == kGaussian || type == kPoisson ? 0 : kDraws),
+          distance(type == kGaussian ? kDraws : 0), cosine(type == kGaussian ? kDraws : 0),
+          sine(type == kGaussian ? kDraws : 0) {
+        for (uint32_t draw = 0; draw < kDraws; draw++) {
+            const double u = PositiveUniform(draw);
+            if (levels) {
+                levels[draw] = LevelOf(type == kMultiplicative ? MultiplicativeNoise(a, u)
+                                       : type == kImpulse      ? ImpulseNoise(a, u)
+                                                               : LaplacianNoise(a, u));
+            } else if (distance && cosine && sine) {
+                const double t = Uniform(draw) * 6.283185307179586;
+                distance[draw] = std::sqrt(-2 * std::log(u));
+                cosine[draw] = std::cos(t);
+                sine[draw] = std::sin(t);
+            }
+        }
+    }
+
+    /// Is there the memory for its tables?
+    explicit operator bool() const { return type == kPoisson || levels || (distance && cosine && sine); }
+};
+
+LMF_MULTIVERSION
+static void GaussianSamples(const NoiseSource &noise, uint8_t *__restrict samples, const uint16_t *__restrict draws,
+                            size_t count) {
+    const double *const distance = noise.distance.data, *const cosine = noise.cosine.data,
+                        *const sine = noise.sine.data;
+    const double a = noise.a, spread = 4 * std::sqrt(a);
+    for (size_t i = 0; i < count; i++) {
+        const double c = distance[draws[2 * i]];
+        const uint32_t t = draws[2 * i + 1];
+        samples[i] = LevelOf(cosine[t] * c * spread + a + sine[t] * c * 20.0);
+    }
+}
+
+static uint8_t PoissonSample(double end) {
+    double u = PositiveUniform(static_cast<uint32_t>(NextRandom()));
+    int32_t events = 0;
+    for (; u > end; events++) u *= Uniform(static_cast<uint32_t>(NextRandom()));
+    return LevelOf(events / 0.05);
+}
+
+/// The next `count` samples, up to kBatch, in the order of the random stream.
+static void DrawSamples(const NoiseSource &noise, uint8_t *samples, size_t count) {
+    if (noise.type == kPoisson) {
+        for (size_t i = 0; i < count; i++) samples[i] = PoissonSample(noise.poissonEnd);
+        return;
+    }
+    uint16_t draws[2 * kBatch];
+    // Multiplicative noise draws an angle as well and makes no use of it.
+    const size_t step = noise.type == kGaussian || noise.type == kMultiplicative ? 2 : 1;
+    NextRandoms(draws, count * step);
+    if (noise.type == kGaussian) return GaussianSamples(noise, samples, draws, count);
+    for (size_t i = 0; i < count; i++) samples[i] = noise.levels[draws[i * step]];
+}
+
+/// Adds a sample and the bias to each byte.
+LMF_MULTIVERSION
+static void AddToBytes(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
+                       size_t count, int32_t bias) {
+    for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(std::clamp(from[i] + samples[i] + bias, 0, 255));
+}
+
+/// Adds a sample and the bias to each pixel of three bytes.
+LMF_MULTIVERSION
+static void AddToPixels(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
+                        size_t count, int32_t bias) {
+    for (size_t i = 0; i < count; i++) {
+        const int32_t noise = samples[i] + bias;
+        for (size_t channel = 0; channel < 3; channel++)
+            to[3 * i + channel] = static_cast<uint8_t>(std::clamp(from[3 * i + channel] + noise, 0, 255));
+    }
+}
+
+static DibHandle AddNoiseKernel(DibHandle source, FilterContext *context) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+
+    if (context->mode == kModeTrueColor || context->mode == kModeGrey) {
+        const NoiseSource noise(context->FilterNoiseLevel, context->FilterNoiseType);
+        if (!noise) return nullptr;
+        const bool wholePixels = context->mode == kModeTrueColor && context->FilterNoiseColour == 0;
+        const auto add = wholePixels ? AddToPixels : AddToBytes;
+        const size_t unit = wholePixels ? 3 : 1;
+        const size_t samplesInRow =
+            static_cast<size_t>(from.view.width) * (context->mode == kModeTrueColor && !wholePixels ? 3 : 1);
+        // Rows of a depth that does not fit the mode may be shorter than the walk.
+        const size_t count =
+            std::min(samplesInRow, static_cast<size_t>(std::min(from.view.stride, to.view.stride)) / unit);
+        const int32_t bias = -(context->FilterNoiseLevel / 2);
+        for (int32_t y = 0; y < from.view.height; y++) {
+            for (size_t i = 0; i < count; i += kBatch) {
+                uint8_t samples[kBatch];
+                const size_t batch = std::min(kBatch, count - i);
+                DrawSamples(noise, samples, batch);
+                add(to.view.MemoryRow(y) + i * unit, from.view.MemoryRow(y) + i * unit, samples, batch, bias);
+            }
+        }
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+extern constexpr FilterSlots kAddNoise = MakeSlots<kPage>(AddNoiseKernel);
 
 } // namespace lmf
