@@ -1,6 +1,6 @@
 // Normalize: stretches the tones of a picture to the whole scale. The darkest and the brightest percent of the pixels,
-// by their weighted grey, are cut off; what lies between runs from 0 to 254, and only what is cut off above becomes 255.
-// One table serves all three channels. There are no settings.
+// by their weighted grey, are cut off; what lies between runs from 0 to 254, and only what is cut off above becomes
+// 255. One table serves all three channels. There are no settings.
 #include "filters/histogram/normalize.h"
 
 #include <cstring>
@@ -62,8 +62,10 @@ static ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
     for (int32_t level = 0; level < 256; level++) {
         int32_t value = level < span.low ? 0 : 255;
         // A picture of one grey keeps it: there is nothing to stretch.
-        if (span.low == span.high && level == span.low) value = level;
-        else if (level >= span.low && level <= span.high) value = 254 * (level - span.low) / (span.high - span.low);
+        if (span.low == span.high && level == span.low)
+            value = level;
+        else if (level >= span.low && level <= span.high)
+            value = 254 * (level - span.low) / (span.high - span.low);
         table.at[level] = static_cast<uint8_t>(value);
     }
     return table;

@@ -33,9 +33,7 @@ static constexpr PageControl kPage[] = {
     CheckBox(1101, "Enable", &FilterParameters::FilterPhotoAdjEnableHighlight),
     OffsetSlider(1102, "Shadows:", &FilterParameters::FilterPhotoAdjShadow, {1000, 200}, 100).Edit(0, 200).Track(15),
     CheckBox(1103, "Enable", &FilterParameters::FilterPhotoAdjEnableShadow),
-    OffsetSlider(1104, "Mid-tones:", &FilterParameters::FilterPhotoAdjMidtone, {1000, 200}, 100)
-        .Edit(0, 200)
-        .Track(14),
+    OffsetSlider(1104, "Mid-tones:", &FilterParameters::FilterPhotoAdjMidtone, {1000, 200}, 100).Edit(0, 200).Track(14),
     CheckBox(1105, "Enable", &FilterParameters::FilterPhotoAdjEnableMidtone),
     CheckBox(1106, "Normalize", &FilterParameters::FilterPhotoAdjNormalize),
     CheckBox(1107, "White balance", &FilterParameters::FilterPhotoAdjWhitebal),
@@ -61,9 +59,12 @@ static HslColour RgbToHsl(Color pixel) {
     if (delta == 0.0f) return colour;
     colour.saturation = colour.lightness <= 0.5f ? delta / (most + least) : delta / (2.0f - most - least);
     float hue;
-    if (red == most) hue = (green - blue) / 6.0f / delta;
-    else if (green == most) hue = (blue - red) / 6.0f / delta + 0.33333334f;
-    else hue = (red - green) / 6.0f / delta + 0.6666667f;
+    if (red == most)
+        hue = (green - blue) / 6.0f / delta;
+    else if (green == most)
+        hue = (blue - red) / 6.0f / delta + 0.33333334f;
+    else
+        hue = (red - green) / 6.0f / delta + 0.6666667f;
     if (hue < 0.0f) hue += 1.0f;
     if (hue > 1.0f) hue -= 1.0f;
     colour.hue = static_cast<int32_t>(hue * 360.0f);
@@ -75,10 +76,14 @@ static uint32_t HslChannel(float low, float high, float x) {
     if (x < 0.0f) x += 1.0f;
     if (x > 1.0f) x -= 1.0f;
     float level;
-    if (6.0f * x < 1.0f) level = (high - low) * 6.0f * x + low;
-    else if (2.0f * x < 1.0f) level = high;
-    else if (3.0f * x >= 2.0f) level = low;
-    else level = (high - low) * (0.6666667f - x) * 6.0f + low;
+    if (6.0f * x < 1.0f)
+        level = (high - low) * 6.0f * x + low;
+    else if (2.0f * x < 1.0f)
+        level = high;
+    else if (3.0f * x >= 2.0f)
+        level = low;
+    else
+        level = (high - low) * (0.6666667f - x) * 6.0f + low;
     return static_cast<uint32_t>(static_cast<int32_t>(level * 255.0f)) & 255;
 }
 
@@ -136,8 +141,8 @@ static DibHandle WhiteBalanceStep(DibHandle picture, FilterContext *context) {
 
 static DibHandle TemperatureStep(DibHandle picture, FilterContext *context) {
     const int32_t kelvin = context->FilterPhotoAdjTemp;
-    const auto warmth = static_cast<int32_t>(kelvin <= 5000 ? (5000 - kelvin) / 4000.0 * 100.0
-                                                            : (kelvin - 5000) / 4000.0 * -100.0);
+    const auto warmth =
+        static_cast<int32_t>(kelvin <= 5000 ? (5000 - kelvin) / 4000.0 * 100.0 : (kelvin - 5000) / 4000.0 * -100.0);
     return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, warmth, 0, -warmth); });
 }
 
