@@ -51,6 +51,14 @@ std::string CommonPrefix(const Json &filter) {
     return prefix;
 }
 
+// The keys as whoever wrote `wanted` writes them: whole, or without what they all begin with.
+std::vector<std::string> NamesLike(std::string_view wanted, std::vector<std::string> keys, const std::string &prefix) {
+    constexpr std::string_view kStart = "Filter";
+    if (EqualInAnyCase(wanted.substr(0, kStart.size()), kStart)) return keys;
+    for (std::string &key : keys) key.erase(0, prefix.size() < key.size() ? prefix.size() : kStart.size());
+    return keys;
+}
+
 // Whether `key` ends in `wanted`, and that is where a word begins.
 bool EndsInWords(const std::string &key, std::string_view wanted) {
     if (wanted.empty() || wanted.size() >= key.size()) return false;
@@ -101,10 +109,11 @@ const Json *FindSetting(const Json &filter, std::string_view key, Report &report
     std::string list;
     for (const std::string &candidate : keys) list.append(list.empty() ? "" : ", ").append(candidate);
     if (matches.empty()) {
-        report.error = name + " has no setting \"" + given + "\"" + Suggestion(key, keys) + " Its settings: " + list;
+        report.error = name + " has no setting \"" + given + "\"" + Suggestion(key, NamesLike(key, keys, prefix)) +
+                       " Its settings: " + list;
     } else {
         report.error = name + " has several settings that end in \"" + given + "\":";
-        for (const Json *match : matches) report.error += " " + (*match)["key"].get<std::string>();
+        for (const Json *match : matches) report.error.append(" ").append((*match)["key"]);
     }
     return nullptr;
 }

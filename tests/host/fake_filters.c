@@ -1,0 +1,63 @@
+/* A stand-in for the filter library. It does what the environment's LMF_FAKE asks for, so that the tests see how the
+ * program takes results that the real library gives seldom or never. */
+#include <signal.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+
+#include "lmf16filter.h"
+
+#define FAKE __attribute__((visibility("default")))
+
+/* The settings that the run was given go where the tests can read them: into the file "seen.ini". */
+static void keep_settings(void) {
+    char name[4096];
+    char line[512];
+    snprintf(name, sizeof name, "%s/Quillon Works/LmfFiltrBatch.ini", getenv("XDG_CONFIG_HOME"));
+    FILE *in = fopen(name, "r");
+    FILE *out = fopen("seen.ini", "w");
+    while (in && out && fgets(line, sizeof line, in)) fputs(line, out);
+    if (in) fclose(in);
+    if (out) fclose(out);
+}
+
+static LmfHandle copy_of(LmfHandle block) {
+    LmfHandle copy = LmfBlockAlloc(LmfBlockSize(block));
+    memcpy(LmfBlockLock(copy), LmfBlockLock(block), LmfBlockSize(block));
+    LmfBlockUnlock(block);
+    LmfBlockUnlock(copy);
+    return copy;
+}
+
+static LmfHandle grey_picture(uint32_t width, uint32_t height) {
+    const uint32_t header[10] = {40, width, height, 1 | 8 << 16, 0, (width + 3) / 4 * 4 * height, 0, 0, 256, 256};
+    LmfHandle block = LmfBlockAlloc(40 + 1024 + header[5]);
+    memcpy(LmfBlockLock(block), header, sizeof header);
+    LmfBlockUnlock(block);
+    return block;
+}
+
+FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second,
+                                       int32_t style, int32_t sliders, uint32_t flags, void *record, const char *path,
+                                       uint32_t mask, int32_t reserved, const HostHooks *hooks) {
+    const char *wish = getenv("LMF_FAKE");
+    (void)owner, (void)style, (void)sliders, (void)path, (void)mask, (void)reserved, (void)hooks;
+    keep_settings();
+    if (!callback || flags != (LMF_RUN_DIRECT | LMF_RUN_BATCH)) return 0;
+    if (strncmp(wish, "fail:", 5) == 0) {
+        const int32_t code = atoi(wish + 5);
+        memcpy((char *)record + LMF_BATCH_ERROR_OFFSET, &code, sizeof code);
+        return 0;
+    }
+    *picture = copy_of(*picture);
+    if (strcmp(wish, "other alpha") == 0) *second = grey_picture(3, 2);
+    if (strcmp(wish, "lying header") == 0) {
+        const uint32_t size = 5000;
+        memcpy((char *)LmfBlockLock(*picture) + 4, &size, sizeof size);
+        LmfBlockUnlock(*picture);
+    }
+    if (strcmp(wish, "interrupt") == 0) raise(15);
+    return 1;
+}
+
+FAKE const char *LMF16FILTERGetCopyright(void) { return "a stand-in"; }

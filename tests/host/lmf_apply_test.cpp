@@ -1,0 +1,297 @@
+// The built program at work: names of files, many pictures, exit codes, settings, and what it leaves behind.
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+
+#include <png.h>
+
+#include "engine/catalogue.h"
+#include "host/lmf_program.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+struct LmfApply : LmfProgram {
+    /// A small grey picture whose pixels are all `value`.
+    void MakeGrey(const std::string &name, uint8_t value = 40) {
+        PngFile file;
+        file.width = file.height = 4;
+        file.samples.assign(16, value);
+        WritePng(In(name), file);
+    }
+
+    /// Runs with the stand-in library, which then does what `wish` says.
+    ProgramRun RunFake(const std::string &wish, Names arguments) {
+        return Run(arguments, {{"LMF_LIBRARY", LMF_FAKE_LIBRARY_FILE}, {"LMF_FAKE", wish}});
+    }
+
+    /// Gives the value that the library would take for a key: that of the last line with it.
+    std::string SeenSetting(const std::string &key) {
+        const Bytes bytes = ReadBytes(In("seen.ini"));
+        const std::string text(bytes.begin(), bytes.end());
+        const size_t at = text.rfind("\n" + key + " = ");
+        if (at == std::string::npos) return "(none)";
+        const size_t start = at + key.size() + 4;
+        return text.substr(start, text.find('\n', start) - start);
+    }
+};
+
+bool Has(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST_F(LmfApply, FileNamesAreOnlyBytes) {
+    for (const std::string name :
+         {"-v.png", "--json.png", "[a,b].png", "list.png", "\xff\xfe.png", "a b\n.png", "%%.png"}) {
+        MakeGrey(name);
+        const ProgramRun run = Run({"apply", "Invert Colors", "--json", "--", name, "out" + name});
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_TRUE(fs::exists(In("out" + name))) << name;
+    }
+    MakeGrey("[c].png");
+    fs::create_directory(In("list"));
+    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "list", "[c].png", "%%.png"}).exitCode, 0);
+    EXPECT_TRUE(fs::exists(In("list/[c].png")) && fs::exists(In("list/%%.png")));
+    EXPECT_EQ(Run({"apply", "Invert Colors", "-v.png", "out.png"}).exitCode, 1);
+}
+
+TEST_F(LmfApply, WritesOverItsInputAndKeepsLinksAndPermissions) {
+    MakeGrey("p.png");
+    fs::permissions(In("p.png"), fs::perms(0640));
+    fs::create_symlink("p.png", In("link.png"));
+    ASSERT_EQ(Run({"apply", "Invert Colors", "link.png", "link.png"}).exitCode, 0);
+    EXPECT_TRUE(fs::is_symlink(In("link.png")));
+    EXPECT_EQ(fs::status(In("p.png")).permissions(), fs::perms(0640));
+    EXPECT_EQ(ReadPng(In("p.png")).samples, Bytes(16, 215));
+    EXPECT_EQ(Files(), (Names{"link.png", "p.png"}));
+}
+
+TEST_F(LmfApply, WhatCannotBeWrittenLeavesEverythingAsItWas) {
+    MakeGrey("p.png");
+    fs::create_directory(In("folder.png"));
+    EXPECT_EQ(Run({"apply", "Invert Colors", "p.png", "no/such/folder/out.png"}).exitCode, 4);
+    EXPECT_EQ(Run({"apply", "Invert Colors", "p.png", "folder.png"}).exitCode, 4);
+    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "p.png", "p.png"}).exitCode, 4);
+    const ProgramRun unknown = Run({"apply", "Invert Colors", "p.png", "out.gif"});
+    EXPECT_EQ(unknown.exitCode, 1);
+    EXPECT_TRUE(Has(unknown.errors, "\"out.gif\" does not end in .png")) << unknown.errors;
+    EXPECT_EQ(Files(), Names{"p.png"});
+}
+
+TEST_F(LmfApply, ManyPicturesGoOnAfterABadOneAndSumUp) {
+    MakeGrey("a.png", 1);
+    MakeGrey("c.png", 3);
+    WriteBytes(In("b.png"), {'n', 'o'});
+    const ProgramRun run = Run({"apply", "Hexagon", "--out-dir", "x/y", "a.png", "b.png"});
+    EXPECT_EQ(run.exitCode, 3) << "the first failure is that of the grey picture: " << run.errors;
+    EXPECT_TRUE(Has(run.errors, "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)"));
+    const ProgramRun mixed =
+        Run({"apply", "Invert Colors", "--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
+    EXPECT_EQ(mixed.exitCode, 2);
+    EXPECT_TRUE(Has(mixed.errors, "lmf: 2 of 4 pictures written, 2 failed")) << mixed.errors;
+    EXPECT_TRUE(Has(mixed.output, "\"status\": \"failed\"") && Has(mixed.output, "\"exitCode\": 2"));
+    EXPECT_EQ(ReadPng(In("out/a.png")).samples, Bytes(16, 254));
+    EXPECT_EQ(ReadPng(In("out/c.png")).samples, Bytes(16, 252));
+    MakeGrey("out/a.png", 77);
+    fs::remove(In("out/c.png"));
+    const ProgramRun again = Run({"apply", "Invert Colors", "--skip-existing", "--out-dir", "out", "a.png", "c.png"});
+    EXPECT_TRUE(Has(again.errors, "1 of 2 pictures written, 1 skipped")) << again.errors;
+    EXPECT_EQ(ReadPng(In("out/a.png")).samples, Bytes(16, 77));
+    EXPECT_EQ(ReadPng(In("out/c.png")).samples, Bytes(16, 252));
+}
+
+TEST_F(LmfApply, TwoInputsWithOneOutputAreRefusedBeforeAnythingIsDone) {
+    fs::create_directories(In("x"));
+    MakeGrey("a.png");
+    MakeGrey("x/a.png");
+    ASSERT_EQ(Run({"apply", "Invert Colors", "a.png", "a.bmp"}).exitCode, 0);
+    const Names before = Files();
+    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "out", "a.png", "x/a.png"}).exitCode, 1);
+    const ProgramRun run = Run({"apply", "Invert Colors", "--out-dir", "out", "--format", "tif", "a.png", "a.bmp"});
+    EXPECT_EQ(run.exitCode, 1);
+    EXPECT_TRUE(Has(run.errors, "a.png and a.bmp would both be written to out/a.tif")) << run.errors;
+    EXPECT_EQ(Files(), before);
+}
+
+TEST_F(LmfApply, WrongUsageSaysWhatIsRight) {
+    const std::pair<Names, std::string> cases[] = {
+        {{}, "lmf apply FILTER IN OUT"},
+        {{"aply"}, "did you mean \"apply\"?"},
+        {{"apply", "gausian blur", "a.png", "b.png"}, "did you mean \"Gaussian Blur\""},
+        {{"apply", "sharpn", "a.png", "b.png"}, "did you mean \"Sharpen\""},
+        {{"apply", "Sepia", "a.png"}, "one input and one output"},
+        {{"apply", "Sepia", "--out-dir", "x"}, "no pictures"},
+        {{"apply", "Sepia", "a.png", "b.png", "--qualty", "5"}, "there is no option --qualty"},
+        {{"apply", "Sepia", "a.png", "b.png", "--quality", "0"}, "--quality"},
+        {{"apply", "Sepia", "--out-dir", "x", "--format", "gif", "a.png"}, "--format takes png"},
+        {{"apply", "Sepia", "a.png", "b.png", "--paper", "12345"}, "give it as RRGGBB"},
+        {{"show", "Swril"}, "did you mean \"Swirl\"?"},
+        {{"list", "--category", "Colour"}, "Artistic, Blur, Color"},
+    };
+    for (const auto &[arguments, message] : cases) {
+        const ProgramRun run = Run(arguments);
+        EXPECT_EQ(run.exitCode, 1) << message;
+        EXPECT_TRUE(Has(run.errors, message)) << run.errors;
+    }
+    EXPECT_EQ(Run({"apply", "--help"}).exitCode, 0);
+}
+
+TEST_F(LmfApply, FailuresOfTheLibraryAreToldAndWriteNothing) {
+    MakeGrey("p.png");
+    const std::pair<std::string, std::string> cases[] = {{"fail:6", "Sepia: Memory error"},
+                                                         {"fail:12", "Sepia: Too many colors"},
+                                                         {"fail:0", "Sepia: Library error"},
+                                                         {"fail:99", "Sepia: Library error"},
+                                                         {"lying header", "Sepia: Library error"}};
+    for (const auto &[wish, message] : cases) {
+        const ProgramRun run = RunFake(wish, {"apply", "Sepia", "p.png", "out.png"});
+        EXPECT_EQ(run.exitCode, 3);
+        EXPECT_TRUE(Has(run.errors, "p.png: " + message)) << run.errors;
+    }
+    const ProgramRun missing = Run({"apply", "Sepia", "p.png", "out.png", "--library", "/no/such.so"});
+    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_TRUE(Has(missing.errors, "cannot be loaded")) << missing.errors;
+    EXPECT_FALSE(fs::exists(In("out.png")));
+}
+
+TEST_F(LmfApply, AlphaOfAnotherSizeIsLeftOutWithAWarning) {
+    PngFile file;
+    file.width = file.height = 4;
+    file.type = PNG_COLOR_TYPE_RGB_ALPHA;
+    file.samples.assign(64, 9);
+    WritePng(In("p.png"), file);
+    const ProgramRun run = RunFake("other alpha", {"apply", "Sepia", "p.png", "out.png"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_TRUE(Has(run.errors, "warning: the alpha no longer has the size")) << run.errors;
+    EXPECT_EQ(ReadPng(In("out.png")).type, PNG_COLOR_TYPE_RGB);
+}
+
+TEST_F(LmfApply, InterruptedRunLeavesNothingBehind) {
+    MakeGrey("p.png");
+    EXPECT_EQ(RunFake("interrupt", {"apply", "Sepia", "p.png", "out.png"}).exitCode, 128 + SIGTERM);
+    EXPECT_EQ(Files(), (Names{"p.png", "seen.ini"}));
+}
+
+TEST_F(LmfApply, SettingsReachTheLibraryAsItsFileHasThem) {
+    MakeGrey("p.png");
+    struct Case {
+        std::string filter, assignment, key, value;
+    };
+    const Case cases[] = {
+        {"Gaussian Blur", "FilterGaussianRadius=100", "FilterGaussianRadius", "100"},
+        {"gaussian blur", "filtergaussianradius=+990", "FilterGaussianRadius", "990"},
+        {"Gaussian Blur", "Radius=0.4", "FilterGaussianRadius", "40"},
+        {"Gaussian Blur", "radius=9.", "FilterGaussianRadius", "900"},
+        {"Hexagon", "Size=30", "FilterHexagonSize", "30"},
+        {"Hexagon", "LineSize=3", "FilterHexagonLineSize", "3"},
+        {"Caption", "Bold=yes", "FilterCaptionBold", "1"},
+        {"Caption", "Bold=False", "FilterCaptionBold", "0"},
+        {"Caption", "TextColor=#102030", "FilterCaptionTextColor", "3153936"},
+        {"Caption", "String=na\xc3\xafve \xe2\x82\xac = 5", "FilterCaptionString", "na\xefve \x80 = 5"},
+        {"Caption", "String=na\xefve", "FilterCaptionString", "na\xefve"},
+        {"Caption", "String=", "FilterCaptionString", ""},
+        {"Fade", "Edge=south", "FilterFadeEdge", "2"},
+        {"Fade", "Edge=3", "FilterFadeEdge", "3"},
+    };
+    for (const Case &c : cases) {
+        const ProgramRun run = RunFake("", {"apply", c.filter, "p.png", "out.png", "--set", c.assignment});
+        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        EXPECT_EQ(SeenSetting(c.key), c.value) << c.assignment;
+    }
+    RunFake("", {"apply", "Sepia", "p.png", "out.png", "--paper", "102030"});
+    EXPECT_EQ(SeenSetting("PaperColor"), "3153936");
+    EXPECT_EQ(SeenSetting("CurrentFilter"), "70");
+    EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "40") << "every key is stated, so that nothing is inherited";
+}
+
+TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
+    MakeGrey("p.png");
+    const std::string tooLong(300, 'x');
+    struct Case {
+        std::string filter, assignment, message;
+    };
+    const Case cases[] = {
+        {"Gaussian Blur", "Radius", "not of the form KEY=VALUE"},
+        {"Gaussian Blur", "Radios=5", "did you mean \"Radius\"?"},
+        {"Gaussian Blur", "FilterGausianRadius=5", "did you mean \"FilterGaussianRadius\""},
+        {"Gaussian Blur", "xyz=5", "Its settings: FilterGaussianSigma, FilterGaussianRadius"},
+        {"Gaussian Blur", "Radius=9", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=991", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=0.123", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=4-5", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=99999999999999999999", "Legal: 10 to 990"},
+        {"Fade", "Edge=Suoth", "did you mean \"South\"?"},
+        {"Fade", "Edge=4", "\"North\", \"East\", \"South\", \"West\""},
+        {"Caption", "Bold=perhaps", "Legal: true, false"},
+        {"Caption", "TextColor=red", "a color as RRGGBB"},
+        {"Caption", "String=one\ntwo", "control characters"},
+        {"Caption", "String= padded", "cannot begin with a blank"},
+        {"Caption", "String=" + tooLong, "at most 236 characters"},
+        {"Caption", "String=\xd0\x96", "code page 1252"},
+        {"Waves", "FilterWavesIntensity=5", "no settings file keeps it"},
+        {"Social Media", "Size=5", "several settings that end in"},
+        {"Invert Colors", "Radius=5", "has no settings"},
+    };
+    for (const Case &c : cases) {
+        const ProgramRun run = Run({"apply", c.filter, "p.png", "out.png", "--set", c.assignment});
+        EXPECT_EQ(run.exitCode, 1) << c.assignment;
+        EXPECT_TRUE(Has(run.errors, c.message)) << c.assignment << ": " << run.errors;
+    }
+    EXPECT_EQ(Files(), Names{"p.png"});
+}
+
+TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
+    MakeGrey("p.png");
+    const std::string text = ";comment\nCurrentFilter = 3\nFilterGaussianRadius = 300\nFilterGaussianSigma = 33";
+    WriteBytes(In("mine.ini"), Bytes(text.begin(), text.end()));
+    const ProgramRun run = RunFake("", {"apply", "Gaussian Blur", "p.png", "out.png", "--settings-from", "mine.ini",
+                                        "--set", "FilterGaussianRadius=50"});
+    ASSERT_EQ(run.exitCode, 0) << run.errors;
+    EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "50");
+    EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "33");
+    EXPECT_EQ(SeenSetting("CurrentFilter"), "31");
+    EXPECT_EQ(Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "missing.ini"}).exitCode, 2);
+    EXPECT_EQ(Run({"settings", "path"}, {{"XDG_CONFIG_HOME", "/c"}}).output, "/c/Quillon Works/LmfFiltr.ini\n");
+}
+
+// The road through program, ini file and library gives what the kernel gives when it is called with the same values.
+TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
+    const PngFile photograph = ReadPng(kPhotograph);
+    PngFile small = photograph;
+    small.height = 40;
+    small.samples.resize(size_t(small.width) * 40 * 3);
+    WritePng(In("a.png"), small);
+    std::reverse(small.samples.begin(), small.samples.end());
+    WritePng(In("b.png"), small);
+    ASSERT_EQ(Run({"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60", "--out-dir", "out", "a.png",
+                   "b.png"})
+                  .exitCode,
+              0);
+    std::vector<uint32_t> pixels;
+    for (size_t i = 0; i < small.samples.size(); i += 3)
+        pixels.push_back(small.samples[i] | uint32_t(small.samples[i + 1]) << 8 | uint32_t(small.samples[i + 2]) << 16);
+    FilterContext context = MakeContext();
+    context.FilterGaussianRadius = 200;
+    context.FilterGaussianSigma = 60;
+    const DibOwner source = MakePicture(small.width, small.height, 24, pixels);
+    const DibOwner expected = RunKernel("Gaussian Blur", source.handle, &context);
+    Bytes samples;
+    for (const uint32_t pixel : PixelsOf(expected.handle))
+        for (const int shift : {0, 8, 16}) samples.push_back(uint8_t(pixel >> shift));
+    EXPECT_EQ(ReadPng(In("out/b.png")).samples, samples);
+}
+
+} // namespace lmf::testing

@@ -1,0 +1,82 @@
+// What the program prints of the catalogue, against the library's own tables.
+#include <algorithm>
+#include <set>
+
+#include <nlohmann/json.hpp>
+
+#include "engine/catalogue.h"
+#include "host/lmf_program.h"
+
+namespace lmf::testing {
+
+namespace {
+
+using Json = nlohmann::json;
+
+struct LmfCatalogue : LmfProgram {};
+
+size_t CountLines(const std::string &text) {
+    return size_t(std::count(text.begin(), text.end(), '\n'));
+}
+
+} // namespace
+
+TEST_F(LmfCatalogue, ListsEveryRowAsTheLibraryHasIt) {
+    const Json document = Json::parse(Run({"list", "--json"}).output);
+    ASSERT_EQ(document["filters"].size(), size_t(kFilterCount));
+    for (int32_t row = 0; row < kFilterCount; row++) {
+        const FilterEntry &entry = FilterCatalogue[row];
+        const Json &filter = document["filters"][size_t(row)];
+        EXPECT_EQ(filter["row"], row);
+        EXPECT_EQ(filter["name"], entry.name);
+        EXPECT_EQ(filter["category"], document["categories"][size_t(entry.category)]);
+        EXPECT_EQ(filter["flags"], entry.flags);
+        EXPECT_EQ(filter["itemId"], entry.itemId);
+        EXPECT_EQ(filter["pageId"], entry.pageId);
+        size_t modes = 0;
+        for (int32_t mode = kModeTrueColor; mode <= kModeMono; mode++) modes += FilterAccepts(entry, mode);
+        EXPECT_EQ(filter["accepts"].size(), modes) << entry.name;
+    }
+    ASSERT_EQ(document["keys"].size(), kConfigRows - 1);
+    for (const Json &key : document["keys"]) EXPECT_NE(key["key"], "BuildDate");
+}
+
+TEST_F(LmfCatalogue, EverySettingIsUsable) {
+    const Json document = Json::parse(Run({"list", "--json"}).output);
+    std::set<std::string> fileKeys;
+    for (const Json &key : document["keys"]) fileKeys.insert(key["key"]);
+    std::set<std::string> seen;
+    size_t controls = 0;
+    for (const Json &filter : document["filters"]) {
+        for (const Json &setting : filter["settings"]) {
+            const std::string key = setting["key"];
+            EXPECT_TRUE(seen.insert(key).second) << key << " belongs to two filters";
+            EXPECT_EQ(fileKeys.count(key) == 1, setting["stored"].get<bool>()) << key;
+            controls += setting["control"] == "radio button" ? setting["entries"].size() : 1;
+            if (setting["type"] == "boolean" || setting["default"].is_string()) continue;
+            EXPECT_LE(setting["min"], setting["max"]) << key;
+            if (!setting.contains("entries") || setting["entries"].empty()) continue;
+            EXPECT_EQ(setting["entries"].front()["value"], setting["min"]) << key;
+            EXPECT_LE(setting["entries"].back()["value"], setting["max"]) << key;
+        }
+    }
+    size_t rows = 0;
+    for (const FilterEntry &entry : FilterCatalogue) rows += entry.slots->page.size();
+    EXPECT_EQ(controls, rows);
+}
+
+TEST_F(LmfCatalogue, ShowsAFilterForPeopleAndForPrograms) {
+    const Json document = Json::parse(Run({"list", "--json"}).output);
+    EXPECT_EQ(Json::parse(Run({"show", "gaussian BLUR", "--json"}).output), document["filters"][31]);
+    const std::string text = Run({"show", "Gaussian Blur"}).output;
+    EXPECT_NE(text.find("FilterGaussianRadius  \"Radius:\"\n"), std::string::npos);
+    EXPECT_NE(text.find("10 to 990 (shown as 0.10 to 9.90)\n"), std::string::npos);
+    EXPECT_NE(text.find("40 (shown as 0.40)\n"), std::string::npos);
+    EXPECT_NE(Run({"show", "Fade"}).output.find("2 South\n"), std::string::npos);
+    EXPECT_NE(Run({"show", "Swirl"}).output.find("restore   2925"), std::string::npos);
+    EXPECT_NE(Run({"show", "Invert Colors"}).output.find("no settings"), std::string::npos);
+    EXPECT_EQ(CountLines(Run({"list"}).output), size_t(kFilterCount) + 1);
+    EXPECT_EQ(CountLines(Run({"list", "--category", "blur"}).output), 1u + 4u);
+}
+
+} // namespace lmf::testing
