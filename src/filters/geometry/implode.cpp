@@ -1,6 +1,6 @@
-// Implode and Explode: draw the picture towards a point, or push it away from there. The amount is the strength in
-// percent; the offsets are the point's place in percent of the sides, and with it the reach: it ends at an ellipse
-// through the left or the upper edge.
+// Implode and Explode: magnify what lies about a point, or draw it together. The amount is the strength in percent; the
+// offsets are the point's place in percent of the sides, and with it the reach: it ends at an ellipse through the left
+// or the upper edge.
 #include <cmath>
 #include <numbers>
 
@@ -53,7 +53,7 @@ static Ellipse EllipseOf(const DibView &view, double xPart, double yPart) {
     return ellipse;
 }
 
-/// @param amount  1 draws together most, -1 pushes apart most
+/// @param amount  1 magnifies most, -1 draws together most
 /// @param xPercent, yPercent  of the sides, the place of the centre
 static DibHandle ImplodeBy(DibHandle source, const FilterContext *context, double amount, int32_t xPercent,
                            int32_t yPercent) {

@@ -13,50 +13,48 @@ static constexpr PageControl kPage[] = {
     Slider(1020, "Aperture:", &FilterParameters::FilterWaterDropsAperture, {3, 12}),
 };
 
-/// Offset of a neighbour along one axis.
-static int32_t DrawOffset(int32_t aperture) {
-    return NextRandom() % aperture - aperture / 2;
+/// Offset of a neighbour along one axis, from a draw of the random stream.
+static int32_t OffsetOf(int32_t draw, int32_t aperture) {
+    return draw % aperture - aperture / 2;
 }
 
-/// Scatters pixels of kBytes bytes; neighbours outside the picture give all bits set.
+/// A row of pixels of kBytes bytes; neighbours outside the picture give all bits set.
+/// @param draws  two for each pixel, the one for the column first
 template <size_t kBytes>
-static void ScatterBytes(const PixelPass &pass, int32_t aperture) {
-    const DibView &from = pass.from.view, &to = pass.to.view;
-    for (int32_t y = 0; y < from.height; y++) {
-        uint8_t *target = to.Row(y);
-        for (int32_t x = 0; x < from.width; x++, target += kBytes) {
-            const int32_t fromX = x + DrawOffset(aperture);
-            const int32_t fromY = y + DrawOffset(aperture);
-            const bool inside = fromX >= 0 && fromX < from.width && fromY >= 0 && fromY < from.height;
-            if (inside)
-                std::memcpy(target, from.Row(fromY) + static_cast<size_t>(fromX) * kBytes, kBytes);
-            else
-                std::memset(target, 0xFF, kBytes);
-        }
+static void ScatterRow(const PixelPass &pass, int32_t y, const uint16_t *draws, int32_t aperture) {
+    const DibView from = pass.from.view;
+    uint8_t *target = pass.to.view.Row(y);
+    for (int32_t x = 0; x < from.width; x++, target += kBytes, draws += 2) {
+        const int32_t fromX = x + OffsetOf(draws[0], aperture), fromY = y + OffsetOf(draws[1], aperture);
+        const bool inside = fromX >= 0 && fromX < from.width && fromY >= 0 && fromY < from.height;
+        if (inside)
+            std::memcpy(target, from.Row(fromY) + static_cast<size_t>(fromX) * kBytes, kBytes);
+        else
+            std::memset(target, 0xFF, kBytes);
     }
 }
 
-static void ScatterPixels(const PixelPass &pass, int32_t aperture) {
-    for (int32_t y = 0; y < pass.from.view.height; y++) {
-        for (int32_t x = 0; x < pass.from.view.width; x++) {
-            const int32_t fromX = x + DrawOffset(aperture);
-            const int32_t fromY = y + DrawOffset(aperture);
-            DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, fromX, fromY));
-        }
+static void ScatterRowOfAnyDepth(const PixelPass &pass, int32_t y, const uint16_t *draws, int32_t aperture) {
+    for (int32_t x = 0; x < pass.from.view.width; x++, draws += 2) {
+        const int32_t fromX = x + OffsetOf(draws[0], aperture), fromY = y + OffsetOf(draws[1], aperture);
+        DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, fromX, fromY));
     }
 }
 
 static DibHandle WaterDropsKernel(DibHandle source, FilterContext *context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    SeedRandom(static_cast<uint32_t>(SystemTime()));
+    const DibView &view = pass.from.view;
+    const size_t drawsOfRow = static_cast<size_t>(view.width) * 2;
+    BlockArray<uint16_t> draws(drawsOfRow);
+    if (!draws) return nullptr;
+    const auto scatterRow = view.bits == 24 ? ScatterRow<3> : view.bits == 8 ? ScatterRow<1> : ScatterRowOfAnyDepth;
     const int32_t aperture = std::max(context->FilterWaterDropsAperture, 1);
-    if (pass.from.view.bits == 24)
-        ScatterBytes<3>(pass, aperture);
-    else if (pass.from.view.bits == 8)
-        ScatterBytes<1>(pass, aperture);
-    else
-        ScatterPixels(pass, aperture);
+    SeedRandom(static_cast<uint32_t>(SystemTime()));
+    for (int32_t y = 0; y < view.height; y++) {
+        NextRandoms(draws.data, drawsOfRow);
+        scatterRow(pass, y, draws.data, aperture);
+    }
     return pass.Finish();
 }
 
