@@ -30,13 +30,16 @@ int32_t NextRandom() {
 struct Leap {
     uint32_t multiplier = 1;
     uint32_t increment = 0;
+
+    constexpr uint32_t From(uint32_t state) const { return state * multiplier + increment; }
 };
 
-static constexpr Leap LeapOf(size_t steps) {
-    Leap leap;
-    for (size_t i = 0; i < steps; i++) {
-        leap.multiplier *= kMultiplier;
-        leap.increment = leap.increment * kMultiplier + kIncrement;
+/// Puts a leap together from leaps of 1, 2, 4 and so on steps.
+static constexpr Leap LeapOf(uint64_t steps) {
+    Leap leap, power{kMultiplier, kIncrement};
+    for (; steps > 0; steps >>= 1) {
+        if (steps & 1) leap = {leap.multiplier * power.multiplier, power.From(leap.increment)};
+        power = {power.multiplier * power.multiplier, power.From(power.increment)};
     }
     return leap;
 }
@@ -54,16 +57,29 @@ static uint32_t DrawGroups(uint32_t state, uint16_t *draws, size_t groups) {
         state = lanes[kLanes - 1];
         for (size_t i = 0; i < kLanes; i++) {
             draws[i] = static_cast<uint16_t>(DrawOf(lanes[i]));
-            lanes[i] = lanes[i] * kLeap.multiplier + kLeap.increment;
+            lanes[i] = kLeap.From(lanes[i]);
         }
     }
     return state;
 }
 
-void NextRandoms(uint16_t *draws, size_t count) {
+void PeekRandoms(uint16_t *draws, size_t count) {
     const size_t groups = count / kLanes;
-    if (groups > 0) randomState = DrawGroups(randomState, draws, groups);
-    for (size_t i = groups * kLanes; i < count; i++) draws[i] = static_cast<uint16_t>(NextRandom());
+    uint32_t state = randomState;
+    if (groups > 0) state = DrawGroups(state, draws, groups);
+    for (size_t i = groups * kLanes; i < count; i++) {
+        state = NextState(state);
+        draws[i] = static_cast<uint16_t>(DrawOf(state));
+    }
+}
+
+void SkipRandoms(uint64_t count) {
+    randomState = LeapOf(count).From(randomState);
+}
+
+void NextRandoms(uint16_t *draws, size_t count) {
+    PeekRandoms(draws, count);
+    SkipRandoms(count);
 }
 
 } // namespace lmf

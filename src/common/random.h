@@ -15,5 +15,9 @@ void SeedRandom(uint32_t seed);
 [[nodiscard]] int32_t NextRandom();
 /// The next `count` draws in order, as if by NextRandom, several times as fast.
 void NextRandoms(uint16_t *draws, size_t count);
+/// The same without moving the stream on, for a reader that doesn't know yet how many it will use.
+void PeekRandoms(uint16_t *draws, size_t count);
+/// Moves the stream on by `count` draws.
+void SkipRandoms(uint64_t count);
 
 } // namespace lmf

@@ -21,6 +21,11 @@ TEST(Random, ManyDrawsAreTheSameAsOneByOne) {
         for (uint16_t &draw : single) draw = static_cast<uint16_t>(NextRandom());
         EXPECT_EQ(together, single) << count;
         EXPECT_EQ(next, NextRandom()) << count;
+        SeedRandom(77);
+        PeekRandoms(together.data(), count);
+        EXPECT_EQ(together, single) << count;
+        SkipRandoms(count);
+        EXPECT_EQ(next, NextRandom()) << count;
     }
 }
 

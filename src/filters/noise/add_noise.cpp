@@ -102,19 +102,63 @@ static void GaussianSamples(const NoiseSource &noise, uint8_t *__restrict sample
     }
 }
 
-static uint8_t PoissonSample(double end) {
+/// One number of Poisson noise: how many further draws it takes to bring the product of all down to `end`.
+static int32_t PoissonEvents(double end) {
     double u = PositiveUniform(static_cast<uint32_t>(NextRandom()));
     int32_t events = 0;
     for (; u > end; events++) u *= Uniform(static_cast<uint32_t>(NextRandom()));
+    return events;
+}
+
+static uint8_t PoissonLevel(int32_t events) {
     return LevelOf(events / 0.05);
+}
+
+/// More events than kMostEvents - 1 are so rare that they are counted one by one.
+static constexpr size_t kMostEvents = 12;
+static constexpr size_t kStarts = 1024;
+
+/// The events of the number that would start at each draw, as far as kMostEvents. The product never rises, so they are
+/// the partial products above `end`: nothing has to stop there, and the lanes can do without branches.
+LMF_MULTIVERSION
+static void CountEvents(uint8_t *__restrict events, const uint16_t *__restrict draws, double end) {
+    double uniform[kStarts + kMostEvents];
+    for (size_t i = 0; i < kStarts + kMostEvents; i++) uniform[i] = Uniform(draws[i]);
+    for (size_t i = 0; i < kStarts; i++) {
+        double u = uniform[i] == 0 ? 1.0 : uniform[i];
+        double count = u > end ? 1.0 : 0.0; // of the lanes' own width
+#pragma GCC unroll 12
+        for (size_t k = 1; k < kMostEvents; k++) {
+            u *= uniform[i + k];
+            count += u > end ? 1.0 : 0.0;
+        }
+        events[i] = static_cast<uint8_t>(static_cast<int32_t>(count));
+    }
+}
+
+/// A number takes as many draws as it comes to, so numbers are made for every place where one may start, and then the
+/// places where they do start are walked.
+static void PoissonSamples(uint8_t *samples, size_t count, double end) {
+    uint8_t levels[kMostEvents];
+    for (size_t i = 0; i < kMostEvents; i++) levels[i] = PoissonLevel(static_cast<int32_t>(i));
+    for (size_t i = 0; i < count;) {
+        uint16_t draws[kStarts + kMostEvents];
+        uint8_t events[kStarts];
+        PeekRandoms(draws, kStarts + kMostEvents);
+        CountEvents(events, draws, end);
+        size_t start = 0;
+        for (; i < count && start < kStarts && events[start] < kMostEvents; i++) {
+            samples[i] = levels[events[start]];
+            start += events[start] + size_t{1};
+        }
+        SkipRandoms(start);
+        if (i < count && start < kStarts) samples[i++] = PoissonLevel(PoissonEvents(end));
+    }
 }
 
 /// The next `count` samples, up to kBatch, in the order of the random stream.
 static void DrawSamples(const NoiseSource &noise, uint8_t *samples, size_t count) {
-    if (noise.type == kPoisson) {
-        for (size_t i = 0; i < count; i++) samples[i] = PoissonSample(noise.poissonEnd);
-        return;
-    }
+    if (noise.type == kPoisson) return PoissonSamples(samples, count, noise.poissonEnd);
     uint16_t draws[2 * kBatch];
     // Multiplicative noise draws an angle as well and makes no use of it.
     const size_t step = noise.type == kGaussian || noise.type == kMultiplicative ? 2 : 1;
