@@ -4,6 +4,7 @@
 
 #include "image/hsv.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -422,37 +423,21 @@ DibHandle DibColorize(DibHandle source, Color level0, Color level255) {
     return result.Release();
 }
 
-static Color AdjustColor(Color color, float hueOffset, float saturationScale, float valueScale) {
-    Hsv hsv = RgbToHsv(color);
-    hsv.hue += hueOffset;
-    hsv.saturation *= saturationScale;
-    hsv.value *= valueScale;
-    return HsvToRgb(hsv);
-}
-
 DibHandle DibAdjustHsv(DibHandle source, float hueOffset, float saturationScale, float valueScale) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(CreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    const uint32_t alphaMask = from.view.bits == 32 ? 0xFF000000 : 0;
-    // Neighbours are often of one colour: the last answer is kept.
-    Color known = 0;
-    Color answer = AdjustColor(known, hueOffset, saturationScale, valueScale);
-    for (int32_t y = 0; y < from.view.height; y++) {
-        for (int32_t x = 0; x < from.view.width; x++) {
-            const uint32_t value = DibGetPixel(from.image, x, y);
-            const Color color = value & 0xFFFFFF;
-            if (color != known) {
-                known = color;
-                answer = AdjustColor(known, hueOffset, saturationScale, valueScale);
-            }
-            DibSetPixel(to.image, x, y, answer | (value & alphaMask));
-        }
-    }
-    to.Unlock();
-    return result.Release();
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const HsvChange change = {hueOffset, saturationScale, valueScale};
+    const uint32_t alphaMask = pass.from.view.bits == 32 ? 0xFF000000 : 0;
+    const auto pixel = [&](uint32_t value) {
+        Hsv hsv = RgbToHsv(value);
+        hsv.hue += hueOffset;
+        hsv.saturation *= saturationScale;
+        hsv.value *= valueScale;
+        return HsvToRgb(hsv) | (value & alphaMask);
+    };
+    MapPixels(pass, pixel,
+              [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); });
+    return pass.Finish();
 }
 
 } // namespace lmf

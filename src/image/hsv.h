@@ -16,4 +16,13 @@ struct Hsv {
 /// Saturation and value are limited to 1 from above. The hue is not wrapped: a sector outside 0 to 4 counts as 5.
 [[nodiscard]] Color HsvToRgb(const Hsv &hsv);
 
+struct HsvChange {
+    float hueOffset;       ///< degrees
+    float saturationScale; ///< 1 for no change
+    float valueScale;      ///< 1 for no change
+};
+
+/// Adds to the hue and scales saturation and value of a row of 24-bit pixels.
+void AdjustHsvRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels, const HsvChange &change);
+
 } // namespace lmf

@@ -123,22 +123,11 @@ void LookUpPixels(uint8_t *__restrict to, const uint8_t *__restrict from, size_t
 }
 
 void MapChannels(const PixelPass &pass, const ChannelTables &tables) {
-    MapPixels(
-        pass,
-        [&](Color color) {
-            return PackColor(tables.red.at[RedOf(color)], tables.green.at[GreenOf(color)],
-                             tables.blue.at[BlueOf(color)]);
-        },
-        [&](uint8_t *to, const uint8_t *from, size_t width) { LookUpPixels(to, from, width, tables); });
+    MapColors(pass, [&](uint8_t *to, const uint8_t *from, size_t width) { LookUpPixels(to, from, width, tables); });
 }
 
 void MapChannels(const PixelPass &pass, const ToneTable &table) {
-    MapPixels(
-        pass,
-        [&](Color color) {
-            return PackColor(table.at[RedOf(color)], table.at[GreenOf(color)], table.at[BlueOf(color)]);
-        },
-        [&](uint8_t *to, const uint8_t *from, size_t width) { LookUpBytes(to, from, width * 3, table); });
+    MapColors(pass, [&](uint8_t *to, const uint8_t *from, size_t width) { LookUpBytes(to, from, width * 3, table); });
 }
 
 DibHandle MapPaletteChannels(DibHandle source, const ChannelTables &tables) {

@@ -72,7 +72,20 @@ void MapPixels(const PixelPass &pass, PixelFunction pixel) {
     });
 }
 
-/// Sends red, green and blue through their tables; alpha becomes 0. Indexed pictures take the red table's value.
+/// Each pixel as three channels: `row24(to, from, width)` maps a row of 24-bit pixels, and pixels of other depths go
+/// through it one by one. Alpha becomes 0; an index counts as the red of a pixel without green and blue.
+template <typename RowFunction>
+void MapColors(const PixelPass &pass, RowFunction row24) {
+    const auto pixel = [&row24](Color color) {
+        const uint8_t from[3] = {BlueOf(color), GreenOf(color), RedOf(color)};
+        uint8_t to[3];
+        row24(to, from, 1);
+        return PackColor(to[2], to[1], to[0]);
+    };
+    MapPixels(pass, pixel, row24);
+}
+
+/// Sends red, green and blue through their tables; the rest is as with MapColors.
 void MapChannels(const PixelPass &pass, const ChannelTables &tables);
 /// The same with one table for all.
 void MapChannels(const PixelPass &pass, const ToneTable &table);

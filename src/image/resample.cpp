@@ -4,6 +4,9 @@
 #include <math.h>
 #include <numbers>
 
+#include "image/multiversion.h"
+#include "image/transpose.h"
+
 namespace lmf {
 
 using std::numbers::pi;
@@ -91,64 +94,179 @@ constexpr ResampleWindow kResampleWindows[16] = {
 static constexpr int32_t kWindowMitchell = 12;
 static constexpr int32_t kWindowLanczos = 13;
 
-struct ContributionEntry {
-    double weight;
-    int32_t index;
+/// The samples first <= i < first + count of a line that make up one output sample.
+struct Contribution {
+    int32_t first;
+    int32_t count;      ///< may be below 1: such a sample is 0
+    int64_t firstEntry; ///< where its weights start
 };
 
-/// Fills in what the samples of a line of `size` add to output position `position`.
-/// @return how many samples do.
-static int32_t Contribute(int32_t position, int32_t size, double factor, const ResampleWindow &window, double blur,
-                          ContributionEntry *entries) {
-    double scale = std::max(1.0 / factor, 1.0) * blur;
-    double support = scale * window.support;
+/// How each output sample along one axis comes from the source's.
+struct AxisWeights {
+    double factor;
+    double scale;
+    double support;
+    int32_t size, newSize;
+    const ResampleWindow &window;
+    int32_t mostEntries = 0; ///< largest count of all
+    BlockArray<Contribution> contributions;
+    BlockArray<double> weights;
+
+    AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur);
+
+    explicit operator bool() const { return contributions && weights; }
+    double CentreOf(int32_t position) const { return (position + 0.5) / factor; }
+
+private:
+    uint64_t FillRanges();
+    void FillWeights();
+};
+
+AxisWeights::AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur)
+    : factor(factor), scale(std::max(1.0 / factor, 1.0) * blur), support(scale * window.support), size(size),
+      newSize(newSize), window(window), contributions(static_cast<uint64_t>(newSize)), weights(FillRanges()) {
+    if (*this) FillWeights();
+}
+
+/// @return how many weights there are; at least 1.
+uint64_t AxisWeights::FillRanges() {
+    if (!contributions) return 0;
     if (!(support > 0.5)) {
         support = 0.500001;
         scale = 1.0;
     }
+    int64_t entries = 0;
+    for (int32_t i = 0; i < newSize; i++) {
+        const double centre = CentreOf(i);
+        const auto start = static_cast<int32_t>(std::max(centre - support + 0.5, 0.0));
+        const auto stop = static_cast<int32_t>(std::min(centre + support + 0.5, static_cast<double>(size)));
+        contributions[i] = {start, stop - start, entries};
+        entries += std::max(stop - start, 0);
+        mostEntries = std::max(mostEntries, stop - start);
+    }
+    return static_cast<uint64_t>(entries) + 1;
+}
+
+void AxisWeights::FillWeights() {
     const double inverse = 1.0 / scale;
-    const double centre = (position + 0.5) / factor;
-    const auto start = static_cast<int32_t>(std::max(centre - support + 0.5, 0.0));
-    const auto stop = static_cast<int32_t>(std::min(centre + support + 0.5, static_cast<double>(size)));
-    const int32_t count = stop - start;
-    double density = 0.0;
-    for (int32_t i = 0; i < count; i++) {
-        const double weight = window.weight((start + i - centre + 0.5) * inverse, window.support);
-        entries[i] = {weight, start + i};
-        density += weight;
-    }
-    if (density != 0.0 && density != 1.0) {
-        const double reciprocal = 1.0 / density;
-        for (int32_t i = 0; i < count; i++) entries[i].weight *= reciprocal;
-    }
-    return count;
-}
-
-static uint32_t RoundToByte(double value) {
-    return value < 0.0 ? 0 : value > 255.0 ? 255 : static_cast<uint32_t>(value + 0.5);
-}
-
-/// One pass along x, or along y when `vertical`.
-static void ScalePass(const DibLock &from, const DibLock &to, bool vertical, double factor,
-                      const ResampleWindow &window, double blur, ContributionEntry *entries) {
-    const uint32_t channels = from.view.bits / 8;
-    const int32_t size = vertical ? from.view.height : from.view.width;
-    const int32_t newSize = vertical ? to.view.height : to.view.width;
-    const int32_t lines = vertical ? to.view.width : to.view.height;
     for (int32_t position = 0; position < newSize; position++) {
-        const int32_t count = Contribute(position, size, factor, window, blur, entries);
-        for (int32_t line = 0; line < lines; line++) {
-            double sums[4] = {};
-            for (int32_t i = 0; i < count; i++) {
-                const uint32_t pixel = vertical ? DibGetPixel(from.image, line, entries[i].index)
-                                                : DibGetPixel(from.image, entries[i].index, line);
-                for (uint32_t c = 0; c < channels; c++) sums[c] += entries[i].weight * (pixel >> (8 * c) & 0xFF);
-            }
-            uint32_t value = 0;
-            for (uint32_t c = 0; c < channels; c++) value |= RoundToByte(sums[c]) << (8 * c);
-            DibSetPixel(to.image, vertical ? line : position, vertical ? position : line, value);
+        const Contribution part = contributions[position];
+        const double centre = CentreOf(position);
+        double *partWeights = &weights[part.firstEntry];
+        double density = 0.0;
+        for (int32_t i = 0; i < part.count; i++) {
+            partWeights[i] = window.weight((part.first + i - centre + 0.5) * inverse, window.support);
+            density += partWeights[i];
+        }
+        if (density == 0.0 || density == 1.0) continue;
+        const double reciprocal = 1.0 / density;
+        for (int32_t i = 0; i < part.count; i++) partWeights[i] *= reciprocal;
+    }
+}
+
+/// Lines of bytes at a fixed distance from each other.
+struct ByteLines {
+    uint8_t *first;
+    ptrdiff_t stride;
+
+    uint8_t *At(ptrdiff_t i) const { return first + i * stride; }
+};
+
+/// Makes each line of `to` the weighted sum of some lines of `from`, over the first `length` bytes of every line.
+/// Each sum grows in the order of the lines, whatever is computed side by side. `work` has room for as many lines of
+/// numbers as weigh in on one sum, and one more.
+LMF_MULTIVERSION
+static void ScaleLines(ByteLines to, ByteLines from, size_t length, const Contribution *contributions,
+                       const double *weights, int32_t newSize, int32_t mostEntries, double *work) {
+    double *__restrict sums = work + static_cast<size_t>(mostEntries) * length;
+    // Lines as numbers, line i in slot i % mostEntries: each is converted once and serves all sums that it is part of.
+    const auto slot = [=](int32_t line) { return work + static_cast<size_t>(line % mostEntries) * length; };
+    int32_t nextLine = 0;
+    for (int32_t position = 0; position < newSize; position++) {
+        const Contribution part = contributions[position];
+        const int32_t end = part.first + part.count;
+        for (nextLine = std::max(nextLine, part.first); nextLine < end; nextLine++) {
+            double *__restrict numbers = slot(nextLine);
+            const uint8_t *__restrict bytes = from.At(nextLine);
+            for (size_t i = 0; i < length; i++) numbers[i] = bytes[i];
+        }
+        for (size_t i = 0; i < length; i++) sums[i] = 0.0;
+        const double *w = weights + part.firstEntry;
+        int32_t line = part.first;
+        for (; line + 4 <= end; line += 4, w += 4) {
+            const double *__restrict a = slot(line), *__restrict b = slot(line + 1);
+            const double *__restrict c = slot(line + 2), *__restrict d = slot(line + 3);
+            const double wa = w[0], wb = w[1], wc = w[2], wd = w[3];
+            for (size_t i = 0; i < length; i++) sums[i] = (((sums[i] + wa * a[i]) + wb * b[i]) + wc * c[i]) + wd * d[i];
+        }
+        for (; line < end; line++, w++) {
+            const double *__restrict a = slot(line);
+            const double wa = *w;
+            for (size_t i = 0; i < length; i++) sums[i] += wa * a[i];
+        }
+        uint8_t *__restrict bytes = to.At(position);
+        for (size_t i = 0; i < length; i++) {
+            double value = sums[i] > 0.0 ? sums[i] : 0.0;
+            value = value < 255.0 ? value : 255.0;
+            bytes[i] = static_cast<uint8_t>(static_cast<int32_t>(value + 0.5));
         }
     }
+}
+
+static constexpr size_t kWorkingSet = 32 << 10; ///< bytes that stay in the fastest cache
+static constexpr int32_t kBlockRows = 64;       ///< rows that the horizontal pass takes together
+
+static ByteLines LinesOf(const DibView &view, int32_t top, size_t firstByte) {
+    return {view.Row(top) + firstByte, -view.stride};
+}
+
+/// The vertical pass, in strips narrow enough for their numbers to stay in the cache. @return false without memory.
+static bool ScaleVertically(const DibView &to, const DibView &from, double factor, const ResampleWindow &window,
+                            double blur) {
+    const AxisWeights axis(from.height, to.height, factor, window, blur);
+    const size_t rowBytes = static_cast<size_t>(from.width) * (from.bits / 8);
+    const size_t lines = static_cast<size_t>(axis.mostEntries) + 1;
+    const size_t strip = std::min(rowBytes, std::max<size_t>(kWorkingSet / sizeof(double) / lines / 64, 1) * 64);
+    BlockArray<double> work(lines * strip);
+    if (!axis || !work) return false;
+    for (size_t x = 0; x < rowBytes; x += strip)
+        ScaleLines(LinesOf(to, 0, x), LinesOf(from, 0, x), std::min(strip, rowBytes - x), axis.contributions.data,
+                   axis.weights.data, to.height, axis.mostEntries, work.data);
+    return true;
+}
+
+/// The horizontal pass: blocks of rows, turned so that their columns are the lines. @return false without memory.
+static bool ScaleHorizontally(const DibView &to, const DibView &from, double factor, const ResampleWindow &window,
+                              double blur) {
+    const AxisWeights axis(from.width, to.width, factor, window, blur);
+    const ptrdiff_t channels = from.bits / 8;
+    const ptrdiff_t fromBytes = from.width * channels, toBytes = to.width * channels;
+    const auto lineBytes = static_cast<size_t>(kBlockRows * channels);
+    BlockArray<double> work((static_cast<size_t>(axis.mostEntries) + 1) * lineBytes);
+    BlockArray<uint8_t> turnedFrom(static_cast<size_t>(from.width) * lineBytes);
+    BlockArray<uint8_t> turnedTo(static_cast<size_t>(to.width) * lineBytes);
+    if (!axis || !work || !turnedFrom || !turnedTo) return false;
+    for (int32_t y = 0; y < from.height; y += kBlockRows) {
+        const ptrdiff_t rows = std::min(kBlockRows, from.height - y);
+        TransposeBytes(turnedFrom.data, rows, from.Row(y), -from.stride, rows, fromBytes);
+        ScaleLines({turnedTo.data, rows * channels}, {turnedFrom.data, rows * channels},
+                   static_cast<size_t>(rows * channels), axis.contributions.data, axis.weights.data, to.width,
+                   axis.mostEntries, work.data);
+        TransposeBytes(to.Row(y), -to.stride, turnedTo.data, rows, toBytes, rows);
+    }
+    return true;
+}
+
+/// The cheaper order of passes, by an estimate that wraps at 32 bits.
+static bool IsHorizontalFirst(const DibView &from, const DibView &to) {
+    const auto width = static_cast<uint32_t>(from.width), height = static_cast<uint32_t>(from.height);
+    const auto newWidth = static_cast<uint32_t>(to.width), newHeight = static_cast<uint32_t>(to.height);
+    return (height + newHeight) * newWidth > (width + newWidth) * newHeight;
+}
+
+static const ResampleWindow &WindowFor(int32_t index, double growth) {
+    if (index <= kWindowAutomatic) return kResampleWindows[growth > 1.0 ? kWindowMitchell : kWindowLanczos];
+    return kResampleWindows[std::min(index, 15)];
 }
 
 DibHandle DibScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_t windowIndex, double blur) {
@@ -159,33 +277,24 @@ DibHandle DibScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_
         return CanReadPixels(from.view.bits) ? DibClone(source) : nullptr;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(newWidth, newHeight, &palette, from.view.bits));
+    const uint32_t bits = from.view.bits;
+    DibOwner result(DibCreate(newWidth, newHeight, &palette, bits));
     DibLock to(result.handle);
     if (!to) return nullptr;
-
-    const double xFactor = std::max(static_cast<double>(newWidth) / width, 0.0001);
-    const double yFactor = std::max(static_cast<double>(newHeight) / height, 0.0001);
-    int32_t index = std::clamp(windowIndex, 0, 15);
-    if (index == kWindowAutomatic) index = xFactor * yFactor > 1.0 ? kWindowMitchell : kWindowLanczos;
-    const ResampleWindow &window = kResampleWindows[index];
-
-    const double reach = std::max(std::max(1.0 / xFactor, 1.0) * blur * window.support,
-                                  std::max(1.0 / yFactor, 1.0) * blur * window.support);
-    const double entryCount = 2.0 * std::max(std::max(reach, window.support), 0.5) + 3.0;
-    if (!(entryCount < 4294967296.0)) return nullptr;
-    BlockArray<ContributionEntry> entries(static_cast<uint64_t>(entryCount));
-    if (!entries) return nullptr;
-
-    const auto u = [](int32_t size) { return static_cast<uint32_t>(size); };
-    const bool horizontalFirst = (u(height) + u(newHeight)) * u(newWidth) > (u(width) + u(newWidth)) * u(newHeight);
-    DibOwner between(horizontalFirst ? DibCreate(newWidth, height, &palette, from.view.bits)
-                                     : DibCreate(width, newHeight, &palette, from.view.bits));
-    DibLock middle(between.handle);
-    if (!middle) return nullptr;
-    const uint32_t bits = from.view.bits;
     if (bits == 8 || bits == 24 || bits == 32) {
-        ScalePass(from, middle, !horizontalFirst, horizontalFirst ? xFactor : yFactor, window, blur, entries.data);
-        ScalePass(middle, to, horizontalFirst, horizontalFirst ? yFactor : xFactor, window, blur, entries.data);
+        const double xFactor = std::max(static_cast<double>(newWidth) / width, 0.0001);
+        const double yFactor = std::max(static_cast<double>(newHeight) / height, 0.0001);
+        const bool horizontalFirst = IsHorizontalFirst(from.view, to.view);
+        DibOwner between(horizontalFirst ? DibCreate(newWidth, height, nullptr, bits)
+                                         : DibCreate(width, newHeight, nullptr, bits));
+        DibLock middle(between.handle);
+        if (!middle) return nullptr;
+        const ResampleWindow &window = WindowFor(windowIndex, xFactor * yFactor);
+        const bool done = horizontalFirst ? ScaleHorizontally(middle.view, from.view, xFactor, window, blur) &&
+                                                ScaleVertically(to.view, middle.view, yFactor, window, blur)
+                                          : ScaleVertically(middle.view, from.view, yFactor, window, blur) &&
+                                                ScaleHorizontally(to.view, middle.view, xFactor, window, blur);
+        if (!done) return nullptr;
     }
     to.Unlock();
     return result.Release();

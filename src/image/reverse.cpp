@@ -21,12 +21,11 @@ static void ReverseQuads(uint8_t *__restrict to, const uint8_t *__restrict from,
 LMF_MULTIVERSION
 static void ReverseTriples(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
     using Bytes16 = uint8_t __attribute__((vector_size(16)));
-    constexpr Bytes16 kOrder = {13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3, 0};
     const uint8_t *end = from + count * 3;
     for (; count > 5; count -= 5, to += 15, end -= 15) {
         Bytes16 five;
         std::memcpy(&five, end - 16, sizeof five);
-        five = __builtin_shuffle(five, kOrder);
+        five = __builtin_shufflevector(five, five, 13, 14, 15, 10, 11, 12, 7, 8, 9, 4, 5, 6, 1, 2, 3, 0);
         std::memcpy(to, &five, sizeof five);
     }
     for (; count > 0; count--, to += 3, end -= 3) std::memcpy(to, end - 3, 3);

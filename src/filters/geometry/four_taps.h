@@ -6,7 +6,7 @@
 
 namespace lmf {
 
-using ByteLanes = uint8_t __attribute__((vector_size(4)));
+using ByteLanes = uint8_t __attribute__((vector_size(16)));
 using IntLanes = int32_t __attribute__((vector_size(16)));
 
 /// Blue, green and red of four pixels in lanes 0 to 2. What lane 3 holds has no meaning.
@@ -18,23 +18,22 @@ struct FourTaps {
 /// column start one byte early, so that nothing behind the end of a picture is touched.
 inline __attribute__((always_inline)) void ReadTaps24(FourTaps &taps, const uint8_t *row, const uint8_t *nextRow,
                                                       int32_t x, int32_t x1) {
-    const auto lanes = [](IntLanes & to, const uint8_t *from, int shift) __attribute__((always_inline)) {
-        uint32_t word;
+    const auto lanes = [](IntLanes & to, const uint8_t *from, const IntLanes &shifts) __attribute__((always_inline)) {
+        int32_t word;
         std::memcpy(&word, from, sizeof word);
-        word >>= shift;
-        ByteLanes bytes;
-        std::memcpy(&bytes, &word, sizeof bytes);
-        to = __builtin_convertvector(bytes, IntLanes);
+        to = IntLanes{word, word, word, word} >> shifts & 255;
     };
-    lanes(taps.p00, row + static_cast<ptrdiff_t>(x) * 3, 0);
-    lanes(taps.p10, row + static_cast<ptrdiff_t>(x1) * 3 - 1, 8);
-    lanes(taps.p01, nextRow + static_cast<ptrdiff_t>(x) * 3, 0);
-    lanes(taps.p11, nextRow + static_cast<ptrdiff_t>(x1) * 3 - 1, 8);
+    constexpr IntLanes kLeftShifts = {0, 8, 16, 24}, kRightShifts = {8, 16, 24, 24};
+    lanes(taps.p00, row + static_cast<ptrdiff_t>(x) * 3, kLeftShifts);
+    lanes(taps.p10, row + static_cast<ptrdiff_t>(x1) * 3 - 1, kRightShifts);
+    lanes(taps.p01, nextRow + static_cast<ptrdiff_t>(x) * 3, kLeftShifts);
+    lanes(taps.p11, nextRow + static_cast<ptrdiff_t>(x1) * 3 - 1, kRightShifts);
 }
 
 /// Stores lanes 0 to 2, cut to bytes, as a pixel.
 inline __attribute__((always_inline)) void StoreLanes24(uint8_t *to, const IntLanes &lanes) {
-    const ByteLanes bytes = __builtin_convertvector(lanes, ByteLanes);
+    constexpr ByteLanes kLowBytes = {0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12};
+    const ByteLanes bytes = __builtin_shuffle(reinterpret_cast<ByteLanes>(lanes), kLowBytes);
     std::memcpy(to, &bytes, 3);
 }
 

@@ -1,11 +1,61 @@
+// Equalize: pushes shadows down and highlights up, without a histogram. Tones below the Shadow level sink by half of
+// their distance to it, tones above the Highlight level rise by half of theirs; the largest channel counts, and all
+// three channels move together. A Highlight level below the Shadow level is taken as one below it.
+#include <algorithm>
+
 #include "engine/slots.h"
+#include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(421, "Highlight:", &FilterParameters::FilterEqualizeHightlight, {0, 255}),
     Slider(420, "Shadow:", &FilterParameters::FilterEqualizeShadow, {0, 255}),
+    Slider(421, "Highlight:", &FilterParameters::FilterEqualizeHightlight, {0, 255}),
 };
-extern constexpr FilterSlots kEqualize = MakeSlots<kPage>(UnavailableKernel);
+
+/// How far a pixel moves whose largest channel is `tone`.
+static int32_t ShiftOf(int32_t tone, int32_t shadow, int32_t highlight) {
+    if (tone < shadow) return -((shadow - tone) >> 1);
+    return tone > highlight ? (tone - highlight) >> 1 : 0;
+}
+
+static uint8_t ClampByte(int32_t value) {
+    return static_cast<uint8_t>(std::clamp(value, 0, 255));
+}
+
+LMF_MULTIVERSION
+static void ShiftRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width,
+                     const int16_t *__restrict shifts) {
+    for (size_t i = 0; i < width * 3; i += 3) {
+        const int32_t shift = shifts[std::max({from[i], from[i + 1], from[i + 2]})];
+        to[i] = ClampByte(from[i] + shift);
+        to[i + 1] = ClampByte(from[i + 1] + shift);
+        to[i + 2] = ClampByte(from[i + 2] + shift);
+    }
+}
+
+static DibHandle EqualizeKernel(DibHandle source, FilterContext *context) {
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const int32_t shadow = context->FilterEqualizeShadow;
+    const int32_t highlight = std::max(context->FilterEqualizeHightlight, shadow - 1);
+    int16_t shifts[256];
+    for (int32_t tone = 0; tone < 256; tone++) shifts[tone] = static_cast<int16_t>(ShiftOf(tone, shadow, highlight));
+
+    const bool indexed = pass.from.view.bits >= 2 && pass.from.view.bits <= 8;
+    MapPixels(
+        pass,
+        [&](uint32_t pixel) -> uint32_t {
+            const int32_t red = RedOf(pixel), green = GreenOf(pixel), blue = BlueOf(pixel);
+            const int32_t shift = shifts[indexed ? red : std::max({red, green, blue})];
+            if (indexed) return ClampByte(red + shift);
+            return PackColor(ClampByte(red + shift), ClampByte(green + shift), ClampByte(blue + shift));
+        },
+        [&](uint8_t *to, const uint8_t *from, size_t width) { ShiftRow(to, from, width, shifts); });
+    return pass.Finish();
+}
+
+extern constexpr FilterSlots kEqualize = MakeSlots<kPage>(EqualizeKernel);
 
 } // namespace lmf

@@ -1,7 +1,85 @@
+// Normalize: stretches the tones of a picture to the whole scale. The darkest and the brightest percent of the pixels,
+// by their weighted grey, are cut off; what lies between runs from 0 to 254, and only what is cut off above becomes
+// 255. One table serves all three channels. There are no settings.
+#include "filters/histogram/normalize.h"
+
+#include <cstring>
+
 #include "engine/slots.h"
+#include "image/dib_ops.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
-extern constexpr FilterSlots kNormalize = MakeSlots(UnavailableKernel);
+/// Pixels at each weighted grey.
+struct Histogram {
+    uint32_t at[256];
+};
+
+/// Four counts in turn, so that equal neighbours do not wait for each other.
+static void CountRow(const uint8_t *grey, int32_t width, Histogram counts[4]) {
+    int32_t x = 0;
+    for (; x + 4 <= width; x += 4)
+        for (int32_t lane = 0; lane < 4; lane++) counts[lane].at[grey[x + lane]]++;
+    for (; x < width; x++) counts[0].at[grey[x]]++;
+}
+
+/// @return false when memory is short
+static bool CountGreys(const DibLock &picture, Histogram *histogram) {
+    const DibView &view = picture.view;
+    BlockArray<uint8_t> grey(static_cast<uint64_t>(view.width));
+    if (!grey) return false;
+    Histogram counts[4] = {};
+    for (int32_t y = 0; y < view.height; y++) {
+        if (view.bits == 24) {
+            GreyRow(grey.data, view.MemoryRow(y), view.width);
+        } else {
+            for (int32_t x = 0; x < view.width; x++)
+                grey[x] = static_cast<uint8_t>(WeightedGrey(DibGetPixel(picture.image, x, y)));
+        }
+        CountRow(grey.data, view.width, counts);
+    }
+    for (int32_t i = 0; i < 256; i++)
+        histogram->at[i] = counts[0].at[i] + counts[1].at[i] + counts[2].at[i] + counts[3].at[i];
+    return true;
+}
+
+/// The levels between which the tones lie when up to `cut` pixels are left out at each end.
+struct ToneSpan {
+    int32_t low, high;
+
+    ToneSpan(const Histogram &histogram, uint64_t cut) : low(0), high(255) {
+        uint64_t below = histogram.at[0], above = histogram.at[255];
+        while (below <= cut && low < 255) below += histogram.at[++low];
+        while (above <= cut && high > 0) above += histogram.at[--high];
+    }
+};
+
+static ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
+    ToneSpan span(histogram, pixels / 100);
+    if (span.low == span.high) span = ToneSpan(histogram, 0);
+    ToneTable table;
+    for (int32_t level = 0; level < 256; level++) {
+        int32_t value = level < span.low ? 0 : 255;
+        // A picture of one grey keeps it: there is nothing to stretch.
+        if (span.low == span.high && level == span.low)
+            value = level;
+        else if (level >= span.low && level <= span.high)
+            value = 254 * (level - span.low) / (span.high - span.low);
+        table.at[level] = static_cast<uint8_t>(value);
+    }
+    return table;
+}
+
+DibHandle NormalizeKernel(DibHandle source, FilterContext *) {
+    PixelPass pass(source);
+    Histogram histogram;
+    if (!pass || !CountGreys(pass.from, &histogram)) return nullptr;
+    const DibView &view = pass.from.view;
+    MapChannels(pass, StretchTable(histogram, static_cast<uint64_t>(view.width) * static_cast<uint64_t>(view.height)));
+    return pass.Finish();
+}
+
+extern constexpr FilterSlots kNormalize = MakeSlots(NormalizeKernel);
 
 } // namespace lmf

@@ -1,27 +1,234 @@
+// Photo Fine-tune: up to ten corrections in a fixed order, each with its own switch. Normalize and White balance run
+// those filters; "Color temp:" warms (low values) or cools, "Tint:" moves green, both with the lightness kept;
+// saturation, contrast and brightness follow; Highlight, Shadows and Mid-tones lift or lower one range of tones. A step
+// that is off, or on at its neutral value, costs nothing.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
 #include "engine/slots.h"
+#include "filters/histogram/normalize.h"
+#include "filters/histogram/white_balance.h"
+#include "filters/tone/tone_table.h"
+#include "image/hsv.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
+// The bars after the first open at 1000, above their own end: their edits are the way to set the values.
 static constexpr PageControl kPage[] = {
-    Slider(1098, "Brightness:", &FilterParameters::FilterPhotoAdjBright, {1000, 255}).Edit(0, 255),
-    Slider(1096, "Contrast:", &FilterParameters::FilterPhotoAdjCont, {1000, 255}).Edit(0, 255),
-    CheckBox(1099, "", &FilterParameters::FilterPhotoAdjEnableBright),
-    CheckBox(1097, "", &FilterParameters::FilterPhotoAdjEnableCont),
-    CheckBox(1101, "", &FilterParameters::FilterPhotoAdjEnableHighlight),
-    CheckBox(1105, "", &FilterParameters::FilterPhotoAdjEnableMidtone),
-    CheckBox(1091, "", &FilterParameters::FilterPhotoAdjEnableTemp),
-    CheckBox(1093, "", &FilterParameters::FilterPhotoAdjEnableTint),
-    CheckBox(1095, "", &FilterParameters::FilterPhotoAdjEnableSat),
-    CheckBox(1103, "", &FilterParameters::FilterPhotoAdjEnableShadow),
-    OffsetSlider(1100, "Highlight:", &FilterParameters::FilterPhotoAdjHighlight, {1000, 200}, 100).Edit(0, 200),
-    OffsetSlider(1104, "Mid-tones:", &FilterParameters::FilterPhotoAdjMidtone, {1000, 200}, 100).Edit(0, 200),
-    CheckBox(1106, "Normalize", &FilterParameters::FilterPhotoAdjNormalize),
+    Slider(1090, "Color temp:", &FilterParameters::FilterPhotoAdjTemp, {1000, 9000}).Track(11),
+    CheckBox(1091, "Enable", &FilterParameters::FilterPhotoAdjEnableTemp),
+    OffsetSlider(1092, "Tint:", &FilterParameters::FilterPhotoAdjTint, {1000, 200}, 100).Edit(0, 200).Track(12),
+    CheckBox(1093, "Enable", &FilterParameters::FilterPhotoAdjEnableTint),
     OffsetSlider(1094, "Saturation:", &FilterParameters::FilterPhotoAdjSat, {1000, 200}, 100).Edit(0, 200),
-    OffsetSlider(1102, "Shadows:", &FilterParameters::FilterPhotoAdjShadow, {1000, 200}, 100).Edit(0, 200),
-    Slider(1090, "Color temp:", &FilterParameters::FilterPhotoAdjTemp, {1000, 9000}),
-    OffsetSlider(1092, "Tint:", &FilterParameters::FilterPhotoAdjTint, {1000, 200}, 100).Edit(0, 200),
+    CheckBox(1095, "Enable", &FilterParameters::FilterPhotoAdjEnableSat),
+    Slider(1096, "Contrast:", &FilterParameters::FilterPhotoAdjCont, {1000, 255}).Edit(0, 255),
+    CheckBox(1097, "Enable", &FilterParameters::FilterPhotoAdjEnableCont),
+    Slider(1098, "Brightness:", &FilterParameters::FilterPhotoAdjBright, {1000, 255}).Edit(0, 255),
+    CheckBox(1099, "Enable", &FilterParameters::FilterPhotoAdjEnableBright),
+    OffsetSlider(1100, "Highlight:", &FilterParameters::FilterPhotoAdjHighlight, {1000, 200}, 100)
+        .Edit(0, 200)
+        .Track(13),
+    CheckBox(1101, "Enable", &FilterParameters::FilterPhotoAdjEnableHighlight),
+    OffsetSlider(1102, "Shadows:", &FilterParameters::FilterPhotoAdjShadow, {1000, 200}, 100).Edit(0, 200).Track(15),
+    CheckBox(1103, "Enable", &FilterParameters::FilterPhotoAdjEnableShadow),
+    OffsetSlider(1104, "Mid-tones:", &FilterParameters::FilterPhotoAdjMidtone, {1000, 200}, 100).Edit(0, 200).Track(14),
+    CheckBox(1105, "Enable", &FilterParameters::FilterPhotoAdjEnableMidtone),
+    CheckBox(1106, "Normalize", &FilterParameters::FilterPhotoAdjNormalize),
     CheckBox(1107, "White balance", &FilterParameters::FilterPhotoAdjWhitebal),
 };
-extern constexpr FilterSlots kPhotoFineTune = MakeSlots<kPage>(UnavailableKernel);
+
+static uint32_t ClampByte(int32_t value) {
+    return static_cast<uint32_t>(std::clamp(value, 0, 255));
+}
+
+/// Hue in whole degrees, saturation and lightness from 0 to 1. The whole degrees lose a little at each pass.
+struct HslColour {
+    int32_t hue;
+    float saturation, lightness;
+};
+
+static HslColour RgbToHsl(Color pixel) {
+    const auto red = static_cast<float>(RedOf(pixel) / 255.0);
+    const auto green = static_cast<float>(GreenOf(pixel) / 255.0);
+    const auto blue = static_cast<float>(BlueOf(pixel) / 255.0);
+    const float most = std::max({red, green, blue}), least = std::min({red, green, blue});
+    const float delta = most - least;
+    HslColour colour{0, 0.0f, (most + least) * 0.5f};
+    if (delta == 0.0f) return colour;
+    colour.saturation = colour.lightness <= 0.5f ? delta / (most + least) : delta / (2.0f - most - least);
+    float hue;
+    if (red == most)
+        hue = (green - blue) / 6.0f / delta;
+    else if (green == most)
+        hue = (blue - red) / 6.0f / delta + 0.33333334f;
+    else
+        hue = (red - green) / 6.0f / delta + 0.6666667f;
+    if (hue < 0.0f) hue += 1.0f;
+    if (hue > 1.0f) hue -= 1.0f;
+    colour.hue = static_cast<int32_t>(hue * 360.0f);
+    return colour;
+}
+
+/// One channel at the place x of the colour circle, between the levels `low` and `high`.
+static uint32_t HslChannel(float low, float high, float x) {
+    if (x < 0.0f) x += 1.0f;
+    if (x > 1.0f) x -= 1.0f;
+    float level;
+    if (6.0f * x < 1.0f)
+        level = (high - low) * 6.0f * x + low;
+    else if (2.0f * x < 1.0f)
+        level = high;
+    else if (3.0f * x >= 2.0f)
+        level = low;
+    else
+        level = (high - low) * (0.6666667f - x) * 6.0f + low;
+    return static_cast<uint32_t>(static_cast<int32_t>(level * 255.0f)) & 255;
+}
+
+static Color HslToRgb(const HslColour &colour) {
+    const float s = colour.saturation, l = colour.lightness;
+    if (s == 0.0f) {
+        const uint32_t grey = static_cast<uint32_t>(static_cast<int32_t>(l * 255.0f)) & 255;
+        return PackColor(grey, grey, grey);
+    }
+    const float hue = static_cast<float>(colour.hue) / 360.0f;
+    const float high = l < 0.5f ? (s + 1.0f) * l : l + s - l * s;
+    const float low = 2.0f * l - high;
+    return PackColor(HslChannel(low, high, hue + 0.33333334f), HslChannel(low, high, hue),
+                     HslChannel(low, high, hue - 0.33333334f));
+}
+
+/// Moves the channels and brings the lightness back.
+static Color ShiftKeepingLightness(Color pixel, int32_t red, int32_t green, int32_t blue) {
+    HslColour moved = RgbToHsl(
+        PackColor(ClampByte(RedOf(pixel) + red), ClampByte(GreenOf(pixel) + green), ClampByte(BlueOf(pixel) + blue)));
+    moved.lightness = RgbToHsl(pixel).lightness;
+    return HslToRgb(moved);
+}
+
+/// Adds delta to all channels, as far as the first one that meets its limit, so that their differences stay.
+static Color ShiftRgbLimited(Color pixel, int32_t delta) {
+    const int32_t red = RedOf(pixel), green = GreenOf(pixel), blue = BlueOf(pixel);
+    if (delta < 0) delta = -std::min(-delta, std::min({red, green, blue}));
+    if (delta > 0) delta = std::min(delta, 255 - std::max({red, green, blue}));
+    return PackColor(static_cast<uint32_t>(red + delta), static_cast<uint32_t>(green + delta),
+                     static_cast<uint32_t>(blue + delta));
+}
+
+/// New picture with `change` applied to each pixel.
+template <typename Change>
+static DibHandle ChangePixels(DibHandle picture, Change change) {
+    PixelPass pass(picture);
+    if (!pass) return nullptr;
+    MapPixels(pass, change);
+    return pass.Finish();
+}
+
+static DibHandle NormalizeStep(DibHandle picture, FilterContext *context) {
+    return NormalizeKernel(picture, context);
+}
+
+/// The filter's own "Use paper" does not count here.
+static DibHandle WhiteBalanceStep(DibHandle picture, FilterContext *context) {
+    const int32_t usePaper = context->FilterWhiteBalancePaper;
+    context->FilterWhiteBalancePaper = 0;
+    DibHandle balanced = WhiteBalanceKernel(picture, context);
+    context->FilterWhiteBalancePaper = usePaper;
+    return balanced;
+}
+
+static DibHandle TemperatureStep(DibHandle picture, FilterContext *context) {
+    const int32_t kelvin = context->FilterPhotoAdjTemp;
+    const auto warmth =
+        static_cast<int32_t>(kelvin <= 5000 ? (5000 - kelvin) / 4000.0 * 100.0 : (kelvin - 5000) / 4000.0 * -100.0);
+    return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, warmth, 0, -warmth); });
+}
+
+static DibHandle TintStep(DibHandle picture, FilterContext *context) {
+    const int32_t green = context->FilterPhotoAdjTint - 100;
+    return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, 0, green, 0); });
+}
+
+static DibHandle SaturationStep(DibHandle picture, FilterContext *context) {
+    const float scale = 2.0f * (static_cast<float>(context->FilterPhotoAdjSat) / 200.0f);
+    return ChangePixels(picture, [=](Color pixel) {
+        Hsv hsv = RgbToHsv(pixel);
+        hsv.saturation *= scale;
+        return HsvToRgb(hsv);
+    });
+}
+
+static DibHandle ContrastStep(DibHandle picture, FilterContext *context) {
+    ToneTable table;
+    BuildContrastTable(context->FilterPhotoAdjCont - 127, 0, &table);
+    return ApplyToneTableByMode(picture, table, context);
+}
+
+static DibHandle BrightnessStep(DibHandle picture, FilterContext *context) {
+    ToneTable table;
+    for (int32_t i = 0; i < 256; i++)
+        table.at[i] = static_cast<uint8_t>(ClampByte(context->FilterPhotoAdjBright - 127 + i));
+    return ApplyToneTableByMode(picture, table, context);
+}
+
+/// Moves a band of 128 tones by up to 128 levels. The weight follows a wave over the band: at tone `first` + k it is
+/// sin(k / 128 * `degrees` + `start`), from -1 (no change) to 1.
+static DibHandle TonalBandShift(DibHandle picture, int32_t value, int32_t first, double degrees, double start) {
+    const float factor = (static_cast<float>(value) - 100.0f) / 100.0f;
+    int32_t shifts[256] = {};
+    for (int32_t k = 0; k < 128; k++) {
+        const double angle = (k * 0.0078125 * degrees + start) * std::numbers::pi / 180.0;
+        const auto weight = static_cast<float>(std::sin(angle));
+        const auto amount = static_cast<float>((weight + 1.0) * 0.5 * factor);
+        shifts[first + k] = static_cast<int32_t>(amount * 128.0);
+    }
+    return ChangePixels(picture, [&](Color pixel) { return ShiftRgbLimited(pixel, shifts[WeightedGrey(pixel)]); });
+}
+
+static DibHandle HighlightStep(DibHandle picture, FilterContext *context) {
+    return TonalBandShift(picture, context->FilterPhotoAdjHighlight, 128, 180, 270);
+}
+
+static DibHandle ShadowStep(DibHandle picture, FilterContext *context) {
+    return TonalBandShift(picture, context->FilterPhotoAdjShadow, 0, 180, 90);
+}
+
+static DibHandle MidtoneStep(DibHandle picture, FilterContext *context) {
+    return TonalBandShift(picture, context->FilterPhotoAdjMidtone, 64, 360, 270);
+}
+
+struct Step {
+    FilterKernelFunction run;
+    NumberField enable;
+    NumberField value; ///< null for a step without one
+    int32_t neutral;
+};
+
+static constexpr Step kSteps[] = {
+    {NormalizeStep, &FilterParameters::FilterPhotoAdjNormalize, nullptr, 0},
+    {WhiteBalanceStep, &FilterParameters::FilterPhotoAdjWhitebal, nullptr, 0},
+    {TemperatureStep, &FilterParameters::FilterPhotoAdjEnableTemp, &FilterParameters::FilterPhotoAdjTemp, 5000},
+    {TintStep, &FilterParameters::FilterPhotoAdjEnableTint, &FilterParameters::FilterPhotoAdjTint, 100},
+    {SaturationStep, &FilterParameters::FilterPhotoAdjEnableSat, &FilterParameters::FilterPhotoAdjSat, 100},
+    {ContrastStep, &FilterParameters::FilterPhotoAdjEnableCont, &FilterParameters::FilterPhotoAdjCont, 128},
+    {BrightnessStep, &FilterParameters::FilterPhotoAdjEnableBright, &FilterParameters::FilterPhotoAdjBright, 128},
+    {HighlightStep, &FilterParameters::FilterPhotoAdjEnableHighlight, &FilterParameters::FilterPhotoAdjHighlight, 100},
+    {ShadowStep, &FilterParameters::FilterPhotoAdjEnableShadow, &FilterParameters::FilterPhotoAdjShadow, 100},
+    {MidtoneStep, &FilterParameters::FilterPhotoAdjEnableMidtone, &FilterParameters::FilterPhotoAdjMidtone, 100},
+};
+
+static DibHandle PhotoFineTuneKernel(DibHandle source, FilterContext *context) {
+    DibOwner picture(DibClone(source));
+    for (const Step &step : kSteps) {
+        if (!picture) return nullptr;
+        const bool neutral = step.value != nullptr && context->*step.value == step.neutral;
+        if (context->*step.enable != 0 && !neutral) picture.Reset(step.run(picture.handle, context));
+    }
+    return picture.Release();
+}
+
+extern constexpr FilterSlots kPhotoFineTune = MakeSlots<kPage>(PhotoFineTuneKernel);
 
 } // namespace lmf

@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <cstring>
+#include <numeric>
+
+#include "filters/neighbourhood/taps.h"
 
 namespace lmf {
 
@@ -35,34 +38,113 @@ int32_t BuildHalfGaussianKernel(int32_t width, double sigma, BlurKernel *kernel)
     return BuildKernel(width, 0, sigma, kernel);
 }
 
-template <int32_t Channels>
-static void BlurLine(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
+/// Sums of a part of a line that are worked on at once, and taps that are fetched at once, so that all stays in the
+/// first cache whatever the picture and the kernel.
+static constexpr int32_t kPart = 768;
+static constexpr int32_t kTapsAtOnce = 64;
+
+/// What the weights that fall on the line add up to, for the pixels first <= x < last.
+static void SumUsedWeights(const double *kernel, int32_t width, int32_t count, int64_t first, int64_t last,
+                           double *used) {
     const int32_t half = width / 2;
-    for (int32_t x = 0; x < count; x++) {
-        const int32_t first = std::max(half - x, 0);
-        const int32_t last = std::min(width, count - x + half);
-        double used = 0.0;
-        double sums[Channels] = {};
-        for (int32_t k = first; k < last; k++) {
-            used += kernel[k];
-            for (int32_t c = 0; c < Channels; c++) sums[c] += kernel[k] * source[(x - half + k) * Channels + c];
-        }
-        const bool atAnEnd = x < half || x >= count - half;
-        for (int32_t c = 0; c < Channels; c++)
-            destination[x * Channels + c] = static_cast<uint8_t>(atAnEnd ? (sums[c] + 0.5) / used : sums[c] + 0.5);
+    std::fill(used, used + (last - first), 0.0);
+    for (int32_t k = 0; k < width; k++) {
+        const int64_t from = std::max<int64_t>(first, half - k);
+        const int64_t to = std::min<int64_t>(last, static_cast<int64_t>(count) + half - k);
+        for (int64_t x = from; x < to; x++) used[x - first] += kernel[k];
+    }
+}
+
+/// Sums of the bytes from `begin` on. Taps beyond the ends of the line read zeros, which change no sum.
+static void SumPart(const double *kernel, int32_t width, const uint8_t *source, int64_t lineBytes, int32_t channels,
+                    int64_t begin, int32_t size, double *sums) {
+    alignas(64) double line[kPart + kTapsAtOnce * 3];
+    const double *taps[kTapsAtOnce];
+    std::fill(sums, sums + size, 0.0);
+    for (int32_t k = 0; k < width; k += kTapsAtOnce) {
+        const int32_t tapCount = std::min(width - k, kTapsAtOnce);
+        const int64_t start = begin + static_cast<int64_t>(k - width / 2) * channels;
+        const int64_t length = size + (tapCount - 1) * channels;
+        const int64_t inside = std::clamp<int64_t>(-start, 0, length);
+        const int64_t insideEnd = std::clamp<int64_t>(lineBytes - start, inside, length);
+        std::fill(line, line + inside, 0.0);
+        WidenBytes(line + inside, source + start + inside, static_cast<int32_t>(insideEnd - inside));
+        std::fill(line + insideEnd, line + length, 0.0);
+        for (int32_t i = 0; i < tapCount; i++) taps[i] = line + i * channels;
+        AddTaps(sums, taps, kernel + k, tapCount, size);
+    }
+}
+
+static void BlurLine(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count,
+                     int32_t channels) {
+    const int32_t half = width / 2;
+    const int64_t lineBytes = static_cast<int64_t>(count) * channels;
+    alignas(64) double sums[kPart];
+    double used[kPart];
+    for (int64_t begin = 0; begin < lineBytes; begin += kPart) {
+        const auto size = static_cast<int32_t>(std::min<int64_t>(lineBytes - begin, kPart));
+        SumPart(kernel, width, source, lineBytes, channels, begin, size, sums);
+        TruncateSums(destination + begin, sums, 0.5, size);
+
+        const auto renormalise = [&](int64_t first, int64_t last) {
+            first = std::max(first, begin / channels);
+            last = std::min(last, (begin + size) / channels);
+            if (first >= last) return;
+            SumUsedWeights(kernel, width, count, first, last, used);
+            for (int64_t b = first * channels; b < last * channels; b++)
+                destination[b] = static_cast<uint8_t>((sums[b - begin] + 0.5) / used[b / channels - first]);
+        };
+        renormalise(0, half);
+        renormalise(std::max(half, count - half), count);
     }
 }
 
 void BlurLineRgb(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
-    BlurLine<3>(kernel, width, source, destination, count);
+    BlurLine(kernel, width, source, destination, count, 3);
 }
 
 void BlurLineGrey(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
-    BlurLine<1>(kernel, width, source, destination, count);
+    BlurLine(kernel, width, source, destination, count, 1);
 }
 
-/// Blurs the columns of `image` in place, through two buffers of a column each.
-static bool BlurColumns(void *image, const double *kernel, int32_t width, int32_t channels) {
+/// Blurs the columns of a 24-bit or 8-bit picture in place. A strip of columns is worked on at once, narrow enough for
+/// the rows under the kernel to stay in a near cache as doubles.
+static bool BlurColumns(const DibView &view, const double *kernel, int32_t width) {
+    const int32_t half = width / 2, height = view.height;
+    const int64_t lineBytes = static_cast<int64_t>(view.width) * view.bits / 8;
+    const int32_t strip = std::clamp(16384 / width / 64 * 64, 64, kPart);
+    constexpr uint64_t kLine = 64 / sizeof(double);
+    BlockArray<double> block(static_cast<uint64_t>(width) * static_cast<uint64_t>(strip) + kLine);
+    BlockArray<const double *> taps(2 * static_cast<uint64_t>(width));
+    if (!block || !taps) return false;
+    // Row y is at y modulo width; all rows start on a cache line.
+    double *rows = block.data + (kLine - reinterpret_cast<uintptr_t>(block.data) / sizeof(double) % kLine) % kLine;
+    // Listed twice, so that any `width` rows in turn stand side by side.
+    for (int32_t i = 0; i < 2 * width; i++) taps[i] = rows + static_cast<int64_t>(i % width) * strip;
+
+    alignas(64) double sums[kPart];
+    for (int64_t begin = 0; begin < lineBytes; begin += strip) {
+        const auto size = static_cast<int32_t>(std::min<int64_t>(lineBytes - begin, strip));
+        int32_t ready = 0;
+        for (int32_t y = 0; y < height; y++) {
+            for (; ready < height && ready - y < width - half; ready++)
+                WidenBytes(rows + static_cast<int64_t>(ready % width) * strip, view.Row(ready) + begin, size);
+            const int32_t first = std::max(half - y, 0);
+            const int32_t last = std::min(width, height - y + half);
+            std::fill(sums, sums + size, 0.0);
+            AddTaps(sums, taps.data + (y - half + first) % width, kernel + first, last - first, size);
+            if (y < half || y >= height - half)
+                TruncateRatios(view.Row(y) + begin, sums, 0.5, std::accumulate(kernel + first, kernel + last, 0.0),
+                               size);
+            else
+                TruncateSums(view.Row(y) + begin, sums, 0.5, size);
+        }
+    }
+    return true;
+}
+
+/// The same for any depth, through two buffers of a column each.
+static bool BlurColumnsThroughPixels(void *image, const double *kernel, int32_t width, int32_t channels) {
     const DibView view = ViewOf(image);
     const uint64_t bytes = 3 * static_cast<uint64_t>(view.height);
     BlockArray<uint8_t> before(bytes), after(bytes);
@@ -114,7 +196,10 @@ static DibHandle Blur(DibHandle source, double radius, double sigma, int32_t cha
                     BlurLineGrey(weights, width, from.view.Row(y), to.view.Row(y), from.view.width);
             }
         }
-        if (!BlurColumns(to.image, weights, width, channels)) return nullptr;
+        const bool plainBytes = width > 0 && to.view.bits == from.view.bits && to.view.bits == 8u * channels;
+        if (!(plainBytes ? BlurColumns(to.view, weights, width)
+                         : BlurColumnsThroughPixels(to.image, weights, width, channels)))
+            return nullptr;
     }
     to.Unlock();
     return result.Release();

@@ -6,6 +6,7 @@
 #include "common/random.h"
 #include "engine/slots.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -186,13 +187,8 @@ static void AddToPixels(uint8_t *__restrict to, const uint8_t *__restrict from, 
 }
 
 static DibHandle AddNoiseKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
 
     if (context->mode == kModeTrueColor || context->mode == kModeGrey) {
         const NoiseSource noise(context->FilterNoiseLevel, context->FilterNoiseType);
@@ -201,22 +197,21 @@ static DibHandle AddNoiseKernel(DibHandle source, FilterContext *context) {
         const auto add = wholePixels ? AddToPixels : AddToBytes;
         const size_t unit = wholePixels ? 3 : 1;
         const size_t samplesInRow =
-            static_cast<size_t>(from.view.width) * (context->mode == kModeTrueColor && !wholePixels ? 3 : 1);
+            static_cast<size_t>(pass.from.view.width) * (context->mode == kModeTrueColor && !wholePixels ? 3 : 1);
         // Rows of a depth that does not fit the mode may be shorter than the walk.
         const size_t count =
-            std::min(samplesInRow, static_cast<size_t>(std::min(from.view.stride, to.view.stride)) / unit);
+            std::min(samplesInRow, static_cast<size_t>(std::min(pass.from.view.stride, pass.to.view.stride)) / unit);
         const int32_t bias = -(context->FilterNoiseLevel / 2);
-        for (int32_t y = 0; y < from.view.height; y++) {
+        for (int32_t y = 0; y < pass.from.view.height; y++) {
             for (size_t i = 0; i < count; i += kBatch) {
                 uint8_t samples[kBatch];
                 const size_t batch = std::min(kBatch, count - i);
                 DrawSamples(noise, samples, batch);
-                add(to.view.MemoryRow(y) + i * unit, from.view.MemoryRow(y) + i * unit, samples, batch, bias);
+                add(pass.to.view.MemoryRow(y) + i * unit, pass.from.view.MemoryRow(y) + i * unit, samples, batch, bias);
             }
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kAddNoise = MakeSlots<kPage>(AddNoiseKernel);

@@ -7,6 +7,7 @@
 #include "engine/slots.h"
 #include "filters/noise/bgr_rows.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -99,21 +100,16 @@ struct SweepRows {
 };
 
 static DibHandle DespeckleKernel(DibHandle source, FilterContext *) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const int32_t width = pass.from.view.width, height = pass.from.view.height;
 
     const size_t rowBytes = static_cast<size_t>(width) * 3;
     const SweepRows rows(rowBytes, height);
     if (!rows.bytes) return nullptr;
     for (int64_t newest = 0; newest < static_cast<int64_t>(height) + kSequence.back().lag; newest++) {
         if (newest < height)
-            ReadBgrRow(from, static_cast<int32_t>(height - 1 - newest), rows.Row(0, static_cast<int32_t>(newest)));
+            ReadBgrRow(pass.from, static_cast<int32_t>(height - 1 - newest), rows.Row(0, static_cast<int32_t>(newest)));
         for (int32_t i = 0; i < kSweeps; i++) {
             const Sweep &sweep = kSequence[static_cast<size_t>(i)];
             const auto y = static_cast<int32_t>(newest - sweep.lag);
@@ -123,10 +119,9 @@ static DibHandle DespeckleKernel(DibHandle source, FilterContext *) {
                                               rows.Row(i, y - sweep.dy) - sweep.dx * 3, rowBytes);
         }
         const auto done = static_cast<int32_t>(newest - kSequence.back().lag);
-        if (done >= 0) WriteBgrRow(to, height - 1 - done, rows.Row(kSweeps, done));
+        if (done >= 0) WriteBgrRow(pass.to, height - 1 - done, rows.Row(kSweeps, done));
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kDespeckle = MakeSlots(DespeckleKernel);

@@ -9,6 +9,7 @@
 #include "filters/noise/byte_network.h"
 #include "filters/noise/window_width.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -83,16 +84,11 @@ static void MedianStrip7(uint8_t *__restrict to, const uint8_t *const *rows) {
 }
 
 static DibHandle MedianKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const int32_t width = pass.from.view.width, height = pass.from.view.height;
     const int32_t n = std::min(WindowWidth(context->FilterMedianRadius / 100.0, 0.5), kWidestWindow);
     if (width < n || height < n) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
 
     // The rows of the window in turn, one row of white for what lies below the picture, and the row of results.
     const size_t rowBytes = static_cast<size_t>(width) * 3;
@@ -104,19 +100,18 @@ static DibHandle MedianKernel(DibHandle source, FilterContext *context) {
     uint8_t *const white = bufferRow(n), *const medians = bufferRow(n + 1);
     const auto medianStrip = n == 3 ? MedianStrip3 : n == 5 ? MedianStrip5 : MedianStrip7;
 
-    for (int32_t y = 0; y < n - 1; y++) ReadBgrRow(from, y, bufferRow(y));
+    for (int32_t y = 0; y < n - 1; y++) ReadBgrRow(pass.from, y, bufferRow(y));
     for (int32_t y = 0; y < height; y++) {
         const int32_t newest = y + n - 1;
-        if (newest < height) ReadBgrRow(from, newest, bufferRow(newest % n));
+        if (newest < height) ReadBgrRow(pass.from, newest, bufferRow(newest % n));
         for (size_t x = 0; x < rowBytes; x += kStrip) {
             const uint8_t *rows[kWidestWindow];
             for (int32_t i = 0; i < n; i++) rows[i] = (y + i < height ? bufferRow((y + i) % n) : white) + x;
             medianStrip(medians + x, rows);
         }
-        WriteBgrRow(to, y, medians);
+        WriteBgrRow(pass.to, y, medians);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kMedian = MakeSlots<kPage>(MedianKernel);

@@ -9,6 +9,7 @@
 #include "filters/noise/byte_network.h"
 #include "filters/noise/window_width.h"
 #include "image/multiversion.h"
+#include "image/pixel_map.h"
 
 namespace lmf {
 
@@ -67,16 +68,11 @@ using RowFunction = void (*)(uint8_t *__restrict to, const uint8_t *__restrict f
 static constexpr RowFunction kReduceRow[] = {ReduceRow3, ReduceRow5, ReduceRow7, ReduceRow9, ReduceRow11};
 
 static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const int32_t width = pass.from.view.width, height = pass.from.view.height;
     const int32_t n = std::min(WindowWidth(context->Filter_ReduceNoiseRadius / 10.0, 0.5), kWidestWindow);
     if (width < n || height < n) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
 
     const size_t padded = (static_cast<size_t>(width) * 3 + kGroup - 1) / kGroup * kGroup;
     const size_t reach = 3 * (kWidestWindow - 1);
@@ -86,12 +82,11 @@ static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
     std::memset(values, 0xFF, padded + reach);
     const auto reduceRow = kReduceRow[n / 2 - 1];
     for (int32_t y = 0; y < height; y++) {
-        ReadBgrRow(from, y, values);
+        ReadBgrRow(pass.from, y, values);
         reduceRow(reduced, values, padded);
-        WriteBgrRow(to, y, reduced);
+        WriteBgrRow(pass.to, y, reduced);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kReduceNoise = MakeSlots<kPage>(ReduceNoiseKernel);

@@ -33,13 +33,10 @@ static DibHandle InvertColorsKernel(DibHandle source, FilterContext *context) {
     if (context->mode == kModePalette || context->mode == kModeMono) return InvertPalette(source);
     PixelPass pass(source);
     if (!pass) return nullptr;
-    if (context->mode == kModeGrey) {
+    if (context->mode == kModeGrey)
         MapPixels(pass, [](Color value) { return value ^ 0xFF; });
-    } else {
-        MapPixels(
-            pass, [](Color color) { return ~color & 0xFFFFFF; },
-            [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
-    }
+    else
+        MapColors(pass, [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
     return pass.Finish();
 }
 

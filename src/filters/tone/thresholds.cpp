@@ -1,17 +1,80 @@
+// Black Threshold and White Threshold: pixels darker than the level become black, pixels brighter than the level become
+// white; a pixel at exactly the level stays. With "Antialias" the work is done at four times the size.
 #include "engine/slots.h"
+#include "image/multiversion.h"
+#include "image/pixel_map.h"
+#include "image/resample.h"
 
 namespace lmf {
 
 static constexpr PageControl kBlackThresholdPage[] = {
-    CheckBox(261, "Antialias", &FilterParameters::FilterBlackAntialias),
     Slider(260, "Threshold:", &FilterParameters::FilterBlackThresholdLevel, {24, 160}),
+    CheckBox(261, "Antialias", &FilterParameters::FilterBlackAntialias),
 };
-extern constexpr FilterSlots kBlackThreshold = MakeSlots<kBlackThresholdPage>(UnavailableKernel);
 
 static constexpr PageControl kWhiteThresholdPage[] = {
-    CheckBox(1071, "Antialias", &FilterParameters::FilterWhiteAntiAlias),
     Slider(1070, "Threshold:", &FilterParameters::FilterWhiteThresholdLevel, {64, 250}),
+    CheckBox(1071, "Antialias", &FilterParameters::FilterWhiteAntiAlias),
 };
-extern constexpr FilterSlots kWhiteThreshold = MakeSlots<kWhiteThresholdPage>(UnavailableKernel);
+
+LMF_MULTIVERSION
+static void BlackRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, int32_t level) {
+    for (size_t i = 0; i < width * 3; i += 3) {
+        const int32_t kept = WeightedGrey(from[i + 2], from[i + 1], from[i]) < level ? 0 : 0xFF;
+        to[i] = static_cast<uint8_t>(from[i] & kept);
+        to[i + 1] = static_cast<uint8_t>(from[i + 1] & kept);
+        to[i + 2] = static_cast<uint8_t>(from[i + 2] & kept);
+    }
+}
+
+LMF_MULTIVERSION
+static void WhiteRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, int32_t level) {
+    for (size_t i = 0; i < width * 3; i += 3) {
+        const int32_t added = WeightedGrey(from[i + 2], from[i + 1], from[i]) <= level ? 0 : 0xFF;
+        to[i] = static_cast<uint8_t>(from[i] | added);
+        to[i + 1] = static_cast<uint8_t>(from[i + 1] | added);
+        to[i + 2] = static_cast<uint8_t>(from[i + 2] | added);
+    }
+}
+
+/// Depths other than 24 are compared by their raw pixel value.
+static DibHandle MapBlack(DibHandle source, int32_t level) {
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    MapPixels(
+        pass, [level](uint32_t value) { return int64_t{value} < level ? 0 : value; },
+        [level](uint8_t *to, const uint8_t *from, size_t width) { BlackRow(to, from, width, level); });
+    return pass.Finish();
+}
+
+static DibHandle MapWhite(DibHandle source, int32_t level) {
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    MapPixels(
+        pass, [level](uint32_t value) { return int64_t{value} <= level ? value : 255; },
+        [level](uint8_t *to, const uint8_t *from, size_t width) { WhiteRow(to, from, width, level); });
+    return pass.Finish();
+}
+
+/// Runs `map` at 400 percent of the size and comes back.
+static DibHandle MapEnlarged(DibHandle source, int32_t level, DibHandle (*map)(DibHandle, int32_t)) {
+    const DibOwner enlarged(DibScalePercent(source, 400, 400, 0));
+    if (!enlarged) return nullptr;
+    const DibOwner mapped(map(enlarged.handle, level));
+    return DibScalePercent(mapped.handle, 25, 25, 0);
+}
+
+static DibHandle BlackThresholdKernel(DibHandle source, FilterContext *context) {
+    const int32_t level = context->FilterBlackThresholdLevel;
+    return context->FilterBlackAntialias ? MapEnlarged(source, level, MapBlack) : MapBlack(source, level);
+}
+
+static DibHandle WhiteThresholdKernel(DibHandle source, FilterContext *context) {
+    const int32_t level = context->FilterWhiteThresholdLevel;
+    return context->FilterWhiteAntiAlias ? MapEnlarged(source, level, MapWhite) : MapWhite(source, level);
+}
+
+extern constexpr FilterSlots kBlackThreshold = MakeSlots<kBlackThresholdPage>(BlackThresholdKernel);
+extern constexpr FilterSlots kWhiteThreshold = MakeSlots<kWhiteThresholdPage>(WhiteThresholdKernel);
 
 } // namespace lmf

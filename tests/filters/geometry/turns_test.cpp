@@ -30,7 +30,8 @@ TEST(Turns, MoveThePixelsOfASmallPicture) {
 // Every depth has a road of its own, and sides around the size of a block and of a register have their remainders.
 TEST(Turns, AgreeWithTheirDefinitionAtEveryDepth) {
     for (uint32_t bits : {1u, 4u, 8u, 24u, 32u}) {
-        for (auto [width, height] : {std::pair{1, 1}, {5, 1}, {1, 6}, {7, 33}, {33, 7}, {64, 65}, {97, 40}}) {
+        for (auto [width, height] :
+             {std::pair{1, 1}, {5, 1}, {1, 6}, {7, 33}, {33, 7}, {64, 65}, {97, 40}, {150, 83}}) {
             uint32_t state = 77;
             std::vector<uint32_t> pixels(static_cast<size_t>(width * height));
             for (uint32_t &pixel : pixels) pixel = TestRandom(&state);

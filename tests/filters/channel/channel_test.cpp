@@ -1,0 +1,101 @@
+// Channels, Split channels, Add Alpha and Remove Alpha.
+#include <gtest/gtest.h>
+
+#include "support/clipboard.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+using Pixels = std::vector<uint32_t>;
+
+static DibOwner Exchange(DibHandle picture, int32_t mode) {
+    FilterContext context = MakeContext();
+    context.FilterChannelMode = mode;
+    return RunKernel("Channels", picture, &context);
+}
+
+TEST(Channels, EveryModeMovesTheRightChannels) {
+    // Red 1, green 2, blue 3, written as blue green red.
+    static constexpr uint32_t kResults[] = {0x010203, 0x030102, 0x020301, 0x010302, 0x020103, 0x020103,
+                                            0x010302, 0x030102, 0x020301, 0x010203, 0x030101, 0x010201,
+                                            0x030202, 0x020201, 0x030203, 0x030301};
+    for (int32_t mode = 0; mode < 16; mode++) {
+        for (int32_t width : {1, 5, 6, 23}) {
+            const auto count = static_cast<size_t>(width);
+            const DibOwner picture = MakePicture(width, 1, 24, Pixels(count, 0x030201));
+            EXPECT_EQ(PixelsOf(Exchange(picture.handle, mode).handle), Pixels(count, kResults[mode])) << mode;
+        }
+    }
+    const DibOwner picture = RandomPicture(19, 4, kModeTrueColor, 9);
+    EXPECT_TRUE(SamePicture(Exchange(Exchange(picture.handle, 3).handle, 4).handle, picture.handle));
+    const DibOwner deep = MakePicture(1, 1, 32, {0x80030201});
+    EXPECT_EQ(PixelsOf(Exchange(deep.handle, 0).handle), (Pixels{0x010203}));
+}
+
+static DibOwner Split(DibHandle picture, int32_t mode, int32_t remove, bool tint, DibHandle second = nullptr) {
+    FilterContext context = MakeContext();
+    context.FilterSplitMode = mode;
+    context.FilterSplitRemove = remove;
+    context.FilterSplitTint = tint;
+    context.second = second;
+    return RunKernel("Split channels", picture, &context);
+}
+
+TEST(SplitChannels, PlanesHoldThePicturesOwnChannels) {
+    const DibOwner picture = MakePicture(1, 1, 24, {0x3C6EC8}); // red 200, green 110, blue 60
+    // Black removal of 90 percent takes 54 off each ink.
+    static constexpr uint32_t kPlanes[] = {200, 110, 60, 200, 110, 60, 146, 56, 6, 54, 0};
+    for (int32_t mode = 0; mode <= 10; mode++) {
+        const DibOwner plane = Split(picture.handle, mode, 90, false);
+        EXPECT_EQ(PixelsOf(plane.handle), Pixels{kPlanes[mode]}) << mode;
+        EXPECT_EQ(DibClassify(plane.handle), kModeGrey);
+    }
+    EXPECT_EQ(PixelsOf(Split(picture.handle, 9, 0, false).handle), Pixels{0});
+    Palette768 palette;
+    const DibOwner magenta = Split(picture.handle, 7, 90, true);
+    ASSERT_TRUE(DibInfo(magenta.handle, nullptr, nullptr, nullptr, &palette));
+    EXPECT_EQ(palette.At(200), 0xC800C8u);
+    EXPECT_EQ(DibClassify(magenta.handle), kModePalette);
+}
+
+TEST(SplitChannels, AlphaComesFromTheSecondPicture) {
+    const DibOwner picture = RandomPicture(4, 3, kModeTrueColor, 1), alpha = RandomPicture(4, 3, kModeGrey, 2);
+    EXPECT_EQ(PixelsOf(Split(picture.handle, 10, 90, false, alpha.handle).handle), PixelsOf(alpha.handle));
+    const BlockOwner broken(BlockAlloc(3));
+    EXPECT_FALSE(Split(picture.handle, 0, 90, false, broken.handle));
+}
+
+TEST(AddAlpha, TakesAUniformMaskOrTheClipboards) {
+    const DibOwner picture = RandomPicture(3, 2, kModeTrueColor, 1);
+    FilterContext context = MakeContext();
+    context.FilterAddAlphaOpacity = 90;
+    EXPECT_TRUE(SamePicture(RunKernel("Add Alpha", picture.handle, &context).handle, picture.handle));
+    EXPECT_EQ(PixelsOf(context.secondResult), Pixels(6, 90));
+    EXPECT_EQ(DibClassify(context.secondResult), kModeGrey);
+
+    const DibOwner mask = MakePicture(1, 2, 24, {0xFFFFFF, 0x000000});
+    PutOnClipboard(mask.handle);
+    EXPECT_TRUE(RunKernel("Add Alpha", picture.handle, &context));
+    EXPECT_EQ(PixelsOf(context.secondResult), (Pixels{255, 0})) << "the mask keeps its own size";
+    context.FilterAddAlphaUseCBD = 0;
+    EXPECT_TRUE(RunKernel("Add Alpha", picture.handle, &context));
+    EXPECT_EQ(PixelsOf(context.secondResult), Pixels(6, 90));
+    PutOnClipboard(nullptr);
+    BlockFree(context.secondResult);
+}
+
+TEST(RemoveAlpha, LaysThePictureOverThePaper) {
+    const DibOwner picture = MakePicture(3, 1, 24, {0xC80A64, 0xC80A64, 0xC80A64});
+    const DibOwner alpha = MakePicture(2, 1, 8, {128, 0});
+    FilterContext context = MakeContext();
+    context.second = alpha.handle;
+    context.secondResult = DibClone(alpha.handle);
+    // 128 * 200 / 255 + 127 = 227, 128 * 10 / 255 + 127 = 132, 128 * 100 / 255 + 127 = 177; no mask is opaque.
+    EXPECT_EQ(PixelsOf(RunKernel("Remove Alpha", picture.handle, &context).handle),
+              (Pixels{0xE384B1, 0xFFFFFF, 0xC80A64}));
+    EXPECT_EQ(context.secondResult, nullptr);
+    context.second = nullptr;
+    EXPECT_FALSE(RunKernel("Remove Alpha", picture.handle, &context));
+}
+
+} // namespace lmf::testing

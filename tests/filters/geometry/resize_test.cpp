@@ -1,0 +1,47 @@
+#include "filters/geometry/resize.h"
+
+#include <gtest/gtest.h>
+
+#include "image/nearest.h"
+#include "image/resample.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+TEST(Resize, TakesTheRoadThatTheSettingsAskFor) {
+    DibOwner source = RandomPicture(40, 30, kModeTrueColor, 6);
+    FilterContext context = MakeContext();
+    context.FilterResizeHorz = 50;
+    context.FilterResizeVert = 200;
+    context.FilterResizeFilter = 5;
+    context.FilterResizeWidth = 100;
+    context.FilterResizeDepth = 33;
+    const auto makes = [&](DibHandle expected) {
+        DibOwner owned(expected);
+        return SamePicture(RunKernel("Resize", source.handle, &context).handle, expected);
+    };
+    EXPECT_TRUE(makes(DibScaleTo(source.handle, 20, 15, 5)));
+    context.FilterResizeConstant = 0;
+    EXPECT_TRUE(makes(DibScaleTo(source.handle, 20, 60, 5)));
+    context.FilterResizeByDim = 1;
+    EXPECT_TRUE(makes(DibScaleTo(source.handle, 100, 33, 5)));
+    context.FilterResizeConstant = 1;
+    EXPECT_TRUE(makes(DibScaleTo(source.handle, 44, 33, 5)));
+    context.FilterResizeInterpolate = 0;
+    EXPECT_TRUE(makes(DibScaleNearest(source.handle, 50, 50)));
+}
+
+TEST(Resize, PalettesGoByTheHorizontalPercentage) {
+    for (ImageMode mode : {kModePalette, kModeMono}) {
+        DibOwner source = RandomPicture(20, 10, mode, 6);
+        ResizeParameters parameters;
+        parameters.horizontal = 150;
+        parameters.vertical = 20;
+        parameters.byDimensions = true;
+        parameters.width = parameters.depth = 500;
+        DibOwner result(ResizePicture(source.handle, mode, parameters));
+        EXPECT_TRUE(SamePicture(result.handle, DibOwner(DibScaleNearest(source.handle, 150, 150)).handle));
+    }
+}
+
+} // namespace lmf::testing

@@ -1,0 +1,109 @@
+// Each blur against a slow form that follows its arithmetic pixel by pixel, and a few results worked out by hand.
+#include <cmath>
+#include <functional>
+
+#include <gtest/gtest.h>
+
+#include "filters/neighbourhood/gaussian.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+using Line = std::vector<double>;
+
+static DibOwner CopyOf(DibHandle picture) {
+    return DibOwner(DibClone(picture));
+}
+
+/// Calls `change` with each pixel's place and stores what it returns; it sees `result` as it changes.
+static DibOwner Filtered(DibHandle source, const std::function<uint32_t(void *result, int32_t x, int32_t y)> &change) {
+    DibOwner result = CopyOf(source);
+    DibLock lock(result.handle);
+    for (int32_t y = 0; y < lock.view.height; y++) {
+        for (int32_t x = 0; x < lock.view.width; x++) DibSetPixel(lock.image, x, y, change(lock.image, x, y));
+    }
+    lock.Unlock();
+    return result;
+}
+
+static uint32_t ChannelOf(uint32_t pixel, int32_t channel) {
+    return pixel >> (8 * channel) & 255;
+}
+
+/// One pass of the Gaussian blur along rows or columns.
+static DibOwner GaussianPass(DibHandle source, const Line &kernel, bool vertical) {
+    DibLock from(source);
+    const int32_t width = static_cast<int32_t>(kernel.size()), half = width / 2;
+    const int32_t count = vertical ? from.view.height : from.view.width;
+    return Filtered(source, [&](void *, int32_t x, int32_t y) {
+        const int32_t at = vertical ? y : x;
+        uint32_t pixel = 0;
+        for (int32_t c = 0; c < (from.view.bits == 24 ? 3 : 1); c++) {
+            double sum = 0.0, used = 0.0;
+            for (int32_t k = 0; k < width; k++) {
+                const int32_t tap = at - half + k;
+                if (tap < 0 || tap >= count) continue;
+                sum += kernel[static_cast<size_t>(k)] *
+                       ChannelOf(DibGetPixel(from.image, vertical ? x : tap, vertical ? tap : y), c);
+                used += kernel[static_cast<size_t>(k)];
+            }
+            const bool end = at < half || at >= count - half;
+            pixel |= static_cast<uint32_t>(end ? (sum + 0.5) / used : sum + 0.5) << (8 * c);
+        }
+        return pixel;
+    });
+}
+
+static DibOwner SlowGaussian(DibHandle source, const FilterContext &context) {
+    DibLock lock(source);
+    const double nominal = 2 * std::ceil(context.FilterGaussianRadius / 10.0) + 1.0;
+    BlurKernel kernel;
+    const int32_t width = BuildGaussianKernel(
+        std::min(std::min(lock.view.width, lock.view.height), static_cast<int32_t>(nominal)),
+        context.FilterGaussianSigma / 10.0, &kernel);
+    const Line weights(kernel->data, kernel->data + width);
+    return GaussianPass(GaussianPass(source, weights, false).handle, weights, true);
+}
+
+struct Case {
+    int32_t width, height;
+};
+static constexpr Case kSizes[] = {{1, 1},  {2, 1},   {1, 7},    {2, 2},    {3, 5},    {6, 100},
+                                  {17, 9}, {64, 64}, {131, 40}, {200, 33}, {86, 200}, {300, 70}};
+
+static int32_t Between(int32_t low, int32_t high, uint32_t *state) {
+    return low + static_cast<int32_t>((TestRandom(state) >> 8) % static_cast<uint32_t>(high - low + 1));
+}
+
+using SlowFilter = DibOwner (*)(DibHandle, const FilterContext &);
+using Randomise = void (*)(FilterContext *, uint32_t *state);
+
+static void ExpectSame(const char *filter, std::initializer_list<ImageMode> modes, Randomise randomise,
+                       SlowFilter slow) {
+    uint32_t state = 77;
+    for (ImageMode mode : modes) {
+        for (const Case &size : kSizes) {
+            for (int round = 0; round < 4; round++) {
+                DibOwner picture = RandomPicture(size.width, size.height, mode, TestRandom(&state));
+                FilterContext context = MakeContext(mode);
+                context.paperColor = TestRandom(&state) & 0xFFFFFF;
+                randomise(&context, &state);
+                DibOwner fast = RunKernel(filter, picture.handle, &context);
+                EXPECT_TRUE(SamePicture(fast.handle, slow(picture.handle, context).handle))
+                    << filter << ' ' << size.width << 'x' << size.height << " mode " << mode << " round " << round;
+            }
+        }
+    }
+}
+
+TEST(GaussianBlur, AgreesWithTheSlowForm) {
+    ExpectSame(
+        "Gaussian Blur", {kModeTrueColor, kModeGrey},
+        [](FilterContext *context, uint32_t *state) {
+            context->FilterGaussianRadius = Between(10, Between(20, 990, state), state);
+            context->FilterGaussianSigma = Between(10, 100, state);
+        },
+        SlowGaussian);
+}
+
+} // namespace lmf::testing
