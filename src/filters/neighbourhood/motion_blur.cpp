@@ -2,9 +2,11 @@
 // direction of the trail in degrees, 0 up and 90 to the right; "Radius" its length in pixels, doubled; "Depth" how
 // slowly it fades. Where the trail leaves the picture it meets the paper colour.
 #include <cmath>
+#include <cstring>
 
 #include "engine/slots.h"
 #include "filters/neighbourhood/gaussian.h"
+#include "filters/neighbourhood/taps.h"
 
 namespace lmf {
 
@@ -41,13 +43,75 @@ static void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees
     }
 }
 
+/// Any depth, pixel by pixel. Pictures with alpha keep theirs.
+static void BlurThroughPixels(void *to, const DibLock &from, const BlurKernel &kernel, const Shift *shifts,
+                              int32_t taps, Color paper) {
+    for (int32_t y = 0; y < from.view.height; y++) {
+        for (int32_t x = 0; x < from.view.width; x++) {
+            double red = 0.0, green = 0.0, blue = 0.0;
+            for (int32_t i = 0; i < taps; i++) {
+                uint32_t pixel = DibGetPixel(from.image, x + shifts[i].x, y - shifts[i].y);
+                if (pixel == kOutside) pixel = paper;
+                red += (*kernel)[i] * RedOf(pixel);
+                green += (*kernel)[i] * GreenOf(pixel);
+                blue += (*kernel)[i] * BlueOf(pixel);
+            }
+            const uint32_t alpha = DibGetPixel(from.image, x, y) & 0xFF000000;
+            DibSetPixel(to, x, y,
+                        alpha | PackColor(static_cast<uint32_t>(red), static_cast<uint32_t>(green),
+                                          static_cast<uint32_t>(blue)));
+        }
+    }
+}
+
+/// 24-bit pictures. The rows are copied once with paper on both sides, as far as the trail reaches, and one row of
+/// paper stands for all rows below and above; so every tap is a plain line of bytes. False when memory is short.
+static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &kernel, const Shift *shifts,
+                     int32_t tapCount, Color paper) {
+    static constexpr int32_t kPart = 768;
+    const Shift reach = shifts[tapCount - 1];
+    const int64_t before = std::max(-reach.x, 0), after = std::max(reach.x, 0);
+    const int64_t stride = (before + from.width + after) * 3;
+    BlockArray<uint8_t> padded(static_cast<uint64_t>(stride) * (static_cast<uint64_t>(from.height) + 1));
+    BlockArray<const uint8_t *> taps(static_cast<uint64_t>(tapCount));
+    if (!padded || !taps) return false;
+    const size_t lineBytes = static_cast<size_t>(from.width) * 3;
+    uint8_t *paperRow = padded.data + stride * from.height;
+    for (int64_t b = 0; b < stride; b += 3) {
+        paperRow[b] = BlueOf(paper);
+        paperRow[b + 1] = GreenOf(paper);
+        paperRow[b + 2] = RedOf(paper);
+    }
+    for (int32_t y = 0; y < from.height; y++) {
+        uint8_t *row = padded.data + stride * y;
+        std::memcpy(row, paperRow, static_cast<size_t>(before) * 3);
+        std::memcpy(row + before * 3, from.MemoryRow(y), lineBytes);
+        std::memcpy(row + before * 3 + lineBytes, paperRow, static_cast<size_t>(after) * 3);
+    }
+
+    alignas(64) double sums[kPart];
+    for (int32_t y = 0; y < from.height; y++) {
+        for (size_t begin = 0; begin < lineBytes; begin += kPart) {
+            for (int32_t i = 0; i < tapCount; i++) {
+                const int64_t row = static_cast<int64_t>(y) + shifts[i].y;
+                const bool inside = row >= 0 && row < from.height;
+                taps[i] = (inside ? padded.data + stride * row : paperRow) + (before + shifts[i].x) * 3 + begin;
+            }
+            const auto size = static_cast<int32_t>(std::min<size_t>(lineBytes - begin, kPart));
+            std::fill(sums, sums + size, 0.0);
+            AddTaps(sums, taps.data, kernel->data, tapCount, size);
+            TruncateSums(to.MemoryRow(y) + begin, sums, 0.0, size);
+        }
+    }
+    return true;
+}
+
 static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
+    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
     DibLock to(result.handle);
     if (!to) return nullptr;
 
@@ -61,22 +125,10 @@ static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
     if (!shifts) return nullptr;
     FillShifts(&shifts, taps, context->FilterMotionBlurAngle);
 
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            double red = 0.0, green = 0.0, blue = 0.0;
-            for (int32_t i = 0; i < taps; i++) {
-                uint32_t pixel = DibGetPixel(from.image, x + shifts[i].x, y - shifts[i].y);
-                if (pixel == kOutside) pixel = context->paperColor;
-                red += (*kernel)[i] * RedOf(pixel);
-                green += (*kernel)[i] * GreenOf(pixel);
-                blue += (*kernel)[i] * BlueOf(pixel);
-            }
-            const uint32_t alpha = DibGetPixel(from.image, x, y) & 0xFF000000;
-            DibSetPixel(to.image, x, y,
-                        alpha | PackColor(static_cast<uint32_t>(red), static_cast<uint32_t>(green),
-                                          static_cast<uint32_t>(blue)));
-        }
-    }
+    if (from.view.bits != 24)
+        BlurThroughPixels(to.image, from, kernel, shifts.data, taps, context->paperColor);
+    else if (!BlurRows(to.view, from.view, kernel, shifts.data, taps, context->paperColor))
+        return nullptr;
     to.Unlock();
     return result.Release();
 }

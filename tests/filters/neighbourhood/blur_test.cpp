@@ -106,4 +106,52 @@ TEST(GaussianBlur, AgreesWithTheSlowForm) {
         SlowGaussian);
 }
 
+static DibOwner SlowMotion(DibHandle source, const FilterContext &context) {
+    BlurKernel kernel;
+    const double sigma = context.FilterMotionBlurSigma;
+    const int32_t taps = BuildHalfGaussianKernel(2 * context.FilterMotionBlurRadius + 1, sigma, &kernel);
+    const double angle = context.FilterMotionBlurAngle * 3.141592653589793 / 180;
+    const int ox = static_cast<int>(std::sin(angle) * taps), oy = static_cast<int>(std::cos(angle) * taps);
+    const double length = std::sqrt(ox * ox + oy * oy);
+    DibLock from(source);
+    return Filtered(source, [&](void *, int32_t x, int32_t y) {
+        double sums[3] = {};
+        for (int32_t i = 0; i < taps; i++) {
+            uint32_t pixel = DibGetPixel(from.image, x + static_cast<int32_t>(i * ox / length),
+                                         y - static_cast<int32_t>(i * oy / length));
+            if (pixel == kOutside) pixel = context.paperColor;
+            for (int32_t c = 0; c < 3; c++) sums[c] += (*kernel)[i] * ChannelOf(pixel, c);
+        }
+        return PackColor(static_cast<uint32_t>(sums[0]), static_cast<uint32_t>(sums[1]),
+                         static_cast<uint32_t>(sums[2]));
+    });
+}
+
+TEST(MotionBlur, AgreesWithTheSlowForm) {
+    ExpectSame(
+        "Motion Blur", {kModeTrueColor},
+        [](FilterContext *context, uint32_t *state) {
+            context->FilterMotionBlurRadius = Between(5, Between(5, 60, state), state);
+            context->FilterMotionBlurSigma = Between(5, 50, state);
+            context->FilterMotionBlurAngle = Between(0, 359, state);
+        },
+        SlowMotion);
+}
+
+TEST(MotionBlur, TrailsUpAtAngle0AndRightAtAngle90) {
+    DibOwner picture = MakePicture(9, 9, 24);
+    DibLock lock(picture.handle);
+    DibSetPixel(lock.image, 4, 4, 0xFFFFFF);
+    FilterContext context = MakeContext();
+    context.paperColor = 0;
+    for (int32_t angle : {0, 90}) {
+        context.FilterMotionBlurAngle = angle;
+        DibOwner result = RunKernel("Motion Blur", picture.handle, &context);
+        DibLock blurred(result.handle);
+        // A pixel gathers from where the trail leads: the light reaches those below it, or to its left.
+        EXPECT_GT(DibGetPixel(blurred.image, angle ? 0 : 4, angle ? 4 : 8), 0u);
+        EXPECT_EQ(DibGetPixel(blurred.image, angle ? 5 : 4, angle ? 4 : 3), 0u);
+    }
+}
+
 } // namespace lmf::testing
