@@ -2,6 +2,8 @@
 // a lens is zoomed during the exposure. "Displacement" is the step from sample to sample in percent of the distance to
 // the middle, "Cycles" the number of samples.
 #include "engine/slots.h"
+#include "filters/neighbourhood/pixel_sum.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
@@ -9,6 +11,66 @@ static constexpr PageControl kPage[] = {
     HundredthsSlider(1080, "Displacement:", &FilterParameters::FilterZoomBlurDisp, {100, 1000}),
     Slider(1081, "Cycles:", &FilterParameters::FilterZoomBlurCycles, {4, 40}),
 };
+
+/// Where the samples of each column, or of each row, lie.
+struct SampleTable {
+    BlockArray<int32_t> at;     ///< sample i of position x is at [x * cycles + i]
+    BlockArray<int32_t> inside; ///< of a position, the samples before the first one outside the picture
+
+    SampleTable(int32_t length, int32_t cycles)
+        : at(static_cast<uint64_t>(length) * static_cast<uint64_t>(cycles)), inside(static_cast<uint64_t>(length)) {}
+
+    explicit operator bool() const { return at && inside; }
+};
+
+/// Fills the table of one axis: sample i is drawn towards the middle by i steps of `step` percent.
+static void FillSamples(SampleTable *table, int32_t length, int32_t cycles, float step) {
+    const int32_t centre = length / 2;
+    for (int32_t x = 0; x < length; x++) {
+        int32_t *at = table->at.data + static_cast<int64_t>(x) * cycles;
+        const double distance = static_cast<float>(x) - static_cast<float>(centre);
+        int32_t i = 1;
+        at[0] = x;
+        for (; i < cycles; i++) {
+            const float percent = static_cast<float>(i) * step;
+            const double scale = 1.0 - percent / 100.0;
+            at[i] = static_cast<int32_t>(distance * scale + centre);
+            if (at[i] < 0 || at[i] >= length) break;
+        }
+        table->inside[x] = i;
+    }
+}
+
+static void BlurThroughPixels(void *to, const DibLock &from, const SampleTable &columns, const SampleTable &rows,
+                              int32_t cycles) {
+    for (int32_t y = 0; y < from.view.height; y++) {
+        for (int32_t x = 0; x < from.view.width; x++) {
+            const int32_t count = std::min(columns.inside[x], rows.inside[y]);
+            uint32_t red = 0, green = 0, blue = 0;
+            for (int32_t i = 0; i < count; i++) {
+                const uint32_t pixel = DibGetPixel(from.image, columns.at[static_cast<int64_t>(x) * cycles + i],
+                                                   rows.at[static_cast<int64_t>(y) * cycles + i]);
+                red += RedOf(pixel);
+                green += GreenOf(pixel);
+                blue += BlueOf(pixel);
+            }
+            const auto divisor = static_cast<uint32_t>(count);
+            DibSetPixel(to, x, y, PackColor(red / divisor, green / divisor, blue / divisor));
+        }
+    }
+}
+
+/// 24-bit pictures, a row at a time.
+LMF_MULTIVERSION
+static void BlurRow(uint8_t *to, int32_t width, const uint8_t *const *sampleRows, int32_t rowsInside,
+                    const int32_t *columnAt, const int32_t *columnsInside, int32_t cycles) {
+    for (int32_t x = 0; x < width; x++, to += 3, columnAt += cycles) {
+        const int32_t count = std::min(columnsInside[x], rowsInside);
+        PixelSum sum;
+        for (int32_t i = 0; i < count; i++) sum.Add(sampleRows[i] + static_cast<ptrdiff_t>(columnAt[i]) * 3);
+        sum.WriteMean(to, kReciprocals[static_cast<size_t>(count)]);
+    }
+}
 
 static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
@@ -20,28 +82,23 @@ static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
     DibLock to(result.handle);
     if (!to) return nullptr;
 
-    const int32_t centreX = width / 2, centreY = height / 2;
+    // The pixel itself is always a sample.
+    const int32_t cycles = std::max(context->FilterZoomBlurCycles, 1);
     const auto step = static_cast<float>(context->FilterZoomBlurDisp / 100.0);
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            uint32_t pixel = DibGetPixel(from.image, x, y);
-            uint32_t red = RedOf(pixel), green = GreenOf(pixel), blue = BlueOf(pixel), count = 1;
-            for (int32_t i = 1; i < context->FilterZoomBlurCycles; i++) {
-                const float percent = static_cast<float>(i) * step;
-                const double scale = 1.0 - percent / 100.0;
-                const double dx = static_cast<float>(x) - static_cast<float>(centreX);
-                const double dy = static_cast<float>(y) - static_cast<float>(centreY);
-                const auto sampleX = static_cast<int32_t>(dx * scale + centreX);
-                const auto sampleY = static_cast<int32_t>(dy * scale + centreY);
-                if (sampleX < 0 || sampleX >= width || sampleY < 0 || sampleY >= height) break;
-                pixel = DibGetPixel(from.image, sampleX, sampleY);
-                red += RedOf(pixel);
-                green += GreenOf(pixel);
-                blue += BlueOf(pixel);
-                count++;
-            }
-            DibSetPixel(to.image, x, y, PackColor(red / count, green / count, blue / count));
+    SampleTable columns(width, cycles), rows(height, cycles);
+    if (!columns || !rows) return nullptr;
+    FillSamples(&columns, width, cycles, step);
+    FillSamples(&rows, height, cycles, step);
+
+    if (from.view.bits == 24 && cycles <= kMostPixelsOfSum) {
+        const uint8_t *sampleRows[kMostPixelsOfSum];
+        for (int32_t y = 0; y < height; y++) {
+            for (int32_t i = 0; i < rows.inside[y]; i++)
+                sampleRows[i] = from.view.Row(rows.at[static_cast<int64_t>(y) * cycles + i]);
+            BlurRow(to.view.Row(y), width, sampleRows, rows.inside[y], columns.at.data, columns.inside.data, cycles);
         }
+    } else {
+        BlurThroughPixels(to.image, from, columns, rows, cycles);
     }
     to.Unlock();
     return result.Release();

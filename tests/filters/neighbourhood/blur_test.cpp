@@ -154,4 +154,70 @@ TEST(MotionBlur, TrailsUpAtAngle0AndRightAtAngle90) {
     }
 }
 
+static uint32_t MeanOf(const std::vector<uint32_t> &pixels) {
+    uint32_t sums[3] = {};
+    for (uint32_t pixel : pixels) {
+        for (int32_t c = 0; c < 3; c++) sums[c] += ChannelOf(pixel, c);
+    }
+    const auto count = static_cast<uint32_t>(pixels.size());
+    return PackColor(sums[0] / count, sums[1] / count, sums[2] / count);
+}
+
+static DibOwner SlowZoom(DibHandle source, const FilterContext &context) {
+    DibLock from(source);
+    const int width = from.view.width, height = from.view.height, cx = width / 2, cy = height / 2;
+    const auto step = static_cast<float>(context.FilterZoomBlurDisp / 100.0);
+    return Filtered(source, [&](void *, int32_t x, int32_t y) {
+        std::vector<uint32_t> pixels{DibGetPixel(from.image, x, y)};
+        for (int i = 1; i < context.FilterZoomBlurCycles; i++) {
+            const float percent = static_cast<float>(i) * step;
+            const double scale = 1.0 - percent / 100.0;
+            const int sx = static_cast<int>((static_cast<float>(x) - static_cast<float>(cx)) * scale + cx);
+            const int sy = static_cast<int>((static_cast<float>(y) - static_cast<float>(cy)) * scale + cy);
+            if (sx < 0 || sx >= width || sy < 0 || sy >= height) break;
+            pixels.push_back(DibGetPixel(from.image, sx, sy));
+        }
+        return MeanOf(pixels);
+    });
+}
+
+TEST(ZoomBlur, AgreesWithTheSlowForm) {
+    ExpectSame(
+        "Zoom Blur", {kModeTrueColor},
+        [](FilterContext *context, uint32_t *state) {
+            context->FilterZoomBlurDisp = Between(100, 1000, state);
+            context->FilterZoomBlurCycles = Between(4, 40, state);
+        },
+        SlowZoom);
+}
+
+static DibOwner SlowRadial(DibHandle source, const FilterContext &context) {
+    int32_t width = 0, height = 0;
+    DibInfo(source, &width, &height, nullptr, nullptr);
+    const double a = context.FilterRadialBlurAngle * 3.141592653589793 / 180;
+    const double cx = width * 0.5, cy = height * 0.5, r = std::sqrt(cx * cx + cy * cy);
+    const int n = static_cast<int>(std::abs(std::sqrt(r) * (a * 4.0) + 2.0));
+    const double theta = a / (n - 1);
+    return Filtered(source, [&](void *result, int32_t x, int32_t y) {
+        const double dx = x - cx, dy = y - cy, rho = std::sqrt(dx * dx + dy * dy);
+        int step = 1;
+        if (rho != 0) step = std::min(std::max(static_cast<int>(r / rho), 1), n - 1);
+        std::vector<uint32_t> pixels;
+        for (int i = 0; i < n; i += step) {
+            const double phi = i * theta - (n - 1) * theta * 0.5, c = std::cos(phi), s = std::sin(phi);
+            const uint32_t pixel = DibGetPixel(result, static_cast<int>(c * dx + cx - s * dy + 0.5),
+                                               static_cast<int>(s * dx + cy + c * dy + 0.5));
+            pixels.push_back(pixel == kOutside ? context.paperColor : pixel);
+        }
+        return MeanOf(pixels);
+    });
+}
+
+TEST(RadialBlur, AgreesWithTheSlowForm) {
+    ExpectSame(
+        "Radial Blur", {kModeTrueColor},
+        [](FilterContext *context, uint32_t *state) { context->FilterRadialBlurAngle = Between(1, 45, state); },
+        SlowRadial);
+}
+
 } // namespace lmf::testing
