@@ -2,14 +2,119 @@
 // is turned during the exposure. "Angle" is the length of the arc in degrees. The samples come from the picture being
 // written: rows above and pixels to the left are already blurred, which is part of the look.
 #include <cmath>
+#include <cstring>
 
 #include "engine/slots.h"
+#include "filters/neighbourhood/pixel_sum.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
     Slider(700, "Angle:", &FilterParameters::FilterRadialBlurAngle, {1, 45}),
 };
+
+/// The arc in numbers that the whole picture shares. Lengths are in pixels.
+struct Arc {
+    double cx, cy;         ///< middle of the picture
+    double radius;         ///< from the middle to a corner
+    int32_t samples;       ///< on the whole arc, at least 2
+    const double *cosines; ///< of each sample's angle
+    const double *sines;
+};
+
+/// How many samples of the arc are passed over each time at these places: all are taken far out, few near the middle.
+LMF_MULTIVERSION
+static void FillSteps(int32_t *steps, const Arc &arc, int32_t x, int32_t count, double dy) {
+    const double most = arc.samples - 1.0;
+    for (int32_t i = 0; i < count; i++) {
+        const double dx = x + i - arc.cx;
+        const double rho = std::sqrt(dx * dx + dy * dy);
+        const double step = rho != 0.0 ? arc.radius / rho : 1.0;
+        steps[i] = static_cast<int32_t>(step < most ? step : most);
+        steps[i] = steps[i] < 1 ? 1 : steps[i];
+    }
+}
+
+static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
+    const DibView view = ViewOf(image);
+    for (int32_t y = 0; y < view.height; y++) {
+        for (int32_t x = 0; x < view.width; x++) {
+            const double dx = x - arc.cx, dy = y - arc.cy;
+            uint32_t red = 0, green = 0, blue = 0, count = 0;
+            int32_t step;
+            FillSteps(&step, arc, x, 1, dy);
+            for (int32_t i = 0; i < arc.samples; i += step) {
+                const auto sampleX = static_cast<int32_t>(arc.cosines[i] * dx + arc.cx - arc.sines[i] * dy + 0.5);
+                const auto sampleY = static_cast<int32_t>(arc.sines[i] * dx + arc.cy + arc.cosines[i] * dy + 0.5);
+                uint32_t pixel = DibGetPixel(image, sampleX, sampleY);
+                if (pixel == kOutside) pixel = paper;
+                red += RedOf(pixel);
+                green += GreenOf(pixel);
+                blue += BlueOf(pixel);
+                count++;
+            }
+            DibSetPixel(image, x, y, PackColor(red / count, green / count, blue / count));
+        }
+    }
+}
+
+/// Pixels whose samples are placed together, before any of them is written.
+static constexpr int32_t kRun = 64;
+
+/// Places the samples of a run of `count` pixels with the same step: sample k of pixel i lies `offsets[k * kRun + i]`
+/// bytes from the first byte of the rows, or outside the picture if that is negative.
+/// @return whether one lies outside.
+LMF_MULTIVERSION
+static bool PlaceSamples(int32_t *__restrict offsets, const Arc &arc, int32_t step, const DibView &view, int32_t x,
+                         int32_t count, double dy) {
+    const auto width = static_cast<uint32_t>(view.width), height = static_cast<uint32_t>(view.height);
+    const auto stride = static_cast<uint32_t>(view.stride);
+    const double cx = arc.cx, cy = arc.cy;
+    uint32_t outside = 0;
+    for (int32_t k = 0; k < arc.samples; k += step, offsets += kRun) {
+        const double cosine = arc.cosines[k], sine = arc.sines[k];
+        const double sineDy = sine * dy, cosineDy = cosine * dy;
+        for (int32_t i = 0; i < count; i++) {
+            const double dx = x + i - cx;
+            const auto sampleX = static_cast<uint32_t>(static_cast<int32_t>(cosine * dx + cx - sineDy + 0.5));
+            const auto sampleY = static_cast<uint32_t>(static_cast<int32_t>(sine * dx + cy + cosineDy + 0.5));
+            // All ones where a coordinate is outside; the offset is then meaningless, and wraps.
+            const uint32_t out = (sampleX < width ? 0u : ~0u) | (sampleY < height ? 0u : ~0u);
+            offsets[i] = static_cast<int32_t>(((height - 1 - sampleY) * stride + sampleX * 3) | out);
+            outside |= out;
+        }
+    }
+    return outside != 0;
+}
+
+/// 24-bit pictures of up to 2 GiB. Where the samples lie does not depend on the pixels, so a run of places is computed
+/// first; the pixels are then read and written strictly one after the other.
+static void BlurRows(const DibView &view, const Arc &arc, Color paper) {
+    const uint8_t paperPixel[] = {0, BlueOf(paper), GreenOf(paper), RedOf(paper)};
+    int32_t offsets[kMostPixelsOfSum * kRun];
+    int32_t steps[kRun];
+    for (int32_t y = 0; y < view.height; y++) {
+        const double dy = y - arc.cy;
+        for (int32_t x = 0; x < view.width;) {
+            int32_t count = std::min(kRun, view.width - x);
+            FillSteps(steps, arc, x, count, dy);
+            count = static_cast<int32_t>(std::find_if(steps, steps + count, [&](int32_t s) { return s != steps[0]; }) -
+                                         steps);
+            const bool outside = PlaceSamples(offsets, arc, steps[0], view, x, count, dy);
+            const int32_t taken = (arc.samples - 1) / steps[0] + 1;
+            for (int32_t i = 0; i < count; i++) {
+                PixelSum sum;
+                for (int32_t k = 0; k < taken; k++) {
+                    const int32_t offset = offsets[k * kRun + i];
+                    sum.Add(outside && offset < 0 ? paperPixel + 1 : view.bottom + offset);
+                }
+                sum.WriteMean(view.Row(y) + static_cast<int64_t>(x + i) * 3, kReciprocals[static_cast<size_t>(taken)]);
+            }
+            x += count;
+        }
+    }
+}
 
 static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
@@ -21,7 +126,10 @@ static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
     DibLock to(result.handle);
     if (!to) return nullptr;
     for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, x, y));
+        if (from.view.bits == 24)
+            std::memcpy(to.view.Row(y), from.view.Row(y), static_cast<size_t>(width) * 3);
+        else
+            for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, x, y));
     }
 
     const double angle = context->FilterRadialBlurAngle * 3.141592653589793 / 180;
@@ -37,26 +145,12 @@ static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
         sines[i] = std::sin(phi);
     }
 
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            const double dx = x - cx, dy = y - cy;
-            const double rho = std::sqrt(dx * dx + dy * dy);
-            int32_t step = 1;
-            if (rho != 0.0) step = static_cast<int32_t>(std::clamp(std::trunc(radius / rho), 1.0, samples - 1.0));
-            uint32_t red = 0, green = 0, blue = 0, count = 0;
-            for (int32_t i = 0; i < samples; i += step) {
-                const auto sampleX = static_cast<int32_t>(cosines[i] * dx + cx - sines[i] * dy + 0.5);
-                const auto sampleY = static_cast<int32_t>(sines[i] * dx + cy + cosines[i] * dy + 0.5);
-                uint32_t pixel = DibGetPixel(to.image, sampleX, sampleY);
-                if (pixel == kOutside) pixel = context->paperColor;
-                red += RedOf(pixel);
-                green += GreenOf(pixel);
-                blue += BlueOf(pixel);
-                count++;
-            }
-            DibSetPixel(to.image, x, y, PackColor(red / count, green / count, blue / count));
-        }
-    }
+    const Arc arc = {cx, cy, radius, samples, cosines.data, sines.data};
+    const bool smallEnough = to.view.stride * height <= INT32_MAX && samples <= kMostPixelsOfSum;
+    if (to.view.bits == 24 && smallEnough)
+        BlurRows(to.view, arc, context->paperColor);
+    else
+        BlurThroughPixels(to.image, arc, context->paperColor);
     to.Unlock();
     return result.Release();
 }
