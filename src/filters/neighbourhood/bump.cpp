@@ -1,7 +1,68 @@
+// Bump: relief by a 3 x 3 window of small whole weights whose sum is 1, so that flat areas stay. At the edges the
+// missing neighbour is the pixel's own row or column. There are no settings.
 #include "engine/slots.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
-extern constexpr FilterSlots kBump = MakeSlots(UnavailableKernel);
+// The weights:  -1 -1  0
+//               -1  1  1
+//                0  1  1
+LMF_MULTIVERSION
+static void BumpBytes(uint8_t *__restrict to, const uint8_t *__restrict above, const uint8_t *__restrict here,
+                      const uint8_t *__restrict below, ptrdiff_t count, ptrdiff_t channels) {
+    for (ptrdiff_t i = 0; i < count; i++) {
+        const int32_t sum = -above[i - channels] - above[i] - here[i - channels] + here[i] + here[i + channels] +
+                            below[i] + below[i + channels];
+        to[i] = static_cast<uint8_t>(std::clamp(sum, 0, 255));
+    }
+}
+
+/// Pixel (x, y) of the result for any depth and at the edges.
+static uint32_t BumpPixel(const DibLock &from, int32_t x, int32_t y) {
+    const int32_t left = std::max(x - 1, 0), right = std::min(x + 1, from.view.width - 1);
+    const int32_t up = std::max(y - 1, 0), down = std::min(y + 1, from.view.height - 1);
+    const uint32_t minus[] = {DibGetPixel(from.image, left, up), DibGetPixel(from.image, x, up),
+                              DibGetPixel(from.image, left, y)};
+    const uint32_t plus[] = {DibGetPixel(from.image, x, y), DibGetPixel(from.image, right, y),
+                             DibGetPixel(from.image, x, down), DibGetPixel(from.image, right, down)};
+    uint32_t result = 0;
+    for (int32_t shift = 0; shift < 24; shift += 8) {
+        int32_t sum = 0;
+        for (uint32_t pixel : plus) sum += pixel >> shift & 255;
+        for (uint32_t pixel : minus) sum -= pixel >> shift & 255;
+        result |= static_cast<uint32_t>(std::clamp(sum, 0, 255)) << shift;
+    }
+    return result;
+}
+
+static void BumpRow(const DibLock &to, const DibLock &from, int32_t y) {
+    const DibView &view = from.view;
+    const bool plainBytes = view.bits == 24 || view.bits == 8;
+    if (plainBytes && view.width > 2) {
+        const auto channels = static_cast<ptrdiff_t>(view.bits / 8);
+        BumpBytes(to.view.Row(y) + channels, view.Row(std::max(y - 1, 0)) + channels, view.Row(y) + channels,
+                  view.Row(std::min(y + 1, view.height - 1)) + channels, (view.width - 2) * channels, channels);
+    }
+    const int32_t step = plainBytes ? std::max(view.width - 1, 1) : 1;
+    for (int32_t x = 0; x < view.width; x += step) DibSetPixel(to.image, x, y, BumpPixel(from, x, y));
+}
+
+static DibHandle BumpKernel(DibHandle source, FilterContext *) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to) return nullptr;
+    const ImageMode mode = DibClassify(nullptr, from.image);
+    if (mode == kModeTrueColor || mode == kModeGrey)
+        for (int32_t y = 0; y < from.view.height; y++) BumpRow(to, from, y);
+    to.Unlock();
+    return result.Release();
+}
+
+extern constexpr FilterSlots kBump = MakeSlots(BumpKernel);
 
 } // namespace lmf

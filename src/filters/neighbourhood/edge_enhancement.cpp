@@ -1,10 +1,38 @@
+// Edge Enhancement: an integer window that weighs each pixel against its neighbours, in three strengths.
 #include "engine/slots.h"
+#include "filters/neighbourhood/convolve5x5.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(410, "Level:", &FilterParameters::FilterEdgeEnhanceLevel, {0, 2}),
+    Combo(410, "Level:", &FilterParameters::FilterEdgeEnhanceLevel, "Light;Medium;Heavy"),
 };
-extern constexpr FilterSlots kEdgeEnhancement = MakeSlots<kPage>(UnavailableKernel);
+
+/// A window of the centre, its four edge neighbours and its four corner neighbours.
+static constexpr Window5x5 Ring(int16_t centre, int16_t edge, int16_t corner, int16_t divisor) {
+    Window5x5 window{};
+    for (int32_t j = -1; j <= 1; j++)
+        for (int32_t i = -1; i <= 1; i++) window.weights[12 + j * 5 + i] = i != 0 && j != 0 ? corner : edge;
+    window.weights[12] = centre;
+    window.divisor = divisor;
+    return window;
+}
+
+static constexpr Window5x5 kLight = Ring(13, -1, -1, 7);
+static constexpr Window5x5 kMedium = Ring(5, -1, 0, 1);
+static constexpr Window5x5 kHeavy = Ring(9, -1, -1, 5);
+
+static DibHandle EdgeEnhancementKernel(DibHandle source, FilterContext *context) {
+    switch (context->FilterEdgeEnhanceLevel) {
+    case 1:
+        return Convolve5x5(source, kMedium);
+    case 2:
+        return Convolve5x5(source, kHeavy);
+    default:
+        return Convolve5x5(source, kLight);
+    }
+}
+
+extern constexpr FilterSlots kEdgeEnhancement = MakeSlots<kPage>(EdgeEnhancementKernel);
 
 } // namespace lmf

@@ -1,0 +1,17 @@
+// Convolution with a square of weights on a picture that wraps around at its edges.
+#pragma once
+
+#include "engine/filter_context.h"
+
+namespace lmf {
+
+/// Each channel becomes the weighted sum of its square of neighbours, divided by the sum of the weights where that is
+/// neither 0 nor 1, rounded and limited to 0..255. Opposite edges of the picture are neighbours.
+/// @param order   side of the square, odd and no larger than the picture
+/// @param kernel  order * order weights, row after row as the rows lie in memory
+/// @return a new picture of the source's depth and palette (blank unless the context's mode is true colour or grey), or
+/// null.
+[[nodiscard]] DibHandle ConvolveSquare(DibHandle picture, int32_t order, const double *kernel,
+                                       const FilterContext *context);
+
+} // namespace lmf
