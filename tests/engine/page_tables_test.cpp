@@ -97,6 +97,8 @@ TEST_F(Pages, DefaultsLieInTheirRanges) {
         EXPECT_LE(control.edit.min, control.edit.max) << name;
         EXPECT_LE(control.stored.min, control.edit.min) << name;
         EXPECT_GE(control.stored.max, control.edit.max) << name;
+        EXPECT_GE(RestoreValueOf(control), control.stored.min) << name;
+        EXPECT_LE(RestoreValueOf(control), control.stored.max) << name;
         if (control.kind != ControlKind::CheckBox) {
             EXPECT_GE(FactorySettings().*control.number, control.edit.min) << name;
             EXPECT_LE(FactorySettings().*control.number, control.edit.max) << name;

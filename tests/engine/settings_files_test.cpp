@@ -134,19 +134,6 @@ TEST_F(SettingsFiles, LongLinesGoOnAsFurtherLines) {
     EXPECT_EQ(Settings.FilterContrast, 9);
 }
 
-TEST_F(SettingsFiles, EveryKeyReadsItsOwnRow) {
-    for (const ConfigEntry &row : ConfigTable) {
-        if (row.type & kConfigWriteOnly) continue;
-        Settings = FactorySettings();
-        const bool text = row.type & kConfigText;
-        ReadIni(std::string(row.key) + " = " + (text ? "text of its own" : "424242"));
-        if (text)
-            EXPECT_STREQ(row.Text(), "text of its own") << row.key;
-        else
-            EXPECT_EQ(row.Number(), 424242) << row.key;
-    }
-}
-
 TEST_F(SettingsFiles, WritesTheExactLines) {
     ::setenv("SOURCE_DATE_EPOCH", "1000000000", 1);
     ::setenv("TZ", "UTC", 1);
