@@ -58,10 +58,10 @@ static DibHandle MapWhite(DibHandle source, int32_t level) {
 
 /// Runs `map` at 400 percent of the size and comes back.
 static DibHandle MapEnlarged(DibHandle source, int32_t level, DibHandle (*map)(DibHandle, int32_t)) {
-    const DibOwner enlarged(DibScalePercent(source, 400, 400, 0));
+    const DibOwner enlarged(DibScalePercent(source, 400, 400, kWindowAutomatic));
     if (!enlarged) return nullptr;
     const DibOwner mapped(map(enlarged.handle, level));
-    return DibScalePercent(mapped.handle, 25, 25, 0);
+    return DibScalePercent(mapped.handle, 25, 25, kWindowAutomatic);
 }
 
 static DibHandle BlackThresholdKernel(DibHandle source, FilterContext *context) {

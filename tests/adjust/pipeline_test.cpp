@@ -1,0 +1,110 @@
+#include "adjust/pipeline.h"
+
+#include <gtest/gtest.h>
+
+#include "engine/catalogue.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+static FilterContext FactoryContext() {
+    FilterContext context{};
+    ResetAllDefaults(&context);
+    return context;
+}
+
+static DibHandle CloneOf(const DibOwner &picture) {
+    return DibClone(picture.handle);
+}
+
+TEST(AdjustPipeline, WithoutSwitchesThePictureItselfComesBack) {
+    const DibOwner source = MakePicture(2, 1, 32, {0x80112233, 0xFF445566});
+    FilterContext context = FactoryContext();
+    const DibHandle clone = CloneOf(source);
+    const DibOwner result(AdjustPipeline(clone, {}, &context));
+    EXPECT_EQ(result.handle, clone);
+    EXPECT_TRUE(SamePicture(result.handle, source.handle));
+    EXPECT_EQ(AdjustPipeline(nullptr, {{true, true, true, true, true, true}}, &context), nullptr);
+}
+
+TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
+    static const char *const kNames[] = {"Normalize",
+                                         "Color and Intensity",
+                                         "Contrast and Brightness",
+                                         "Hue Saturation Brightness",
+                                         "Sigmoidal Contrast",
+                                         "Equalize"};
+    FilterContext context = FactoryContext();
+    context.FilterRed = 190;
+    context.FilterContrast = 160;
+    context.FilterHSBHue = 220;
+    context.FilterEqualizeShadow = 150;
+    const DibOwner source = RandomPicture(23, 9, kModeTrueColor, 8);
+    for (uint32_t switches = 1; switches < 64; switches++) {
+        AdjustStageSet stages;
+        DibOwner expected(CloneOf(source));
+        for (uint32_t i = 0; i < 6; i++) {
+            stages.isOn[i] = switches >> i & 1;
+            if (stages.isOn[i]) expected = RunKernel(kNames[i], expected.handle, &context, true);
+        }
+        const int64_t blocks = LiveBlocks();
+        const DibOwner result(AdjustPipeline(CloneOf(source), stages, &context));
+        ASSERT_TRUE(SamePicture(result.handle, expected.handle)) << switches;
+        ASSERT_EQ(LiveBlocks(), blocks + 1) << "pictures between the stages must be freed";
+    }
+}
+
+TEST(AdjustPipeline, FactoryContrastRaisesTonesAndDropsAlpha) {
+    const DibOwner source = MakePicture(1, 1, 32, {0x80FF8000});
+    FilterContext context = FactoryContext();
+    const DibOwner result(AdjustPipeline(CloneOf(source), {{false, false, true}}, &context));
+    EXPECT_EQ(PixelsOf(result.handle), (std::vector<uint32_t>{0x00FF8100}));
+}
+
+TEST(AdjustPipeline, AFailedStageIsPassedOver) {
+    const DibOwner source = RandomPicture(5, 4, kModeTrueColor, 3);
+    FilterContext context = FactoryContext();
+    const AdjustStageSet stages{{false, true, true}};
+    DibHandle clone = CloneOf(source);
+    // Nothing can be allocated: both stages fail and the picture survives.
+    FailAllocationAfter(0);
+    DibOwner result(AdjustPipeline(clone, stages, &context));
+    FailAllocationAfter(-1);
+    EXPECT_EQ(result.handle, clone);
+    EXPECT_TRUE(SamePicture(result.handle, source.handle));
+    // Grey pictures make Color and Intensity refuse; the contrast still runs.
+    context.mode = kModeGrey;
+    const DibOwner grey = MakePicture(1, 1, 8, {128});
+    result.Reset(AdjustPipeline(CloneOf(grey), stages, &context));
+    EXPECT_EQ(PixelsOf(result.handle), (std::vector<uint32_t>{129}));
+}
+
+TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {
+    struct Case {
+        int32_t width, height, frameWidth, frameHeight;
+        int32_t baseWidth, baseHeight, x, y;
+    };
+    static constexpr Case kCases[] = {
+        {100, 50, 100, 50, 100, 50, 0, 0},   {10, 11, 100, 50, 10, 11, 45, 19},
+        {300, 100, 100, 100, 99, 33, 0, 33}, // 33 percent
+        {100, 51, 200, 50, 98, 50, 51, 0},   // 98 percent of 51 is 49.98
+        {30, 90, 30, 45, 15, 45, 7, 0},
+    };
+    for (const Case &fit : kCases) {
+        const DibOwner source = RandomPicture(fit.width, fit.height, kModeTrueColor, 2);
+        const AdjustPreview preview = AdjustPreviewBase(source.handle, fit.frameWidth, fit.frameHeight);
+        const DibOwner base(preview.base);
+        int32_t width = 0, height = 0;
+        ASSERT_TRUE(DibInfo(base.handle, &width, &height, nullptr, nullptr));
+        EXPECT_EQ(width, fit.baseWidth);
+        EXPECT_EQ(height, fit.baseHeight);
+        EXPECT_EQ(preview.x, fit.x);
+        EXPECT_EQ(preview.y, fit.y);
+        EXPECT_NE(base.handle, source.handle);
+        EXPECT_EQ(SamePicture(base.handle, source.handle), width == fit.width);
+    }
+    EXPECT_EQ(AdjustPreviewBase(nullptr, 10, 10).base, nullptr);
+    EXPECT_EQ(AdjustPreviewBase(RandomPicture(300, 2, kModeTrueColor, 2).handle, 2, 2).base, nullptr);
+}
+
+} // namespace lmf::testing
