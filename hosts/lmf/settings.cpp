@@ -112,12 +112,19 @@ bool ParseBoolean(const std::string &given, std::string &value) {
     return !value.empty();
 }
 
+std::string AsShown(int64_t hundredths) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f", double(hundredths) / 100);
+    return text;
+}
+
 bool ParseNumber(const Json &setting, const std::string &given, std::string &value, Report &report) {
     const auto &key = setting["key"].get_ref<const std::string &>();
     const bool isColor = setting["type"] == "color";
     const bool isHundredths = setting.value("shown", "") == "hundredths";
     std::string legal =
         std::to_string(setting["min"].get<int64_t>()) + " to " + std::to_string(setting["max"].get<int64_t>());
+    if (isHundredths) legal += ", or " + AsShown(setting["min"]) + " to " + AsShown(setting["max"]);
     std::optional<int64_t> number;
     if (isColor) {
         number = ParseColor(given);

@@ -229,7 +229,7 @@ TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
         {"Gaussian Blur", "xyz=5", "Its settings: FilterGaussianSigma, FilterGaussianRadius"},
         {"Gaussian Blur", "Radius=9", "Legal: 10 to 990"},
         {"Gaussian Blur", "Radius=991", "Legal: 10 to 990"},
-        {"Gaussian Blur", "Radius=0.123", "Legal: 10 to 990"},
+        {"Gaussian Blur", "Radius=0.123", "Legal: 10 to 990, or 0.10 to 9.90"},
         {"Gaussian Blur", "Radius=4-5", "Legal: 10 to 990"},
         {"Gaussian Blur", "Radius=", "Legal: 10 to 990"},
         {"Gaussian Blur", "Radius=99999999999999999999", "Legal: 10 to 990"},
