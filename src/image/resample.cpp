@@ -91,9 +91,6 @@ constexpr ResampleWindow kResampleWindows[16] = {
     {MitchellWeight, 2.0},  {LanczosWeight, 3.0},   {BesselWeight, 3.2383f}, {SincWeight, 4.0},
 };
 
-static constexpr int32_t kWindowMitchell = 12;
-static constexpr int32_t kWindowLanczos = 13;
-
 /// The samples first <= i < first + count of a line that make up one output sample.
 struct Contribution {
     int32_t first;

@@ -15,6 +15,8 @@ inline constexpr const char *kResampleWindowList =
 
 /// Window that takes Mitchell for pictures that gain pixels and Lanczos for all others.
 inline constexpr int32_t kWindowAutomatic = 0;
+inline constexpr int32_t kWindowMitchell = 12;
+inline constexpr int32_t kWindowLanczos = 13;
 
 /// Weight of a sample at the signed distance `x`, in source pixels, by a window of this support.
 using ResampleWeight = double (*)(double x, double support);

@@ -1,10 +1,120 @@
+// Seamless: a picture that repeats without a visible seam. Its halves are laid over each other on both axes and fade
+// from one into the other, so that what were neighbours in the middle of the picture meet where copies join. Palette
+// and mono pictures take each pixel whole from one of the halves, by an even pattern. The result has half the sides of
+// the picture; "Maintain size" brings it back to the picture's size.
 #include "engine/slots.h"
+#include "filters/geometry/resize.h"
+#include "image/dib_ops.h"
+#include "image/multiversion.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
     CheckBox(820, "Maintain size", &FilterParameters::FilterSeamlessMaintain),
 };
-extern constexpr FilterSlots kSeamless = MakeSlots<kPage>(UnavailableKernel);
+
+/// How the halves of one axis fade: a position takes its far half, then more and more of the near one.
+struct Fade {
+    int32_t side;               ///< of the result, half the picture's rounded up
+    int32_t far;                ///< where the far half starts
+    BlockArray<uint16_t> share; ///< of the near half, 0 to 256
+
+    explicit Fade(int32_t length) : side((length + 1) / 2), far(length - side), share(static_cast<uint64_t>(side)) {
+        if (!share) return;
+        for (int32_t i = 0; i < side; i++) {
+            const double t = (i + 0.5) / side;
+            share[i] = static_cast<uint16_t>(t * t * (3.0 - 2.0 * t) * 256.0 + 0.5);
+        }
+    }
+};
+
+/// to = far half to near half along a row, in 256ths; `shares` holds one for every byte.
+LMF_MULTIVERSION
+static void FadeColumns(uint16_t *__restrict to, const uint8_t *__restrict farHalf, const uint8_t *__restrict nearHalf,
+                        const uint16_t *__restrict shares, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        to[i] = static_cast<uint16_t>(farHalf[i] * (256 - shares[i]) + nearHalf[i] * shares[i]);
+}
+
+LMF_MULTIVERSION
+static void FadeRows(uint8_t *__restrict to, const uint16_t *__restrict farHalf, const uint16_t *__restrict nearHalf,
+                     uint32_t share, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        to[i] = static_cast<uint8_t>((farHalf[i] * (256 - share) + nearHalf[i] * share + 32768) >> 16);
+}
+
+/// @return false without memory.
+static bool MixHalves(const DibView &to, const DibView &from, const Fade &columns, const Fade &rows) {
+    const size_t channels = from.bits / 8;
+    const size_t count = static_cast<size_t>(columns.side) * channels;
+    BlockArray<uint16_t> shares(count), farRow(count), nearRow(count);
+    if (!shares || !farRow || !nearRow) return false;
+    for (size_t i = 0; i < count; i++) shares.data[i] = columns.share.data[i / channels];
+    const size_t farBytes = static_cast<size_t>(columns.far) * channels;
+    for (int32_t y = 0; y < rows.side; y++) {
+        const uint8_t *nearHalf = from.Row(y), *farHalf = from.Row(y + rows.far);
+        FadeColumns(nearRow.data, nearHalf + farBytes, nearHalf, shares.data, count);
+        FadeColumns(farRow.data, farHalf + farBytes, farHalf, shares.data, count);
+        FadeRows(to.Row(y), farRow.data, nearRow.data, rows.share[y], count);
+    }
+    return true;
+}
+
+/// Takes pixels whole. The thresholds are those of the ordered 4 x 4 dither of Bayer (1973), turned for the rows so
+/// that both choices do not fall together.
+static void ChooseHalves(void *to, const void *from, const Fade &columns, const Fade &rows) {
+    static constexpr uint8_t kThresholds[4][4] = {
+        {8, 136, 40, 168}, {200, 72, 232, 104}, {56, 184, 24, 152}, {248, 120, 216, 88}};
+    for (int32_t y = 0; y < rows.side; y++) {
+        for (int32_t x = 0; x < columns.side; x++) {
+            const bool nearColumn = columns.share[x] > kThresholds[y & 3][x & 3];
+            const bool nearRow = rows.share[y] > kThresholds[3 - (x & 3)][y & 3];
+            DibSetPixel(to, x, y, DibGetPixel(from, nearColumn ? x : x + columns.far, nearRow ? y : y + rows.far));
+        }
+    }
+}
+
+/// The result without regard to "Maintain size"; the caller owns it.
+static DibHandle OverlapHalves(const DibLock &from, int32_t mode) {
+    const Fade columns(from.view.width), rows(from.view.height);
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    DibOwner result(DibCreate(columns.side, rows.side, &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to || !columns.share || !rows.share) return nullptr;
+    const bool hasChannels = from.view.bits == 8 || from.view.bits == 24 || from.view.bits == 32;
+    if (hasChannels && mode != kModePalette && mode != kModeMono) {
+        if (!MixHalves(to.view, from.view, columns, rows)) return nullptr;
+    } else {
+        ChooseHalves(to.image, from.image, columns, rows);
+    }
+    to.Unlock();
+    return result.Release();
+}
+
+/// Twice the sides, less what an odd side has too much of. Palettes can only be enlarged by whole percentages.
+static DibHandle Enlarge(DibHandle half, int32_t mode, int32_t width, int32_t height) {
+    ResizeParameters parameters;
+    parameters.horizontal = 200;
+    parameters.constant = false;
+    parameters.byDimensions = true;
+    parameters.width = width;
+    parameters.depth = height;
+    DibOwner whole(ResizePicture(half, mode, parameters));
+    int32_t newWidth = 0, newHeight = 0;
+    if (!DibInfo(whole.handle, &newWidth, &newHeight, nullptr, nullptr)) return nullptr;
+    if (newWidth == width && newHeight == height) return whole.Release();
+    return DibCropRect(whole.handle, 0, 0, width, height);
+}
+
+static DibHandle SeamlessKernel(DibHandle source, FilterContext *context) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    DibOwner half(OverlapHalves(from, context->mode));
+    if (!half || context->FilterSeamlessMaintain == 0) return half.Release();
+    return Enlarge(half.handle, context->mode, from.view.width, from.view.height);
+}
+
+extern constexpr FilterSlots kSeamless = MakeSlots<kPage>(SeamlessKernel);
 
 } // namespace lmf

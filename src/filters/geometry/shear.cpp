@@ -1,11 +1,134 @@
+// Shear: leans the picture. "Horizontal" leans it to the right by -30 to 30 degrees, "Vertical" lowers its right side
+// by as much; both are stored with 30 added. The result grows so that nothing is cut, and the new corners take the
+// paper colour.
+#include <cmath>
+#include <cstring>
+#include <numbers>
+
 #include "engine/slots.h"
+#include "filters/geometry/column_lines.h"
+#include "image/dib_ops.h"
+#include "image/multiversion.h"
+#include "image/paper.h"
 
 namespace lmf {
 
+static constexpr int32_t kStoredZero = 30;
 static constexpr PageControl kPage[] = {
-    OffsetSlider(880, "Horizontal:", &FilterParameters::FilterShearDegreeX, {0, 60}, 30),
-    OffsetSlider(881, "Vertical:", &FilterParameters::FilterShearDegreeY, {0, 60}, 30),
+    OffsetSlider(880, "Horizontal:", &FilterParameters::FilterShearDegreeX, {0, 60}, kStoredZero),
+    OffsetSlider(881, "Vertical:", &FilterParameters::FilterShearDegreeY, {0, 60}, kStoredZero),
 };
-extern constexpr FilterSlots kShear = MakeSlots<kPage>(UnavailableKernel);
+
+/// How far the lines of one axis are shifted.
+struct Lean {
+    double slope;   ///< pixels a line
+    double middle;  ///< the line that stays
+    int32_t margin; ///< pixels that the outermost lines need on either side
+
+    Lean(int32_t stored, int32_t lines) : middle((lines - 1) / 2.0) {
+        // Values from elsewhere than the page may be out of range.
+        const double degrees = std::clamp(stored, 0, 2 * kStoredZero) - kStoredZero;
+        slope = std::tan(degrees * std::numbers::pi / 180.0);
+        margin = static_cast<int32_t>(std::min(std::ceil(std::fabs(slope) * middle - 1e-9), 1e9));
+    }
+};
+
+/// A shift by whole pixels and 255ths of one more.
+struct Shift {
+    int32_t pixels;
+    uint32_t fraction;
+
+    explicit Shift(double distance)
+        : pixels(static_cast<int32_t>(std::floor(distance))),
+          fraction(static_cast<uint32_t>((distance - pixels) * 255.0)) {}
+};
+
+LMF_MULTIVERSION
+static void BlendNeighbours(uint8_t *__restrict to, const uint8_t *__restrict line, size_t count, size_t step,
+                            uint32_t fraction) {
+    for (size_t i = 0; i < count; i++)
+        to[i] = static_cast<uint8_t>(
+            static_cast<uint16_t>(line[i + step] * (255 - fraction) + line[i] * fraction + 127) / 255);
+}
+
+/// A line of pixels with a pixel of fill at either end, ready to be blended.
+struct PaddedLine {
+    BlockArray<uint8_t> bytes;
+    int32_t pixels;
+    size_t step; ///< bytes a pixel
+
+    PaddedLine(int32_t pixels, size_t step)
+        : bytes((static_cast<uint64_t>(pixels) + 2) * step), pixels(pixels), step(step) {}
+
+    /// Puts the line into `to`, a line of toPixels pixels, at its place plus the shift. What it leaves free stays.
+    void Blend(uint8_t *to, int32_t toPixels, int32_t place, const uint8_t *line, const uint8_t *fill, Shift shift) {
+        const size_t lineBytes = static_cast<size_t>(pixels) * step;
+        std::memcpy(bytes.data, fill, step);
+        std::memcpy(bytes.data + step, line, lineBytes);
+        std::memcpy(bytes.data + step + lineBytes, fill, step);
+        const int32_t start = place + shift.pixels;
+        const auto count = static_cast<size_t>(std::min(pixels + 1, toPixels - start));
+        BlendNeighbours(to + static_cast<size_t>(start) * step, bytes.data, count * step, step, shift.fraction);
+    }
+};
+
+/// Shifts the rows of `from` into `to`, which is already filled. @return false without memory.
+static bool ShearRows(const DibView &to, const DibView &from, const Lean &lean, const uint8_t *fill) {
+    PaddedLine line(from.width, from.bits / 8);
+    if (!line.bytes) return false;
+    for (int32_t y = 0; y < from.height; y++)
+        line.Blend(to.Row(y), to.width, lean.margin, from.Row(y), fill, Shift(lean.slope * (lean.middle - y)));
+    return true;
+}
+
+/// The same for columns; `to` may be blank. @return false without memory.
+static bool ShearColumns(const DibView &to, const DibView &from, const Lean &lean, const uint8_t *fill) {
+    const ptrdiff_t channels = from.bits / 8;
+    PaddedLine line(from.height, 1);
+    if (!line.bytes) return false;
+    return ForEachColumnLine(to, from, [&](ptrdiff_t i, uint8_t *toLine, const uint8_t *fromLine) {
+        const uint8_t *channelFill = fill + i % channels;
+        std::memset(toLine, *channelFill, static_cast<size_t>(to.height));
+        const auto x = static_cast<double>(i / channels);
+        line.Blend(toLine, to.height, lean.margin, fromLine, channelFill, Shift(lean.slope * (x - lean.middle)));
+    });
+}
+
+/// A side with a margin on both ends; 0 where no picture can be that large.
+static int32_t Widened(int32_t side, int32_t margin) {
+    const int64_t widened = side + int64_t{2} * margin;
+    return widened <= INT32_MAX ? static_cast<int32_t>(widened) : 0;
+}
+
+static DibHandle ShearKernel(DibHandle source, FilterContext *context) {
+    DibLock from(source);
+    // Indexes and bits cannot be blended; the catalogue lets no such picture through.
+    if (!from || (from.view.bits != 8 && from.view.bits != 24 && from.view.bits != 32)) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    const Lean across(context->FilterShearDegreeX, from.view.height);
+    DibOwner leaning(DibCreate(Widened(from.view.width, across.margin), from.view.height, &palette, from.view.bits));
+    DibLock middle(leaning.handle);
+    if (!middle) return nullptr;
+    const uint32_t value = PaperFillValue(context->paperColor, context->mode, from.image);
+    DibFillRect(middle.image, 0, 0, middle.view.width, middle.view.height, value);
+    // The first pixel shows how the fill value lies in memory.
+    uint8_t fill[4] = {};
+    std::memcpy(fill, middle.view.Row(0), from.view.bits / 8);
+    if (!ShearRows(middle.view, from.view, across, fill)) return nullptr;
+
+    const Lean down(context->FilterShearDegreeY, middle.view.width);
+    if (down.margin == 0) {
+        middle.Unlock();
+        return leaning.Release();
+    }
+    DibOwner result(DibCreate(middle.view.width, Widened(from.view.height, down.margin), &palette, from.view.bits));
+    DibLock to(result.handle);
+    if (!to || !ShearColumns(to.view, middle.view, down, fill)) return nullptr;
+    to.Unlock();
+    return result.Release();
+}
+
+extern constexpr FilterSlots kShear = MakeSlots<kPage>(ShearKernel);
 
 } // namespace lmf
