@@ -92,11 +92,7 @@ DibHandle DibCreateSolid(int32_t width, int32_t height, Color color) {
     DibLock lock(solid.handle);
     if (!lock) return nullptr;
     uint8_t *first = lock.view.bottom;
-    for (int32_t x = 0; x < width; x++) {
-        first[x * 3] = BlueOf(color);
-        first[x * 3 + 1] = GreenOf(color);
-        first[x * 3 + 2] = RedOf(color);
-    }
+    for (int32_t x = 0; x < width; x++) StoreBgr(first + static_cast<ptrdiff_t>(x) * 3, color);
     for (int32_t y = 1; y < height; y++) std::memcpy(lock.view.MemoryRow(y), first, static_cast<size_t>(width) * 3);
     lock.Unlock();
     return solid.Release();

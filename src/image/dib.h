@@ -63,6 +63,12 @@ constexpr uint8_t AlphaOf(Color color) {
 constexpr Color PackColor(uint32_t red, uint32_t green, uint32_t blue) {
     return red | green << 8 | blue << 16;
 }
+/// Writes the three bytes of a 24-bit pixel.
+constexpr void StoreBgr(uint8_t *bgr, Color color) {
+    bgr[0] = BlueOf(color);
+    bgr[1] = GreenOf(color);
+    bgr[2] = RedOf(color);
+}
 
 /// The library's usual luminance, 0 to 255. Three truncating divisions: a neutral 100 gives 98.
 constexpr int32_t WeightedGrey(int32_t red, int32_t green, int32_t blue) {

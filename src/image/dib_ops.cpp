@@ -2,9 +2,12 @@
 
 #include <cstring>
 
+#include "image/div255.h"
 #include "image/hsv.h"
 #include "image/multiversion.h"
 #include "image/pixel_map.h"
+#include "image/reverse.h"
+#include "image/rows.h"
 
 namespace lmf {
 
@@ -80,12 +83,6 @@ DibHandle DibFlipVertical(DibHandle source) {
     return result.Release();
 }
 
-template <int kBytes>
-static void ReverseRow(uint8_t *__restrict to, const uint8_t *__restrict from, int32_t width) {
-    const uint8_t *last = from + static_cast<ptrdiff_t>(width - 1) * kBytes;
-    for (int32_t x = 0; x < width; x++, to += kBytes, last -= kBytes) std::memcpy(to, last, kBytes);
-}
-
 DibHandle DibFlipHorizontal(DibHandle source) {
     DibLock from(source);
     if (!from) return nullptr;
@@ -94,19 +91,11 @@ DibHandle DibFlipHorizontal(DibHandle source) {
     if (!to) return nullptr;
     const int32_t width = from.view.width;
     for (int32_t y = 0; y < from.view.height; y++) {
-        switch (from.view.bits) {
-        case 8:
-            ReverseRow<1>(to.view.Row(y), from.view.Row(y), width);
-            break;
-        case 24:
-            ReverseRow<3>(to.view.Row(y), from.view.Row(y), width);
-            break;
-        case 32:
-            ReverseRow<4>(to.view.Row(y), from.view.Row(y), width);
-            break;
-        default:
-            for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, width - 1 - x, y));
+        if (HasByteRows(from.view.bits)) {
+            ReversePixels(to.view.Row(y), from.view.Row(y), static_cast<size_t>(width), from.view.bits / 8);
+            continue;
         }
+        for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, width - 1 - x, y));
     }
     to.Unlock();
     return result.Release();
@@ -179,39 +168,9 @@ int32_t DibCopyRect(void *to, int32_t toX, int32_t toY, const void *from, int32_
 
 Color DarkroomPaperColor = 0xFFFFFF;
 
-/// value / 255 for values up to 65534, in 16 bits, so that a loop over bytes runs in wide lanes.
-static inline uint16_t Div255(uint16_t value) {
-    return static_cast<uint16_t>((value + 1 + (value >> 8)) >> 8);
-}
-
-static inline uint8_t ByteGrey(uint8_t red, uint8_t green, uint8_t blue) {
-    return static_cast<uint8_t>(Div255(static_cast<uint16_t>(red * 77)) + Div255(static_cast<uint16_t>(green * 150)) +
-                                Div255(static_cast<uint16_t>(blue * 28)));
-}
-
-/// The share of a channel in a mix of two by a weight of 0 to 255, each part truncated on its own.
-static inline uint8_t MixBytes(uint8_t channel, uint8_t other, uint8_t otherWeight) {
-    return static_cast<uint8_t>(Div255(static_cast<uint16_t>(channel * (255 - otherWeight))) +
-                                Div255(static_cast<uint16_t>(other * otherWeight)));
-}
-
-LMF_MULTIVERSION
-void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t width) {
-    for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
-}
-
 LMF_MULTIVERSION
 static void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgra[x * 4 + 2], bgra[x * 4 + 1], bgra[x * 4]);
-}
-
-LMF_MULTIVERSION
-static void DropAlphaRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width) {
-    for (int32_t x = 0; x < width; x++) {
-        bgr[x * 3] = bgra[x * 4];
-        bgr[x * 3 + 1] = bgra[x * 4 + 1];
-        bgr[x * 3 + 2] = bgra[x * 4 + 2];
-    }
 }
 
 /// Lays a 32-bit row over a colour.
@@ -277,33 +236,11 @@ DibHandle DibToGrey(DibHandle source) {
     return result.Release();
 }
 
-static void StoreColor(uint8_t *bgr, Color color) {
-    bgr[0] = BlueOf(color);
-    bgr[1] = GreenOf(color);
-    bgr[2] = RedOf(color);
-}
-
-DibHandle DibThroughPalette(const DibLock &source, const Palette768 &palette) {
-    const int32_t width = source.view.width;
-    DibOwner result(DibCreate(width, source.view.height, nullptr, 24));
+static DibHandle ToRgbThrough(const DibLock &from, const Palette768 &palette) {
+    DibOwner result(DibCreate(from.view.width, from.view.height, nullptr, 24));
     DibLock to(result.handle);
     if (!to) return nullptr;
-    Color colors[256];
-    for (uint32_t i = 0; i < 256; i++) colors[i] = palette.At(i);
-    for (int32_t y = 0; y < source.view.height; y++) {
-        const uint8_t *fromRow = source.view.Row(y);
-        uint8_t *row = to.view.Row(y);
-        switch (source.view.bits) {
-        case 24:
-            std::memcpy(row, fromRow, static_cast<size_t>(width) * 3);
-            break;
-        case 8:
-            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, colors[fromRow[x]]);
-            break;
-        default:
-            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, colors[DibGetPixel(source.image, x, y) & 255]);
-        }
-    }
+    for (int32_t y = 0; y < from.view.height; y++) ReadRgbRow(to.view.MemoryRow(y), from, palette, y);
     to.Unlock();
     return result.Release();
 }
@@ -311,25 +248,18 @@ DibHandle DibThroughPalette(const DibLock &source, const Palette768 &palette) {
 DibHandle DibToRgb(DibHandle source) {
     DibLock from(source);
     if (!from) return nullptr;
-    if (from.view.bits <= 8 || from.view.bits == 24) {
-        Palette768 palette;
-        DibReadPalette(from.image, &palette);
-        if (from.view.bits == 1) palette = {{0, 0, 0, 255, 255, 255}};
-        return DibThroughPalette(from, palette);
-    }
-    const int32_t width = from.view.width;
-    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    for (int32_t y = 0; y < from.view.height; y++) {
-        uint8_t *row = to.view.Row(y);
-        if (from.view.bits == 32)
-            DropAlphaRow(row, from.view.Row(y), width);
-        else
-            std::memset(row, 0xFF, static_cast<size_t>(width) * 3);
-    }
-    to.Unlock();
-    return result.Release();
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    if (from.view.bits == 1) palette = {{0, 0, 0, 255, 255, 255}};
+    return ToRgbThrough(from, palette);
+}
+
+DibHandle ExpandToRgb(DibHandle source) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    return ToRgbThrough(from, palette);
 }
 
 DibHandle DibAlphaToGrey(DibHandle source) {
@@ -367,7 +297,7 @@ DibHandle DibFlattenOnColor(DibHandle source, Color background) {
         }
         for (int32_t x = 0; x < width; x++) {
             const uint32_t value = DibGetPixel(from.image, x, y);
-            StoreColor(row + x * 3, MixColorBytes(background, value, AlphaOf(value)));
+            StoreBgr(row + static_cast<ptrdiff_t>(x) * 3, MixColorBytes(background, value, AlphaOf(value)));
         }
     }
     to.Unlock();
@@ -414,9 +344,10 @@ DibHandle DibColorize(DibHandle source, Color level0, Color level255) {
         const uint8_t *fromRow = from.view.Row(y);
         uint8_t *row = to.view.Row(y);
         if (from.view.bits == 8) {
-            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, ramp[fromRow[x]]);
+            for (int32_t x = 0; x < width; x++) StoreBgr(row + static_cast<ptrdiff_t>(x) * 3, ramp[fromRow[x]]);
         } else {
-            for (int32_t x = 0; x < width; x++) StoreColor(row + x * 3, ramp[DibGetPixel(from.image, x, y) & 255]);
+            for (int32_t x = 0; x < width; x++)
+                StoreBgr(row + static_cast<ptrdiff_t>(x) * 3, ramp[DibGetPixel(from.image, x, y) & 255]);
         }
     }
     to.Unlock();

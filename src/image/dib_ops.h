@@ -12,12 +12,10 @@ namespace lmf {
 [[nodiscard]] DibHandle DibCropRect(DibHandle source, int32_t left, int32_t top, int32_t right, int32_t bottom);
 /// 8-bit grey: WeightedGrey of true colour, but the table entry's red byte of indexed pictures.
 [[nodiscard]] DibHandle DibToGrey(DibHandle source);
-/// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
-void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
-/// 24-bit picture of a picture's pixel values looked up in `palette`; 24-bit sources are copied.
-[[nodiscard]] DibHandle DibThroughPalette(const DibLock &source, const Palette768 &palette);
 /// 24-bit: a 1-bit picture becomes black and white whatever its table holds; alpha is dropped.
 [[nodiscard]] DibHandle DibToRgb(DibHandle source);
+/// The same, but 1-bit pictures too go through their table.
+[[nodiscard]] DibHandle ExpandToRgb(DibHandle source);
 /// 8-bit grey picture of the alpha bytes.
 [[nodiscard]] DibHandle DibAlphaToGrey(DibHandle source);
 /// 24-bit: a 32-bit picture laid over a colour by its alpha.

@@ -1,0 +1,70 @@
+#include "image/rows.h"
+
+#include <cstring>
+
+#include "image/div255.h"
+#include "image/multiversion.h"
+
+namespace lmf {
+
+LMF_MULTIVERSION
+void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t width) {
+    for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
+}
+
+LMF_MULTIVERSION
+static void DropAlphaRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width) {
+    for (int32_t x = 0; x < width; x++) {
+        bgr[x * 3] = bgra[x * 4];
+        bgr[x * 3 + 1] = bgra[x * 4 + 1];
+        bgr[x * 3 + 2] = bgra[x * 4 + 2];
+    }
+}
+
+void PackMonoRow(uint8_t *row, const uint8_t *flags, int32_t width) {
+    for (int32_t x = 0; x < width; x += 8) {
+        // Eight flags read as one number, the first in the low byte; the product gathers them in its top byte, the
+        // first in the top bit.
+        uint64_t eight = 0;
+        for (int32_t i = 0; i < 8; i++) eight |= static_cast<uint64_t>(flags[x + i]) << (8 * i);
+        row[x / 8] = static_cast<uint8_t>(eight * 0x8040201008040201u >> 56);
+    }
+}
+
+void PackNibbleRow(uint8_t *row, const uint8_t *indexes, int32_t width) {
+    for (int32_t x = 0; x < width; x += 2) row[x / 2] = static_cast<uint8_t>(indexes[x] << 4 | indexes[x + 1]);
+}
+
+void ReadRgbRow(uint8_t *bgr, const DibLock &picture, const Palette768 &palette, int32_t memoryRow) {
+    const int32_t width = picture.view.width, y = picture.view.height - 1 - memoryRow;
+    const uint8_t *from = picture.view.MemoryRow(memoryRow);
+    switch (picture.view.bits) {
+    case 24:
+        std::memcpy(bgr, from, static_cast<size_t>(width) * 3);
+        return;
+    case 32:
+        DropAlphaRow(bgr, from, width);
+        return;
+    case 8:
+        for (int32_t x = 0; x < width; x++) StoreBgr(bgr + static_cast<ptrdiff_t>(x) * 3, palette.At(from[x]));
+        return;
+    default:
+        for (int32_t x = 0; x < width; x++) {
+            const uint32_t value = DibGetPixel(picture.image, x, y);
+            StoreBgr(bgr + static_cast<ptrdiff_t>(x) * 3, picture.view.bits > 8 ? value : palette.At(value & 255));
+        }
+    }
+}
+
+RgbRows::RgbRows(const DibLock &locked)
+    : picture(locked), buffer(locked.view.bits == 24 ? 0 : static_cast<uint64_t>(locked.view.width) * 3) {
+    DibReadPalette(picture.image, &palette);
+}
+
+const uint8_t *RgbRows::MemoryRow(int32_t y) {
+    if (picture.view.bits == 24) return picture.view.MemoryRow(y);
+    ReadRgbRow(buffer.data, picture, palette, y);
+    return buffer.data;
+}
+
+} // namespace lmf

@@ -1,0 +1,35 @@
+// Rows of pixels in other forms: as 24-bit colours, as grey, as packed bits.
+#pragma once
+
+#include "image/dib.h"
+
+namespace lmf {
+
+/// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
+void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
+
+/// Packs one byte a pixel, 0 or 1, into the bits of a 1-bit row. `flags` has room for `width` rounded up to 8; what
+/// lies behind `width` must be 0.
+void PackMonoRow(uint8_t *row, const uint8_t *flags, int32_t width);
+/// Packs one byte a pixel, 0 to 15, into the nibbles of a 4-bit row. `indexes` is readable up to an even width; what
+/// lies behind `width` must be 0.
+void PackNibbleRow(uint8_t *row, const uint8_t *indexes, int32_t width);
+
+/// Writes a row, counted as rows lie in memory, as 24-bit pixels: indexes go through the palette, alpha is dropped,
+/// depths that cannot be read give what DibGetPixel says.
+void ReadRgbRow(uint8_t *bgr, const DibLock &picture, const Palette768 &palette, int32_t memoryRow);
+
+/// The rows of a locked picture as 24-bit pixels. Borrows the lock.
+struct RgbRows {
+    const DibLock &picture;
+    Palette768 palette; ///< the picture's own
+    BlockArray<uint8_t> buffer;
+
+    explicit RgbRows(const DibLock &picture);
+    /// False when there was no memory.
+    explicit operator bool() const { return picture.view.bits == 24 || buffer; }
+    /// A row counted as rows lie in memory, good until the next call.
+    const uint8_t *MemoryRow(int32_t y);
+};
+
+} // namespace lmf
