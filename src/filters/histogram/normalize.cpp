@@ -6,8 +6,8 @@
 #include <cstring>
 
 #include "engine/slots.h"
-#include "image/dib_ops.h"
 #include "image/pixel_map.h"
+#include "image/rows.h"
 
 namespace lmf {
 

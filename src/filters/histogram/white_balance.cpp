@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "engine/slots.h"
-#include "image/dib_ops.h"
 #include "image/pixel_map.h"
+#include "image/rows.h"
 
 namespace lmf {
 
