@@ -89,7 +89,8 @@ struct SlowTree {
     }
 };
 
-static void ExpectSlowPalette(DibHandle picture, uint32_t wanted, int32_t depth) {
+static void ExpectSlowPalette(DibHandle picture, uint32_t wanted) {
+    const int32_t depth = wanted < 16 ? 2 : wanted < 64 ? 3 : wanted < 256 ? 4 : 5;
     SlowTree tree;
     DibLock lock(picture);
     for (int32_t y = lock.view.height - 1; y >= 0; y--) {
@@ -109,33 +110,43 @@ static void ExpectSlowPalette(DibHandle picture, uint32_t wanted, int32_t depth)
 }
 
 TEST(OctreePalette, AgreesWithTheSlowTree) {
-    struct Wanted {
-        uint32_t colors;
-        int32_t depth;
-    };
-    for (const Wanted &wanted : {Wanted{256, 5}, Wanted{64, 4}, Wanted{16, 3}, Wanted{3, 2}, Wanted{1, 2}}) {
-        for (uint32_t seed : {1u, 2u}) {
-            ExpectSlowPalette(RandomPicture(61, 47, kModeTrueColor, seed).handle, wanted.colors, wanted.depth);
-            // Colours close to the middles of the upper cells, so that nodes go before their descendants do, and
-            // levels so few that many errors are equal.
-            for (uint32_t levels : {4u, 24u}) {
-                uint32_t state = seed;
-                std::vector<uint32_t> pixels(3000);
-                for (uint32_t &pixel : pixels) {
-                    pixel = 0;
-                    for (int32_t c = 0; c < 3; c++) pixel = pixel << 8 | (120 + TestRandom(&state) / 64 % levels);
-                    if (TestRandom(&state) / 64 % 4 == 0) pixel ^= 0x404040;
-                }
-                DibOwner picture = MakePicture(60, 50, 24, pixels);
-                Palette768 palette;
-                uint32_t count = wanted.colors;
-                ASSERT_TRUE(OctreePalette(picture.handle, &palette, &count));
-                if (levels * levels * levels > 256)
-                    ExpectSlowPalette(picture.handle, wanted.colors, wanted.depth);
-                else if (count < 128)
-                    ExpectSlowPalette(picture.handle, std::min(wanted.colors, 64u), wanted.depth);
-            }
+    DibOwner random = RandomPicture(61, 47, kModeTrueColor, 1);
+    for (uint32_t wanted : {1u, 3u, 16u, 64u, 256u}) ExpectSlowPalette(random.handle, wanted);
+    // Colours around the middles of the upper cells, so that nodes go before their descendants do, and few enough for
+    // equal errors. Every number of colours, since passes end between any two.
+    for (uint32_t levels : {8u, 24u}) {
+        uint32_t state = levels;
+        std::vector<uint32_t> pixels(1500);
+        for (uint32_t &pixel : pixels) {
+            for (int32_t c = 0; c < 3; c++) pixel = pixel << 8 | (128 - levels / 2 + TestRandom(&state) / 64 % levels);
+            if (TestRandom(&state) / 64 % 4 == 0) pixel ^= 0x404040;
+            pixel &= 0xFFFFFF;
         }
+        DibOwner picture = MakePicture(50, 30, 24, pixels);
+        for (uint32_t wanted = 1; wanted <= 256; wanted++) ExpectSlowPalette(picture.handle, wanted);
+    }
+}
+
+TEST(OctreePalette, CountsWhatAPassVisited) {
+    // The far corners of eight cells of the second level, each with an error of 2976.75.
+    std::vector<uint32_t> corners;
+    for (uint32_t i = 0; i < 8; i++)
+        corners.push_back(PackColor(128 + (i & 1) * 127, 128 + (i >> 1 & 1) * 127, 128 + (i >> 2) * 127));
+    // Two colours around the middle of a cell of the first level, which goes before the cells below it: they count once
+    // more, and their error of 2610.75 is the next threshold, for a pass that merges nothing.
+    std::vector<uint32_t> around = corners, equal = corners;
+    around.insert(around.end(), {0x424242, 0x3D3D3D});
+    // Twice two colours whose cells of both levels have an error of 1537.5: these go in one pass, the lower ones first.
+    equal.insert(equal.end(),
+                 {PackColor(47, 47, 48), PackColor(47, 48, 48), PackColor(175, 47, 48), PackColor(175, 48, 48)});
+    for (const std::vector<uint32_t> &pixels : {around, equal}) {
+        DibOwner picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
+        ExpectSlowPalette(picture.handle, 9);
+        Palette768 palette;
+        uint32_t count = 9;
+        ASSERT_TRUE(OctreePalette(picture.handle, &palette, &count));
+        EXPECT_EQ(count, 9u);
+        EXPECT_EQ(palette.At(7), 0xFFFFFFu);
     }
 }
 
