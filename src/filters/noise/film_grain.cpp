@@ -3,14 +3,13 @@
 // picture; Normalize, on at first, stretches the tones back afterwards.
 #include "common/random.h"
 #include "engine/slots.h"
+#include "filters/histogram/normalize.h"
 #include "filters/neighbourhood/gaussian.h"
 #include "filters/noise/bgr_rows.h"
 #include "image/multiversion.h"
 #include "image/pixel_map.h"
 
 namespace lmf {
-
-extern const FilterSlots kNormalize;
 
 static constexpr PageControl kPage[] = {
     Slider(1140, "Density:", &FilterParameters::FilterFilmgrainBlur, {0, 40}),
@@ -84,7 +83,7 @@ static DibHandle FilmGrainKernel(DibHandle source, FilterContext *context) {
     grain.Reset();
     DibOwner result(pass.Finish());
     if (context->FilterFilmgrainNormalize != 0) {
-        if (DibHandle normalized = kNormalize.FilterKernel(result.handle, context)) return normalized;
+        if (DibHandle normalized = NormalizeKernel(result.handle, context)) return normalized;
     }
     return result.Release();
 }
