@@ -19,6 +19,7 @@ static constexpr PageControl kPage[] = {
 
 enum NoiseType : int32_t { kGaussian, kMultiplicative, kImpulse, kLaplacian, kPoisson };
 
+static constexpr double kTwoPi = 6.283185307179586;
 static constexpr uint32_t kDraws = kRandomMax + 1;
 /// Numbers that are drawn at a time.
 static constexpr size_t kBatch = 2048;
@@ -60,11 +61,11 @@ static double LaplacianNoise(double a, double u) {
 /// A distribution, as tables over the draws where these decide alone: a draw has few values, a picture many pixels.
 struct NoiseSource {
     int32_t type;
-    double a;                    ///< the intensity
-    double poissonEnd;           ///< where the product of a Poisson sample ends
-    BlockArray<uint8_t> levels;  ///< the sample of a draw: multiplicative, impulse and Laplacian noise
-    BlockArray<double> distance; ///< the polar method (G. E. P. Box and M. E. Muller, 1958) for Gaussian noise
-    BlockArray<double> cosine, sine;
+    double a;                   ///< the intensity
+    double poissonEnd;          ///< where the product of a Poisson sample ends
+    BlockArray<uint8_t> levels; ///< the sample of a draw: multiplicative, impulse and Laplacian noise
+    // Gaussian noise takes the distance of one draw and the angle of the next (G. E. P. Box and M. E. Muller, 1958).
+    BlockArray<double> distance, cosine, sine;
 
     NoiseSource(int32_t intensity, int32_t noiseType)
         : type(noiseType >= kMultiplicative && noiseType <= kPoisson ? noiseType : kGaussian), a(intensity),
@@ -78,7 +79,7 @@ struct NoiseSource {
                                        : type == kImpulse      ? ImpulseNoise(a, u)
                                                                : LaplacianNoise(a, u));
             } else if (distance && cosine && sine) {
-                const double t = Uniform(draw) * 6.283185307179586;
+                const double t = Uniform(draw) * kTwoPi;
                 distance[draw] = std::sqrt(-2 * std::log(u));
                 cosine[draw] = std::cos(t);
                 sine[draw] = std::sin(t);
