@@ -32,8 +32,8 @@ inline __attribute__((always_inline)) void ReadTaps24(FourTaps &taps, const uint
 
 /// Stores lanes 0 to 2, cut to bytes, as a pixel.
 inline __attribute__((always_inline)) void StoreLanes24(uint8_t *to, const IntLanes &lanes) {
-    constexpr ByteLanes kLowBytes = {0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12};
-    const ByteLanes bytes = __builtin_shuffle(reinterpret_cast<ByteLanes>(lanes), kLowBytes);
+    const auto all = reinterpret_cast<ByteLanes>(lanes);
+    const ByteLanes bytes = __builtin_shufflevector(all, all, 0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12, 0, 4, 8, 12);
     std::memcpy(to, &bytes, 3);
 }
 

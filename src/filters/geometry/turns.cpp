@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "image/reverse.h"
+#include "image/transpose.h"
 
 namespace lmf {
 
@@ -33,34 +34,12 @@ static void TurnBytes(const DibView &to, const uint8_t *origin, ptrdiff_t across
     });
 }
 
-/// The same for bytes. Squares of 16 go through registers: interleaving the first half of 16 rows with the second four
-/// times over swaps rows and columns.
-static void TurnByteSquares(const DibView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
-    using Bytes16 = uint8_t __attribute__((vector_size(16)));
-    constexpr Bytes16 kLowHalves = {0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23};
-    constexpr Bytes16 kHighHalves = {8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31};
-    const auto turnSquare = [&](int32_t left, int32_t top) {
-        Bytes16 rows[16], woven[16];
-        const uint8_t *from = origin + left * across + (down > 0 ? top : top + 15) * down;
-        for (ptrdiff_t i = 0; i < 16; i++) std::memcpy(&rows[i], from + i * across, 16);
-        for (int pass = 0; pass < 4; pass++) {
-            for (int i = 0; i < 8; i++) {
-                woven[i * 2] = __builtin_shuffle(rows[i], rows[i + 8], kLowHalves);
-                woven[i * 2 + 1] = __builtin_shuffle(rows[i], rows[i + 8], kHighHalves);
-            }
-            std::memcpy(rows, woven, sizeof rows);
-        }
-        for (int32_t i = 0; i < 16; i++) std::memcpy(to.Row(down > 0 ? top + i : top + 15 - i) + left, &rows[i], 16);
-    };
+/// The same for bytes; `down` is 1 or -1.
+static void TransposeBlocks(const DibView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
     ForEachBlock(to, [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
-        const int32_t squaresRight = left + (right - left) / 16 * 16, squaresBottom = top + (bottom - top) / 16 * 16;
-        for (int32_t y = top; y < squaresBottom; y += 16) {
-            for (int32_t x = left; x < squaresRight; x += 16) turnSquare(x, y);
-        }
-        for (int32_t y = top; y < bottom; y++) {
-            for (int32_t x = y < squaresBottom ? squaresRight : left; x < right; x++)
-                to.Row(y)[x] = origin[x * across + y * down];
-        }
+        const int32_t firstRow = down > 0 ? top : bottom - 1;
+        TransposeBytes(to.Row(firstRow) + left, -down * to.stride, origin + left * across + firstRow * down, across,
+                       right - left, bottom - top);
     });
 }
 
@@ -75,7 +54,7 @@ static void TurnQuarter(const DibLock &to, const DibLock &from, bool clockwise) 
     case 24:
         return TurnBytes<3>(to.view, origin, across, down);
     case 8:
-        return TurnByteSquares(to.view, origin, across, down);
+        return TransposeBlocks(to.view, origin, across, down);
     default:
         ForEachBlock(to.view, [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
             for (int32_t y = top; y < bottom; y++) {
