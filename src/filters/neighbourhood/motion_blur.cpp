@@ -1,5 +1,5 @@
 // Motion Blur: every pixel trails off in one direction, as when the camera moves during the exposure. "Angle" is the
-// direction of the trail in degrees, 0 up and 90 to the right; "Radius" its length in pixels, doubled; "Depth" how
+// direction of the trail in degrees, 0 up and 90 to the right; "Radius" half its length in pixels; "Depth" how
 // slowly it fades. Where the trail leaves the picture it meets the paper colour.
 #include <cmath>
 #include <cstring>

@@ -88,30 +88,37 @@ static bool PlaceSamples(int32_t *__restrict offsets, const Arc &arc, int32_t st
     return outside != 0;
 }
 
-/// 24-bit pictures of up to 2 GiB. Where the samples lie does not depend on the pixels, so a run of places is computed
-/// first; the pixels are then read and written strictly one after the other.
+/// Blurs `count` pixels of row y, from x on, that share a step. Where samples lie does not depend on the pixels, so all
+/// places are computed first; the pixels are then read and written strictly one after the other.
+static void BlurRun(const DibView &view, const Arc &arc, const uint8_t *paper, int32_t step, int32_t x, int32_t count,
+                    int32_t y, int32_t *offsets) {
+    const bool outside = PlaceSamples(offsets, arc, step, view, x, count, y - arc.cy);
+    const int32_t taken = (arc.samples - 1) / step + 1;
+    uint8_t *pixel = view.Row(y) + static_cast<int64_t>(x) * 3;
+    for (int32_t i = 0; i < count; i++, pixel += 3) {
+        PixelSum sum;
+        for (int32_t k = 0; k < taken; k++) {
+            const int32_t offset = offsets[k * kRun + i];
+            sum.Add(outside && offset < 0 ? paper : view.bottom + offset);
+        }
+        sum.WriteMean(pixel, kReciprocals[static_cast<size_t>(taken)]);
+    }
+}
+
+/// 24-bit pictures of up to 2 GiB.
 static void BlurRows(const DibView &view, const Arc &arc, Color paper) {
     const uint8_t paperPixel[] = {0, BlueOf(paper), GreenOf(paper), RedOf(paper)};
     int32_t offsets[kMostPixelsOfSum * kRun];
     int32_t steps[kRun];
     for (int32_t y = 0; y < view.height; y++) {
         const double dy = y - arc.cy;
-        for (int32_t x = 0; x < view.width;) {
-            int32_t count = std::min(kRun, view.width - x);
-            FillSteps(steps, arc, x, count, dy);
-            count = static_cast<int32_t>(std::find_if(steps, steps + count, [&](int32_t s) { return s != steps[0]; }) -
-                                         steps);
-            const bool outside = PlaceSamples(offsets, arc, steps[0], view, x, count, dy);
-            const int32_t taken = (arc.samples - 1) / steps[0] + 1;
-            for (int32_t i = 0; i < count; i++) {
-                PixelSum sum;
-                for (int32_t k = 0; k < taken; k++) {
-                    const int32_t offset = offsets[k * kRun + i];
-                    sum.Add(outside && offset < 0 ? paperPixel + 1 : view.bottom + offset);
-                }
-                sum.WriteMean(view.Row(y) + static_cast<int64_t>(x + i) * 3, kReciprocals[static_cast<size_t>(taken)]);
+        for (int32_t begin = 0; begin < view.width; begin += kRun) {
+            const int32_t part = std::min(kRun, view.width - begin);
+            FillSteps(steps, arc, begin, part, dy);
+            for (int32_t first = 0, last = 1; first < part; first = last++) {
+                while (last < part && steps[last] == steps[first]) last++;
+                BlurRun(view, arc, paperPixel + 1, steps[first], begin + first, last - first, y, offsets);
             }
-            x += count;
         }
     }
 }

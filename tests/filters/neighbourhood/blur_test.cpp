@@ -58,9 +58,9 @@ static DibOwner SlowGaussian(DibHandle source, const FilterContext &context) {
     DibLock lock(source);
     const double nominal = 2 * std::ceil(context.FilterGaussianRadius / 10.0) + 1.0;
     BlurKernel kernel;
-    const int32_t width = BuildGaussianKernel(
-        std::min(std::min(lock.view.width, lock.view.height), static_cast<int32_t>(nominal)),
-        context.FilterGaussianSigma / 10.0, &kernel);
+    const int32_t width =
+        BuildGaussianKernel(std::min(std::min(lock.view.width, lock.view.height), static_cast<int32_t>(nominal)),
+                            context.FilterGaussianSigma / 10.0, &kernel);
     const Line weights(kernel->data, kernel->data + width);
     return GaussianPass(GaussianPass(source, weights, false).handle, weights, true);
 }
@@ -218,6 +218,50 @@ TEST(RadialBlur, AgreesWithTheSlowForm) {
         "Radial Blur", {kModeTrueColor},
         [](FilterContext *context, uint32_t *state) { context->FilterRadialBlurAngle = Between(1, 45, state); },
         SlowRadial);
+}
+
+TEST(MotionBlur, WithoutARadiusTakesTheWidestKernelWhoseLastWeightCounts) {
+    FilterContext context = MakeContext();
+    BlurKernel kernel;
+    int32_t radius = 1;
+    const auto lastWeight = [&](int32_t width) {
+        return (void)BuildHalfGaussianKernel(width, context.FilterMotionBlurSigma, &kernel), (*kernel)[width - 1];
+    };
+    while (lastWeight(2 * radius + 3) * 255.0 >= 1.0) radius++;
+    ASSERT_GT(radius, 10);
+    DibOwner picture = RandomPicture(90, 90, kModeTrueColor, 3);
+    context.FilterMotionBlurRadius = 0;
+    DibOwner automatic = RunKernel("Motion Blur", picture.handle, &context);
+    context.FilterMotionBlurRadius = radius;
+    EXPECT_TRUE(SamePicture(automatic.handle, RunKernel("Motion Blur", picture.handle, &context).handle));
+}
+
+TEST(GaussianBlur, KeepsFlatPicturesAndPicturesOfOtherModes) {
+    DibOwner flat(DibCreateSolid(90, 40, 0xFF8001));
+    EXPECT_TRUE(SamePicture(RunKernel("Gaussian Blur", flat.handle).handle, flat.handle));
+    for (ImageMode mode : {kModePalette, kModeMono}) {
+        DibOwner picture = RandomPicture(33, 9, mode, 2);
+        EXPECT_TRUE(SamePicture(RunKernel("Gaussian Blur", picture.handle).handle, picture.handle));
+    }
+}
+
+TEST(GaussianBlur, DirectCallsChooseBytesByDepth) {
+    FilterContext context = MakeContext();
+    context.FilterGaussianRadius = 70;
+    context.FilterGaussianSigma = 23;
+    for (ImageMode mode : {kModeTrueColor, kModeGrey}) {
+        DibOwner picture = RandomPicture(40, 31, mode, 4);
+        DibOwner direct(GaussianBlurDirect(picture.handle, 70, 23));
+        EXPECT_TRUE(SamePicture(direct.handle, RunKernel("Gaussian Blur", picture.handle, &context).handle));
+    }
+}
+
+TEST(Blurs, GivePicturesWithAlphaTheSameColours) {
+    DibOwner picture = RandomPicture(70, 45, kModeTrueColor, 9);
+    DibOwner deep = MakePicture(70, 45, 32, PixelsOf(picture.handle));
+    for (const char *filter : {"Motion Blur", "Radial Blur", "Zoom Blur", "Average"})
+        EXPECT_EQ(PixelsOf(RunKernel(filter, deep.handle).handle), PixelsOf(RunKernel(filter, picture.handle).handle))
+            << filter;
 }
 
 } // namespace lmf::testing

@@ -26,8 +26,7 @@ static std::vector<uint8_t> SlowConvolve(const DibView &view, const Window5x5 &w
                     weightSum += window.weights[tap];
                 }
                 const int divisor = weightSum != 0 ? weightSum : window.divisor;
-                result.push_back(
-                    static_cast<uint8_t>(std::clamp(window.bias + std::max(sum, 0) / divisor, 0, 255)));
+                result.push_back(static_cast<uint8_t>(std::clamp(window.bias + std::max(sum, 0) / divisor, 0, 255)));
             }
         }
     }
