@@ -57,15 +57,17 @@ static void WriteHostRecord(HostRecord *record, const FilterContext &context) {
     if (PassesHostFields(CurrentCall.runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
 }
 
-/// The context of one call. It frees what is still its own at the end of the scope.
-struct CallContext : FilterContext {
-    CallContext() : FilterContext{} {}
-    CallContext(const CallContext &) = delete;
-    CallContext &operator=(const CallContext &) = delete;
-    ~CallContext() {
-        BlockFree(result);
-        BlockFree(secondResult);
-        BlockFree(auxImage);
+/// Frees at the end of the scope what is still the context's own.
+struct ContextOwner {
+    FilterContext *context;
+
+    explicit ContextOwner(FilterContext *owned) : context(owned) {}
+    ContextOwner(const ContextOwner &) = delete;
+    ContextOwner &operator=(const ContextOwner &) = delete;
+    ~ContextOwner() {
+        BlockFree(context->result);
+        BlockFree(context->secondResult);
+        BlockFree(context->auxImage);
     }
 };
 
@@ -98,7 +100,8 @@ uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, 
 
     const bool batch = (runFlags & kRunBatch) != 0;
     auto *record = batch ? nullptr : static_cast<HostRecord *>(hostRecord);
-    CallContext context;
+    FilterContext context{};
+    const ContextOwner contextOwner(&context);
     FillContext(&context, owner, *picture, *second, ReadHostRecord(record), hostReserved);
     if (ValidationState == 0 || !DibInfo(context.source, &context.width, &context.height, nullptr, nullptr) ||
         !DibInfo(context.result, &context.resultWidth, &context.resultHeight, nullptr, nullptr))

@@ -41,6 +41,16 @@ static_assert(InkTripChangesNothing(), "so that the ink modes are plain exchange
 
 using Bytes16 = uint8_t __attribute__((vector_size(16)));
 
+[[gnu::always_inline]] static inline Bytes16 Shuffle(const Bytes16 &bytes, const Bytes16 &order) {
+#if __has_builtin(__builtin_shuffle)
+    return __builtin_shuffle(bytes, order);
+#else
+    Bytes16 shuffled;
+    for (int32_t i = 0; i < 16; i++) shuffled[i] = bytes[order[i]];
+    return shuffled;
+#endif
+}
+
 /// Five pixels a step by one shuffle of 16 bytes; the sixteenth byte belongs to the next step.
 LMF_MULTIVERSION
 static void ShuffleRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, const Bytes16 &order) {
@@ -48,7 +58,7 @@ static void ShuffleRow(uint8_t *__restrict to, const uint8_t *__restrict from, s
     for (; x * 3 + 16 <= width * 3; x += 5) {
         Bytes16 pixels;
         std::memcpy(&pixels, from + x * 3, sizeof pixels);
-        pixels = __builtin_shuffle(pixels, order);
+        pixels = Shuffle(pixels, order);
         std::memcpy(to + x * 3, &pixels, sizeof pixels);
     }
     for (; x < width; x++)
