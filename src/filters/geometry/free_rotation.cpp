@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "filters/geometry/column_lines.h"
+#include "filters/geometry/four_taps.h"
 #include "image/multiversion.h"
 #include "image/resample.h"
 
@@ -145,69 +146,114 @@ static RowParts PartsOf(const SourceMap &map, int32_t y) {
     return {covered, whole.first < whole.last ? whole : Range{covered.last, covered.last}};
 }
 
+static constexpr int kWeightBits = 8;
+
+static inline int32_t WeightOf(int64_t position) {
+    return static_cast<int32_t>(position >> (kFractionBits - kWeightBits)) & ((1 << kWeightBits) - 1);
+}
+
+/// The mix of four neighbours, for one channel or a lane for each.
+template <typename Number>
+static inline __attribute__((always_inline)) void MixFour(Number &mixed, const Number &p00, const Number &p10,
+                                                          const Number &p01, const Number &p11, int32_t weightX,
+                                                          int32_t weightY) {
+    const Number above = (p00 << kWeightBits) + (p10 - p00) * weightX;
+    const Number below = (p01 << kWeightBits) + (p11 - p01) * weightX;
+    mixed = ((above << kWeightBits) + (below - above) * weightY + (1 << (2 * kWeightBits - 1))) >> (2 * kWeightBits);
+}
+
+/// A stretch of pixels of which all neighbours lie inside the source; `at` is the upper left neighbour of the first.
 template <size_t kChannels>
-static void MixRow(uint8_t *to, const DibView &from, const SourceMap &map, int32_t y, const RowParts &parts) {
-    constexpr int kWeightBits = 8;
-    constexpr uint32_t kWhole = 1 << kWeightBits;
-    const auto weight = [](int64_t position) {
-        return static_cast<uint32_t>(position >> (kFractionBits - kWeightBits)) & (kWhole - 1);
-    };
-    const auto mix = [&](uint8_t *pixel, const uint8_t *upper, const uint8_t *lower, ptrdiff_t right, uint32_t weightX,
-                         uint32_t weightY) {
+static void MixInside(uint8_t *to, const DibView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
+    for (; count > 0; count--, at.x += stepX, at.y += stepY, to += kChannels) {
+        const uint8_t *p = from.Row(static_cast<int32_t>(at.y >> kFractionBits)) +
+                           (at.x >> kFractionBits) * static_cast<int64_t>(kChannels);
+        const uint8_t *q = p - from.stride;
         for (size_t c = 0; c < kChannels; c++) {
-            const uint32_t above = upper[c] * (kWhole - weightX) + upper[c + right] * weightX;
-            const uint32_t below = lower[c] * (kWhole - weightX) + lower[c + right] * weightX;
-            pixel[c] = static_cast<uint8_t>((above * (kWhole - weightY) + below * weightY + kWhole * kWhole / 2) >>
-                                            (2 * kWeightBits));
+            int32_t mixed;
+            MixFour<int32_t>(mixed, p[c], p[c + kChannels], q[c], q[c + kChannels], WeightOf(at.x), WeightOf(at.y));
+            to[c] = static_cast<uint8_t>(mixed);
         }
-    };
-    const SourceRow start = map.Row(y);
-    const auto along = [&](int32_t first, int32_t last, auto visit) {
-        int64_t x = start.x - kHalf + first * map.stepX, down = start.y - kHalf + first * map.stepY;
-        uint8_t *pixel = to + static_cast<size_t>(first) * kChannels;
-        for (int32_t i = first; i < last; i++, x += map.stepX, down += map.stepY, pixel += kChannels)
-            visit(pixel, x, down);
-    };
-    // Beside the edges the outermost pixels stand in for the neighbours that are missing.
-    const auto visitEdge = [&](uint8_t *pixel, int64_t x, int64_t down) {
-        const auto column = static_cast<int32_t>(x >> kFractionBits), row = static_cast<int32_t>(down >> kFractionBits);
-        const int32_t left = std::max(column, 0), right = std::min(column + 1, from.width - 1);
-        const int32_t top = std::max(row, 0), bottom = std::min(row + 1, from.height - 1);
-        const ptrdiff_t at = static_cast<ptrdiff_t>(left) * static_cast<ptrdiff_t>(kChannels);
-        mix(pixel, from.Row(top) + at, from.Row(bottom) + at,
-            static_cast<ptrdiff_t>(right - left) * static_cast<ptrdiff_t>(kChannels), weight(x), weight(down));
-    };
-    const auto visitInside = [&](uint8_t *pixel, int64_t x, int64_t down) {
-        const uint8_t *upper =
-            from.Row(static_cast<int32_t>(down >> kFractionBits)) + (x >> kFractionBits) * int64_t{kChannels};
-        mix(pixel, upper, upper - from.stride, kChannels, weight(x), weight(down));
-    };
-    along(parts.covered.first, parts.whole.first, visitEdge);
-    along(parts.whole.first, parts.whole.last, visitInside);
-    along(parts.whole.last, parts.covered.last, visitEdge);
+    }
+}
+
+LMF_MULTIVERSION
+static void MixInside24(uint8_t *to, const DibView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
+    for (; count > 0; count--, at.x += stepX, at.y += stepY, to += 3) {
+        const auto x = static_cast<int32_t>(at.x >> kFractionBits);
+        const uint8_t *row = from.Row(static_cast<int32_t>(at.y >> kFractionBits));
+        FourTaps taps;
+        ReadTaps24(taps, row, row - from.stride, x, x + 1);
+        IntLanes mixed;
+        MixFour(mixed, taps.p00, taps.p10, taps.p01, taps.p11, WeightOf(at.x), WeightOf(at.y));
+        StoreLanes24(to, mixed);
+    }
+}
+
+/// A stretch along an edge: the outermost pixels stand in for the neighbours that are missing.
+static void MixEdge(uint8_t *to, const DibView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
+    const ptrdiff_t channels = from.bits / 8;
+    for (; count > 0; count--, at.x += stepX, at.y += stepY) {
+        const auto x = static_cast<int32_t>(at.x >> kFractionBits), y = static_cast<int32_t>(at.y >> kFractionBits);
+        const ptrdiff_t left = std::max(x, 0) * channels, right = std::min(x + 1, from.width - 1) * channels;
+        const uint8_t *p = from.Row(std::max(y, 0)), *q = from.Row(std::min(y + 1, from.height - 1));
+        for (ptrdiff_t c = 0; c < channels; c++) {
+            int32_t mixed;
+            MixFour<int32_t>(mixed, p[left + c], p[right + c], q[left + c], q[right + c], WeightOf(at.x),
+                             WeightOf(at.y));
+            *to++ = static_cast<uint8_t>(mixed);
+        }
+    }
+}
+
+/// Runs visit(y, range) for all of 0 <= x < width in small tiles: a whole row of the result would cross so many rows of
+/// the source that each read missed the caches and the page table.
+template <typename Visit>
+static void ForEachTileRow(int32_t width, int32_t height, Visit visit) {
+    constexpr int32_t kTileWidth = 128, kTileHeight = 32;
+    for (int32_t top = 0; top < height; top += std::min(kTileHeight, height - top)) {
+        for (int32_t left = 0; left < width; left += std::min(kTileWidth, width - left)) {
+            for (int32_t y = top; y < top + std::min(kTileHeight, height - top); y++)
+                visit(y, Range{left, left + std::min(kTileWidth, width - left)});
+        }
+    }
 }
 
 static void MixRows(const RotationCanvas &canvas, const DibView &from, const SourceMap &map) {
-    const auto mixRow = from.bits == 8 ? MixRow<1> : from.bits == 24 ? MixRow<3> : MixRow<4>;
+    const size_t channels = from.bits / 8;
+    const auto mixInside = from.bits == 8 ? MixInside<1> : from.bits == 24 ? MixInside24 : MixInside<4>;
+    const auto along = [&](int32_t y, Range range, auto mix) {
+        if (range.first >= range.last) return;
+        const SourceRow start = map.Row(y);
+        const SourceRow at{start.x - kHalf + range.first * map.stepX, start.y - kHalf + range.first * map.stepY};
+        mix(canvas.to.view.Row(y) + static_cast<size_t>(range.first) * channels, from, at, map.stepX, map.stepY,
+            range.last - range.first);
+    };
+    ForEachTileRow(map.plan.width, map.plan.height,
+                   [&](int32_t y, Range tile) { along(y, Common(PartsOf(map, y).whole, tile), mixInside); });
     for (int32_t y = 0; y < map.plan.height; y++) {
-        const RowParts parts = PartsOf(map, y);
-        mixRow(canvas.to.view.Row(y), from, map, y, parts);
-        FinishRow(canvas, map, y, parts.covered, parts.whole);
+        const auto [covered, whole] = PartsOf(map, y);
+        along(y, {covered.first, whole.first}, MixEdge);
+        along(y, {whole.last, covered.last}, MixEdge);
+        FinishRow(canvas, map, y, covered, whole);
     }
 }
 
 static void PickRows(const RotationCanvas &canvas, const DibLock &from, const SourceMap &map) {
     for (int32_t y = 0; y < map.plan.height; y++) {
-        const SourceRow start = map.Row(y);
-        const Range inside = map.PartInside(start, 0);
+        const Range inside = map.PartInside(map.Row(y), 0);
         std::memcpy(canvas.to.view.Row(y), canvas.fillRow.data, static_cast<size_t>(canvas.to.view.stride));
+        std::memset(canvas.coverage.view.Row(y) + inside.first, 255, static_cast<size_t>(inside.last - inside.first));
+    }
+    ForEachTileRow(map.plan.width, map.plan.height, [&](int32_t y, Range tile) {
+        const SourceRow start = map.Row(y);
+        const Range inside = Common(map.PartInside(start, 0), tile);
         for (int32_t x = inside.first; x < inside.last; x++) {
             const auto column = static_cast<int32_t>((start.x + x * map.stepX) >> kFractionBits);
             const auto row = static_cast<int32_t>((start.y + x * map.stepY) >> kFractionBits);
             DibSetPixel(canvas.to.image, x, y, DibGetPixel(from.image, column, row));
         }
-        std::memset(canvas.coverage.view.Row(y) + inside.first, 255, static_cast<size_t>(inside.last - inside.first));
-    }
+    });
 }
 
 RotatedPicture RotateDirect(const DibLock &from, const RotationPlan &plan, bool interpolate) {

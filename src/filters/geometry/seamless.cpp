@@ -19,7 +19,7 @@ struct Fade {
     int32_t far;                ///< where the far half starts
     BlockArray<uint16_t> share; ///< of the near half, 0 to 256
 
-    explicit Fade(int32_t length) : side((length + 1) / 2), far(length - side), share(static_cast<uint64_t>(side)) {
+    explicit Fade(int32_t length) : side(length / 2 + length % 2), far(length - side), share(static_cast<uint64_t>(side)) {
         if (!share) return;
         for (int32_t i = 0; i < side; i++) {
             const double t = (i + 0.5) / side;

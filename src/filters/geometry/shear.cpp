@@ -29,7 +29,7 @@ struct Lean {
         // Values from elsewhere than the page may be out of range.
         const double degrees = std::clamp(stored, 0, 2 * kStoredZero) - kStoredZero;
         slope = std::tan(degrees * std::numbers::pi / 180.0);
-        margin = static_cast<int32_t>(std::min(std::ceil(std::fabs(slope) * middle - 1e-9), 1e9));
+        margin = static_cast<int32_t>(std::min(std::ceil(std::fabs(slope) * middle), 1e9));
     }
 };
 
