@@ -1,5 +1,6 @@
 #include "engine/settings_files.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -11,6 +12,8 @@
 #include <vector>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "engine/catalogue.h"
 #include "engine/do_image_filter.h"
@@ -209,11 +212,29 @@ TEST_F(SettingsFiles, ThreeSavesLeaveTwoBackups) {
     EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[1]);
 }
 
-TEST_F(SettingsFiles, FailedWriteLeavesTheOldFile) {
+TEST_F(SettingsFiles, FailedWriteLeavesTheOldFiles) {
+    Settings.FilterContrast = 1;
+    const std::string backup = SavedIni();
+    Settings.FilterContrast = 2;
     const std::string old = SavedIni();
+    const auto expectOldFiles = [&](const char *what) {
+        Settings.FilterContrast = 9;
+        EXPECT_EQ(SavedIni(), old) << what;
+    };
+
+    rlimit limit, kept;
+    ::getrlimit(RLIMIT_FSIZE, &kept);
+    limit = {1000, kept.rlim_max};
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    expectOldFiles("no room on the disk");
+    ::setrlimit(RLIMIT_FSIZE, &kept);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), backup);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << "nothing half-written is left";
+
     fs::create_directories(folder / "LmfFiltr.ini.new" / "in the way");
-    Settings.FilterContrast = 9;
-    EXPECT_EQ(SavedIni(), old);
+    expectOldFiles("no file can be made");
 }
 
 TEST_F(SettingsFiles, FileSetFollowsTheHost) {
