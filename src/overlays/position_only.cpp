@@ -1,6 +1,6 @@
 // Position Only: marks a picture as a placeholder, with a large cross and a label in the paper colour.
 // Text is the label, in which macros such as %D are expanded; it has a font, Bold and Italic. Key line draws cross and
-// label on a wider dark stroke in Key color, Heavy key line thrice as wide. Auto-rotate turns the label on tall
+// label on a wider stroke in Key color, Heavy key line thrice as wide. Auto-rotate turns the label on tall
 // pictures. Opacity is that of the whole mark. The ends of the cross are round, unless the settings file says
 // otherwise.
 #include "engine/slots.h"
