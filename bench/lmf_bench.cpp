@@ -139,8 +139,8 @@ bool IsWanted(const Options &options, const FilterEntry &entry) {
 
 /// @return false when a setting or a filter failed.
 bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode mode, bool *first) {
-    DibOwner picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24);
-    if (!picture) return false;
+    DibOwner picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
+    if (!picture || !alpha) return false;
     bool good = true;
     for (const FilterEntry &entry : FilterCatalogue) {
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
@@ -149,6 +149,7 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
         context.width = width;
         context.height = height;
         context.source = picture.handle;
+        if (entry.flags & FilterNeedsSecond) context.second = alpha.handle;
         context.paperColor = 0xFFFFFF;
         LoadAllSettings(&context);
         for (const std::string &assignment : options.settings)
@@ -195,8 +196,8 @@ int main(int argc, char **argv) {
     mallopt(M_MMAP_THRESHOLD, 1 << 16);
     bool first = true;
     if (options.json) std::printf("[\n");
-    const bool good = (options.onlyGrey || BenchMode(options, width, height, kModeTrueColor, &first)) &&
-                      BenchMode(options, width, height, kModeGrey, &first);
+    const bool color = options.onlyGrey || BenchMode(options, width, height, kModeTrueColor, &first);
+    const bool grey = BenchMode(options, width, height, kModeGrey, &first);
     if (options.json) std::printf("\n]\n");
-    return good && !first ? 0 : 1;
+    return color && grey && !first ? 0 : 1;
 }
