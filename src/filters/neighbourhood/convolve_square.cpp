@@ -1,9 +1,21 @@
 #include "filters/neighbourhood/convolve_square.h"
 
+#include <cmath>
+
 #include "filters/neighbourhood/taps.h"
 #include "image/multiversion.h"
 
 namespace lmf {
+
+bool BuildBell(int32_t order, double sigma, SquareKernel *kernel) {
+    if (order < 1 || order > INT16_MAX || !kernel->emplace(static_cast<uint64_t>(order) * static_cast<uint64_t>(order)))
+        return false;
+    const int32_t half = order / 2;
+    double *weight = (*kernel)->data;
+    for (int32_t v = -half; v <= half; v++)
+        for (int32_t u = -half; u <= half; u++) *weight++ = std::exp(-(u * u + v * v) / (sigma * sigma));
+    return true;
+}
 
 /// Sums that are worked on at once: few enough for the rows under the square to stay in a near cache as doubles.
 static constexpr int32_t kStrip = 768;

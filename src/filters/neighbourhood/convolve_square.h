@@ -1,9 +1,19 @@
 // Convolution with a square of weights on a picture that wraps around at its edges.
 #pragma once
 
+#include <optional>
+
 #include "engine/filter_context.h"
 
 namespace lmf {
+
+/// A square of weights, empty until BuildBell has filled it.
+using SquareKernel = std::optional<BlockArray<double>>;
+
+/// Fills a square of odd side `order` with a bell curve, exp(-r^2 / sigma^2) at the distance r from its centre, in
+/// pixels.
+/// @return false when memory is short or the side is below 1 or beyond any picture
+[[nodiscard]] bool BuildBell(int32_t order, double sigma, SquareKernel *kernel);
 
 /// Each channel becomes the weighted sum of its square of neighbours, divided by the sum of the weights where that is
 /// neither 0 nor 1, rounded and limited to 0..255. Opposite edges of the picture are neighbours.

@@ -96,6 +96,18 @@ TEST(RemoveAlpha, LaysThePictureOverThePaper) {
     EXPECT_EQ(context.secondResult, nullptr);
     context.second = nullptr;
     EXPECT_FALSE(RunKernel("Remove Alpha", picture.handle, &context));
+
+    const DibOwner wide = RandomPicture(37, 3, kModeTrueColor, 4), mask = RandomPicture(37, 3, kModeGrey, 5);
+    context.second = mask.handle;
+    context.paperColor = 0x20C0F0;
+    const Pixels before = PixelsOf(wide.handle), alphas = PixelsOf(mask.handle);
+    const Pixels after = PixelsOf(RunKernel("Remove Alpha", wide.handle, &context).handle);
+    for (size_t i = 0; i < before.size(); i++) {
+        for (int32_t shift = 0; shift < 24; shift += 8) {
+            const uint32_t channel = before[i] >> shift & 255, paper = context.paperColor >> shift & 255;
+            ASSERT_EQ(after[i] >> shift & 255, alphas[i] * channel / 255 + paper * (255 - alphas[i]) / 255);
+        }
+    }
 }
 
 } // namespace lmf::testing
