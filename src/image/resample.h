@@ -42,7 +42,4 @@ extern const ResampleWindow kResampleWindows[16];
 /// @return 1, or 0 with the box untouched if the source cannot be locked.
 int32_t DibFitAspect(DibHandle source, int32_t *width, int32_t *depth);
 
-/// Rounds a length to whole pixels; 0 for what no picture can have.
-[[nodiscard]] int32_t RoundToPixels(double length);
-
 } // namespace lmf

@@ -1,6 +1,7 @@
 // The four neighbours that an interpolation mixes, read from rows of 24-bit pixels into registers.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
