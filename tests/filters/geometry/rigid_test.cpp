@@ -1,5 +1,6 @@
 #include <cmath>
 #include <cstdlib>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -175,6 +176,24 @@ TEST(Rotate, FillsAndCoversWhatItShould) {
                     }
                 }
             }
+        }
+    }
+}
+
+TEST(Rotate, EveryDepthMovesAlike) {
+    DibOwner grey = RandomPicture(150, 83, kModeGrey, 9), color(DibToRgb(grey.handle));
+    for (const char *filter : {"Rotate", "Shear", "Seamless"}) {
+        for (int32_t kind = 0; kind < 3; kind++) {
+            FilterContext context = RotateContext(2137 + kind, kind & 1, kind == 1);
+            context.FilterRotateInterpolate = kind != 2;
+            context.FilterSeamlessMaintain = kind & 1;
+            context.paperColor = 0x606060;
+            DibOwner greyResult = RunKernel(filter, grey.handle, &context);
+            DibOwner greyCoverage(std::exchange(context.auxImage, nullptr));
+            DibOwner colorResult = RunKernel(filter, color.handle, &context), coverage(context.auxImage);
+            DibOwner expected(DibToRgb(greyResult.handle));
+            EXPECT_TRUE(SamePicture(colorResult.handle, expected.handle)) << filter << " " << kind;
+            EXPECT_TRUE(!coverage || SamePicture(coverage.handle, greyCoverage.handle)) << filter << " " << kind;
         }
     }
 }
