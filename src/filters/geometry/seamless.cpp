@@ -19,7 +19,8 @@ struct Fade {
     int32_t far;                ///< where the far half starts
     BlockArray<uint16_t> share; ///< of the near half, 0 to 256
 
-    explicit Fade(int32_t length) : side(length / 2 + length % 2), far(length - side), share(static_cast<uint64_t>(side)) {
+    explicit Fade(int32_t length)
+        : side(length / 2 + length % 2), far(length - side), share(static_cast<uint64_t>(side)) {
         if (!share) return;
         for (int32_t i = 0; i < side; i++) {
             const double t = (i + 0.5) / side;
@@ -61,10 +62,10 @@ static bool MixHalves(const DibView &to, const DibView &from, const Fade &column
 }
 
 /// Takes pixels whole. The thresholds are those of the ordered 4 x 4 dither of Bayer (1973), turned for the rows so
-/// that both choices do not fall together.
+/// that both choices do not fall together, and drawn together around the middle so that only a band is dithered.
 static void ChooseHalves(void *to, const void *from, const Fade &columns, const Fade &rows) {
     static constexpr uint8_t kThresholds[4][4] = {
-        {8, 136, 40, 168}, {200, 72, 232, 104}, {56, 184, 24, 152}, {248, 120, 216, 88}};
+        {88, 131, 99, 141}, {152, 109, 163, 120}, {104, 147, 93, 136}, {168, 125, 157, 115}};
     for (int32_t y = 0; y < rows.side; y++) {
         for (int32_t x = 0; x < columns.side; x++) {
             const bool nearColumn = columns.share[x] > kThresholds[y & 3][x & 3];
