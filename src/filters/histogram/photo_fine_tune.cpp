@@ -108,8 +108,10 @@ static Color ShiftKeepingLightness(Color pixel, int32_t red, int32_t green, int3
     return HslToRgb(moved);
 }
 
-/// Adds delta to all channels, as far as the first one that meets its limit, so that their differences stay.
+/// Adds delta to all channels, as far as the first one that meets its limit, so that their differences stay. A delta
+/// of 0 keeps the pixel's alpha too.
 static Color ShiftRgbLimited(Color pixel, int32_t delta) {
+    if (delta == 0) return pixel;
     const int32_t red = RedOf(pixel), green = GreenOf(pixel), blue = BlueOf(pixel);
     if (delta < 0) delta = -std::min(-delta, std::min({red, green, blue}));
     if (delta > 0) delta = std::min(delta, 255 - std::max({red, green, blue}));

@@ -123,6 +123,14 @@ TEST(PhotoFineTune, StepsFollowTheirRules) {
     EXPECT_EQ(FineTune({0x3264C8}, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, 0), (Pixels{0xC8C8C8}));
 }
 
+TEST(PhotoFineTune, TonesOutsideTheBandKeepTheirAlpha) {
+    FilterContext context = MakeContext();
+    context.FilterPhotoAdjEnableHighlight = 1;
+    context.FilterPhotoAdjHighlight = 200;
+    const DibOwner picture = MakePicture(2, 1, 32, {0x80404040, 0x80C0C8D2});
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context).handle), (Pixels{0x80404040, 0xEDF5FF}));
+}
+
 TEST(PhotoFineTune, WhiteBalanceLeavesTheFiltersOwnSettingAlone) {
     FilterContext context = MakeContext();
     context.FilterPhotoAdjWhitebal = context.FilterWhiteBalancePaper = 1;
