@@ -59,6 +59,17 @@ static void CopyBlock(const PixelPass &pass) {
         DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, from.width, from.height);
 }
 
+/// Swirl stores three bytes a pixel, so that a fourth one stays where it is.
+static void KeepAlpha(const PixelPass &pass) {
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    if (from.bits != 32 || to.bits != 32) return;
+    for (int32_t y = 0; y < from.height; y++) {
+        const uint8_t *source = from.Row(y);
+        uint8_t *target = to.Row(y);
+        for (ptrdiff_t x = 0; x < from.width; x++) target[x * 4 + 3] = source[x * 4 + 3];
+    }
+}
+
 static DibHandle SwirlKernel(DibHandle source, FilterContext *context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
@@ -79,7 +90,9 @@ static DibHandle SwirlKernel(DibHandle source, FilterContext *context) {
         [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
             PlaceRow(tables.xs, tables.ys, tables.first, tables.second, begin, end, ellipse, dy);
         });
-    return done ? pass.Finish() : nullptr;
+    if (!done) return nullptr;
+    KeepAlpha(pass);
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kSwirl = MakeSlots<kPage>(SwirlKernel);

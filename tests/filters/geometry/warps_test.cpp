@@ -48,8 +48,9 @@ uint32_t Swirled(const DibLock &from, const FilterContext &context, int32_t x, i
     if (square >= radius * radius) return DibGetPixel(from.image, x, y);
     const double t = 1 - std::sqrt(square) / radius;
     const double angle = (context.FilterSwirlDegrees - 1440) * kPi / 180 * (t * t);
-    return SampleByDefinition(from, (std::cos(angle) * dx - std::sin(angle) * dy) / xScale + cx,
-                              (std::sin(angle) * dx + std::cos(angle) * dy) / yScale + cy, context.paperColor);
+    const uint32_t alpha = DibGetPixel(from.image, x, y) & 0xFF000000;
+    return alpha | SampleByDefinition(from, (std::cos(angle) * dx - std::sin(angle) * dy) / xScale + cx,
+                                      (std::sin(angle) * dx + std::cos(angle) * dy) / yScale + cy, context.paperColor);
 }
 
 uint32_t ImplodedBy(const DibLock &from, Color paper, double amount, int32_t xOff, int32_t yOff, int32_t x, int32_t y) {
@@ -143,6 +144,12 @@ const FilterEntry &EntryOf(const std::string &name) {
                          [&](const FilterEntry &entry) { return name == entry.name; });
 }
 
+DibOwner RandomPicture32(int32_t width, int32_t height, uint32_t *state) {
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (uint32_t &pixel : pixels) pixel = TestRandom(state);
+    return MakePicture(width, height, 32, pixels);
+}
+
 /// A third of the settings at their defaults, where centres have exact mirror images; the others within their ranges.
 FilterContext RandomContext(const FilterEntry &entry, uint32_t *state) {
     FilterContext context = MakeContext();
@@ -162,20 +169,22 @@ TEST(Warps, AgreeWithTheirDefinitions) {
     for (const auto &[name, definition] : kWarps) {
         const FilterEntry &entry = EntryOf(name);
         uint32_t state = 99;
-        for (uint32_t round = 0; round < 48; round++) {
-            const auto mode = static_cast<ImageMode>(round % 4);
+        for (uint32_t round = 0; round < 60; round++) {
+            const bool hasAlpha = round % 5 == 4; // true colour of 32 bits
+            const auto mode = hasAlpha ? kModeTrueColor : static_cast<ImageMode>(round % 5);
             if (!FilterAccepts(entry, mode)) continue;
             const uint32_t limit = round < 16 ? 8 : 200;
             const auto width = static_cast<int32_t>(TestRandom(&state) % limit) + 1;
             const auto height = static_cast<int32_t>(TestRandom(&state) % limit) + 1;
-            DibOwner source = RandomPicture(width, height, mode, round);
+            DibOwner source =
+                hasAlpha ? RandomPicture32(width, height, &state) : RandomPicture(width, height, mode, round);
             FilterContext context = RandomContext(entry, &state);
             context.FilterWavesHorizontal = 0;
             DibOwner result = RunKernel(name, source.handle, &context);
             DibLock from(source.handle), to(result.handle);
             ASSERT_TRUE(from && to);
             ASSERT_EQ(to.view.bits, from.view.bits);
-            const uint32_t kept = from.view.bits == 24 ? 0xFFFFFF : (1u << from.view.bits) - 1;
+            const uint32_t kept = 0xFFFFFFFF >> (32 - from.view.bits);
             for (int32_t y = 0; y < height; y++) {
                 for (int32_t x = 0; x < width; x++)
                     ASSERT_EQ(DibGetPixel(to.image, x, y), definition(from, context, x, y) & kept)
