@@ -266,8 +266,7 @@ bool ReadPlain(TIFF *tiff, const TiffShape &shape, Picture &picture, Report &rep
     if (shape.photometric == PHOTOMETRIC_PALETTE) {
         if (!TIFFGetField(tiff, TIFFTAG_COLORMAP, &map[0], &map[1], &map[2])) return false;
         for (int i = 0; i < 1 << shape.bits; ++i)
-            for (int c = 0; c < 3; ++c)
-                picture.image.Palette()[4 * i + 2 - c] = uint8_t(map[c][i] >> 8);
+            for (int c = 0; c < 3; ++c) picture.image.Palette()[4 * i + 2 - c] = uint8_t(map[c][i] >> 8);
     } else {
         SetGreyRamp(picture.image);
     }

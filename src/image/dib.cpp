@@ -79,6 +79,12 @@ DibHandle DibCreate(int32_t width, int32_t height, const Palette768 *palette, ui
     return block.Release();
 }
 
+DibHandle DibCreateLike(const DibLock &source, int32_t width, int32_t height) {
+    Palette768 palette;
+    DibReadPalette(source.image, &palette);
+    return DibCreate(width, height, &palette, source.view.bits);
+}
+
 DibHandle DibCreate32(int32_t width, int32_t height) {
     return DibCreate(width, height, nullptr, 32);
 }

@@ -206,6 +206,8 @@ inline void DibSetPixel(void *image, int32_t x, int32_t y, uint32_t value) {
 /// give 24. The table takes the palette's first colours, or stays black without one.
 /// Null when a side is below 1, the block would reach 4 GiB or memory is short.
 [[nodiscard]] DibHandle DibCreate(int32_t width, int32_t height, const Palette768 *palette, uint32_t depth);
+/// Blank picture of this size with the depth and the palette of a locked one; null as for DibCreate.
+[[nodiscard]] DibHandle DibCreateLike(const DibLock &source, int32_t width, int32_t height);
 /// Blank 32-bit picture.
 [[nodiscard]] DibHandle DibCreate32(int32_t width, int32_t height);
 /// 24-bit picture of one colour.

@@ -31,19 +31,12 @@ static Span Inside(Span span, int64_t start, int64_t limit) {
     return span;
 }
 
-/// Blank picture of the source's size, depth request and palette.
-static DibHandle CreateLike(const DibLock &source, int32_t width, int32_t height) {
-    Palette768 palette;
-    DibReadPalette(source.image, &palette);
-    return DibCreate(width, height, &palette, source.view.bits);
-}
-
 DibHandle DibCropRect(DibHandle source, int32_t left, int32_t top, int32_t right, int32_t bottom) {
     DibLock from(source);
     if (!from) return nullptr;
     const int64_t width = static_cast<int64_t>(right) - left, height = static_cast<int64_t>(bottom) - top;
     if (width < 1 || height < 1 || width > INT32_MAX || height > INT32_MAX) return nullptr;
-    DibOwner result(CreateLike(from, static_cast<int32_t>(width), static_cast<int32_t>(height)));
+    DibOwner result(DibCreateLike(from, static_cast<int32_t>(width), static_cast<int32_t>(height)));
     DibLock to(result.handle);
     if (!to) return nullptr;
 
@@ -73,7 +66,7 @@ DibHandle DibCropRect(DibHandle source, int32_t left, int32_t top, int32_t right
 DibHandle DibFlipVertical(DibHandle source) {
     DibLock from(source);
     if (!from) return nullptr;
-    DibOwner result(CreateLike(from, from.view.width, from.view.height));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     // Odd depths change on the way: their rows differ in length.
@@ -86,7 +79,7 @@ DibHandle DibFlipVertical(DibHandle source) {
 DibHandle DibFlipHorizontal(DibHandle source) {
     DibLock from(source);
     if (!from) return nullptr;
-    DibOwner result(CreateLike(from, from.view.width, from.view.height));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const int32_t width = from.view.width;

@@ -52,10 +52,8 @@ DibHandle DibScaleNearest(DibHandle source, int32_t percentX, int32_t percentY) 
     const int64_t newWidth = static_cast<int64_t>(percentX) * from.view.width / 100;
     const int64_t newHeight = static_cast<int64_t>(percentY) * from.view.height / 100;
     if (newWidth < 1 || newWidth > INT32_MAX || newHeight < 1 || newHeight > INT32_MAX) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
     const uint32_t bits = from.view.bits;
-    DibOwner result(DibCreate(static_cast<int32_t>(newWidth), static_cast<int32_t>(newHeight), &palette, bits));
+    DibOwner result(DibCreateLike(from, static_cast<int32_t>(newWidth), static_cast<int32_t>(newHeight)));
     DibLock to(result.handle);
     if (!to) return nullptr;
     BlockArray<int32_t> columns(static_cast<uint64_t>(newWidth));

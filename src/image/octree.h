@@ -6,9 +6,9 @@
 
 namespace lmf {
 
-/// Fills `palette` with at most `*count` colours (0 or above 256 reads as 256) for a 24-bit picture and sets `*count` to their number;
-/// further entries are black. A picture of no more colours gets them in the order of their first appearance, but for
-/// the 256th: it is taken as black, and only when it is new in the very last pixel.
+/// Fills `palette` with at most `*count` colours (0 or above 256 reads as 256) for a 24-bit picture and sets `*count`
+/// to their number; further entries are black. A picture of no more colours gets them in the order of their first
+/// appearance, but for the 256th: it is taken as black, and only when it is new in the very last pixel.
 /// @return false if the picture has another depth or memory is short.
 [[nodiscard]] bool OctreePalette(DibHandle picture, Palette768 *palette, uint32_t *count);
 

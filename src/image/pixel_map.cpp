@@ -10,10 +10,9 @@ namespace lmf {
 
 static DibHandle MakeResult(const DibLock &from, ResultPalette kind) {
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    return DibCreate(from.view.width, from.view.height, kind == ResultPalette::OfSource ? &palette : nullptr,
-                     from.view.bits);
+    const DibView &view = from.view;
+    return kind == ResultPalette::OfSource ? DibCreateLike(from, view.width, view.height)
+                                           : DibCreate(view.width, view.height, nullptr, view.bits);
 }
 
 PixelPass::PixelPass(DibHandle source, ResultPalette palette)

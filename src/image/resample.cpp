@@ -186,10 +186,8 @@ DibHandle DibScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_
     const int32_t width = from.view.width, height = from.view.height;
     if (newWidth == width && newHeight == height && blur == 1.0)
         return CanReadPixels(from.view.bits) ? DibClone(source) : nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
     const uint32_t bits = from.view.bits;
-    DibOwner result(DibCreate(newWidth, newHeight, &palette, bits));
+    DibOwner result(DibCreateLike(from, newWidth, newHeight));
     DibLock to(result.handle);
     if (!to) return nullptr;
     if (bits == 8 || bits == 24 || bits == 32) {

@@ -139,13 +139,6 @@ static void EnlargePixels(const DibLock &from, const DibLock &to, const BlockArr
     }
 }
 
-/// Blank picture of the source's depth and palette, or null.
-static DibHandle CreateLike(const DibLock &from, int32_t width, int32_t height) {
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    return DibCreate(width, height, &palette, from.view.bits);
-}
-
 static bool HasByteRows(const DibLock &from) {
     return from.view.bits == 8 || from.view.bits == 24;
 }
@@ -153,7 +146,7 @@ static bool HasByteRows(const DibLock &from) {
 DibHandle DibShrinkHorz(DibHandle source, int32_t percent) {
     DibLock from(source);
     if (!from) return nullptr;
-    DibOwner result(CreateLike(from, ScaledSize(from.view.width, percent), from.view.height));
+    DibOwner result(DibCreateLike(from, ScaledSize(from.view.width, percent), from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const uint32_t bits = from.view.bits;
@@ -179,7 +172,7 @@ DibHandle DibShrinkHorz(DibHandle source, int32_t percent) {
 DibHandle DibShrinkVert(DibHandle source, int32_t percent) {
     DibLock from(source);
     if (!from) return nullptr;
-    DibOwner result(CreateLike(from, from.view.width, ScaledSize(from.view.height, percent)));
+    DibOwner result(DibCreateLike(from, from.view.width, ScaledSize(from.view.height, percent)));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const size_t rowBytes = static_cast<size_t>(from.view.width) * (from.view.bits / 8);
@@ -202,7 +195,7 @@ DibHandle DibShrinkVert(DibHandle source, int32_t percent) {
 DibHandle DibEnlargeHorz(DibHandle source, int32_t percent) {
     DibLock from(source);
     if (!from || percent / 100 >= kLargestRun) return nullptr;
-    DibOwner result(CreateLike(from, ScaledSize(from.view.width, percent), from.view.height));
+    DibOwner result(DibCreateLike(from, ScaledSize(from.view.width, percent), from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     BlockArray<Mix> mixes(static_cast<uint64_t>(to.view.width));
@@ -222,7 +215,7 @@ DibHandle DibEnlargeHorz(DibHandle source, int32_t percent) {
 DibHandle DibEnlargeVert(DibHandle source, int32_t percent) {
     DibLock from(source);
     if (!from || percent / 100 >= kLargestRun) return nullptr;
-    DibOwner result(CreateLike(from, from.view.width, ScaledSize(from.view.height, percent)));
+    DibOwner result(DibCreateLike(from, from.view.width, ScaledSize(from.view.height, percent)));
     DibLock to(result.handle);
     if (!to) return nullptr;
     BlockArray<Mix> mixes(static_cast<uint64_t>(to.view.height));

@@ -60,4 +60,6 @@ FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValid
     return 1;
 }
 
-FAKE const char *LMF16FILTERGetCopyright(void) { return "a stand-in"; }
+FAKE const char *LMF16FILTERGetCopyright(void) {
+    return "a stand-in";
+}

@@ -2,14 +2,13 @@
 // the second picture is smaller, the picture counts as opaque. There are no settings.
 #include "engine/slots.h"
 #include "image/dib.h"
+#include "image/div255.h"
 #include "image/multiversion.h"
 
 namespace lmf {
 
-/// Both quotients are below 256, and 16 bits hold the products.
 [[gnu::always_inline]] static inline uint8_t OverPaper(uint8_t channel, uint8_t paper, uint8_t alpha) {
-    const auto kept = static_cast<uint16_t>(alpha * channel), shown = static_cast<uint16_t>(paper * (255 - alpha));
-    return static_cast<uint8_t>(kept / 255 + shown / 255);
+    return MixBytes(channel, paper, static_cast<uint8_t>(255 - alpha));
 }
 
 LMF_MULTIVERSION

@@ -36,9 +36,7 @@ static DibHandle CropKernel(DibHandle source, FilterContext *context) {
     if (!from) return nullptr;
     const CropSpan columns = SpanBetween(context->FilterCropLeft, context->FilterCropRight);
     const CropSpan rows = SpanBetween(context->FilterCropTop, context->FilterCropBottom);
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(columns.Length(), rows.Length(), &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, columns.Length(), rows.Length()));
     DibLock to(result.handle);
     if (!to) return nullptr;
     DibCopyRect(to.image, 0, 0, from.image, static_cast<int32_t>(columns.first), static_cast<int32_t>(rows.first),

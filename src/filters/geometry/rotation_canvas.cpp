@@ -46,10 +46,7 @@ RowParts SourceMap::PartsOf(int32_t y) const {
 }
 
 static RotatedPicture CreatePictures(const DibLock &from, const RotationPlan &plan) {
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    return {DibOwner(DibCreate(plan.width, plan.height, &palette, from.view.bits)),
-            DibOwner(DibCreateGrey(plan.width, plan.height))};
+    return {DibOwner(DibCreateLike(from, plan.width, plan.height)), DibOwner(DibCreateGrey(plan.width, plan.height))};
 }
 
 RotationCanvas::RotationCanvas(const DibLock &from, const RotationPlan &plan)

@@ -78,9 +78,7 @@ static void ChooseHalves(void *to, const void *from, const Fade &columns, const 
 /// The result without regard to "Maintain size"; the caller owns it.
 static DibHandle OverlapHalves(const DibLock &from, int32_t mode) {
     const Fade columns(from.view.width), rows(from.view.height);
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(columns.side, rows.side, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, columns.side, rows.side));
     DibLock to(result.handle);
     if (!to || !columns.share || !rows.share) return nullptr;
     const bool hasChannels = from.view.bits == 8 || from.view.bits == 24 || from.view.bits == 32;

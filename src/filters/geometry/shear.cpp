@@ -104,10 +104,8 @@ static DibHandle ShearKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     // Indexes and bits cannot be blended; the catalogue lets no such picture through.
     if (!from || (from.view.bits != 8 && from.view.bits != 24 && from.view.bits != 32)) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
     const Lean across(context->FilterShearDegreeX, from.view.height);
-    DibOwner leaning(DibCreate(Widened(from.view.width, across.margin), from.view.height, &palette, from.view.bits));
+    DibOwner leaning(DibCreateLike(from, Widened(from.view.width, across.margin), from.view.height));
     DibLock middle(leaning.handle);
     if (!middle) return nullptr;
     const uint32_t value = PaperFillValue(context->paperColor, context->mode, from.image);
@@ -122,7 +120,7 @@ static DibHandle ShearKernel(DibHandle source, FilterContext *context) {
         middle.Unlock();
         return leaning.Release();
     }
-    DibOwner result(DibCreate(middle.view.width, Widened(from.view.height, down.margin), &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, middle.view.width, Widened(from.view.height, down.margin)));
     DibLock to(result.handle);
     if (!to || !ShearColumns(to.view, middle.view, down, fill)) return nullptr;
     to.Unlock();

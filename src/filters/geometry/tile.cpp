@@ -24,10 +24,8 @@ static DibHandle TileKernel(DibHandle source, FilterContext *context) {
     if (!from) return nullptr;
     const int32_t width = from.view.width, height = from.view.height;
     const bool integral = context->FilterTileIntegral != 0;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(SheetSide(context->FilterTileWide, width, integral),
-                              SheetSide(context->FilterTileDeep, height, integral), &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, SheetSide(context->FilterTileWide, width, integral),
+                                  SheetSide(context->FilterTileDeep, height, integral)));
     DibLock to(result.handle);
     if (!to) return nullptr;
     for (int64_t x = 0; x < to.view.width; x += width)

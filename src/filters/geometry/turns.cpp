@@ -86,11 +86,9 @@ template <typename Turn>
 static DibHandle MakeTurned(DibHandle source, bool swapSides, Turn turn) {
     DibLock from(source);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
     const DibView &view = from.view;
-    DibOwner result(
-        DibCreate(swapSides ? view.height : view.width, swapSides ? view.width : view.height, &palette, view.bits));
+    DibOwner result(swapSides ? DibCreateLike(from, view.height, view.width)
+                              : DibCreateLike(from, view.width, view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     turn(to, from);

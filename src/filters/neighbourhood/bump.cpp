@@ -51,9 +51,7 @@ static void BumpRow(const DibLock &to, const DibLock &from, int32_t y) {
 static DibHandle BumpKernel(DibHandle source, FilterContext *) {
     DibLock from(source);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const ImageMode mode = DibClassify(nullptr, from.image);

@@ -181,9 +181,7 @@ static void ConvolveThroughPixels(void *to, const DibLock &from, const Window5x5
 DibHandle Convolve5x5(DibHandle source, const Window5x5 &window) {
     DibLock from(source);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     if (from.view.bits != 24 && from.view.bits != 8)

@@ -106,9 +106,7 @@ DibHandle ConvolveSquare(DibHandle picture, int32_t order, const double *kernel,
     DibLock from(picture);
     if (!from) return nullptr;
     if (order < 1 || order % 2 == 0 || order > from.view.width || order > from.view.height) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
 

@@ -37,9 +37,7 @@ static void TraceRow(const DibView &to, const DibView &from, int32_t y, bool fat
 static DibHandle EdgeTraceAndFattenKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     if (!from || from.view.bits != 1) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, 1));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++) TraceRow(to.view, from.view, y, context->FilterEdgeTraceFatten != 0);

@@ -171,9 +171,7 @@ static bool BlurColumnsThroughPixels(void *image, const double *kernel, int32_t 
 static DibHandle Blur(DibHandle source, double radius, double sigma, int32_t channels) {
     DibLock from(source);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const ptrdiff_t pixelBytes = std::min(from.view.stride, to.view.stride) * from.view.height;

@@ -109,9 +109,7 @@ static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &k
 static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
 

@@ -43,9 +43,7 @@ static uint32_t EdgeAt(const DibLock &from, int32_t x, int32_t y) {
 static DibHandle FindEdges(DibHandle picture) {
     DibLock from(picture);
     if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++)

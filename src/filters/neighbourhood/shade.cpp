@@ -124,9 +124,7 @@ static DibHandle ShadeKernel(DibHandle source, FilterContext *context) {
     if (!from) return nullptr;
     // A relief takes three rows.
     if (from.view.height < 3) return DibClone(source);
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
     DibLock to(result.handle);
     if (!to) return nullptr;
     const double azimuth = context->FilterShadeAzimuth * std::numbers::pi / 180;

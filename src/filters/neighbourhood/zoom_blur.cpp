@@ -76,9 +76,7 @@ static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     if (!from) return nullptr;
     const int32_t width = from.view.width, height = from.view.height;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(width, height, &palette, from.view.bits));
+    DibOwner result(DibCreateLike(from, width, height));
     DibLock to(result.handle);
     if (!to) return nullptr;
 
