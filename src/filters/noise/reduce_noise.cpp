@@ -1,11 +1,12 @@
 // Reduce noise: replaces each channel of a pixel by the middle one of the n values from the pixel to the right in its
 // row. Where that is the highest or the lowest of them, the next distinct value towards the others is taken instead,
 // so that a peak never stays; beyond the right edge everything counts as white. The setting is the radius in tenths of
-// a pixel, rounded up: n is 3 up to 10, 5 up to 20 and so on to 11. Pictures smaller than n x n are refused.
+// a pixel, rounded up: n is 3 up to 10, 5 up to 20 and so on. Pictures smaller than n x n are refused.
 #include <cstring>
 
 #include "engine/slots.h"
 #include "filters/noise/bgr_rows.h"
+#include "filters/noise/byte_counts.h"
 #include "filters/noise/byte_network.h"
 #include "filters/noise/window_width.h"
 #include "image/multiversion.h"
@@ -17,7 +18,8 @@ static constexpr PageControl kPage[] = {
     HundredthsSlider(740, "Radius:", &FilterParameters::Filter_ReduceNoiseRadius, {2, 50}),
 };
 
-static constexpr int32_t kWidestWindow = 11;
+/// Widest window that has a network, and that the page allows.
+static constexpr int32_t kWidestNetwork = 11;
 /// Rows are worked on in whole groups of this many bytes.
 static constexpr size_t kGroup = 64;
 
@@ -67,23 +69,44 @@ REDUCE_ROW(11)
 using RowFunction = void (*)(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count);
 static constexpr RowFunction kReduceRow[] = {ReduceRow3, ReduceRow5, ReduceRow7, ReduceRow9, ReduceRow11};
 
+/// The same for windows of any width, by counts that follow the window along the row. A settings file may ask for it.
+static void ReduceRowByCounts(uint8_t *to, const uint8_t *from, size_t rowBytes, int32_t n) {
+    const size_t reach = 3 * static_cast<size_t>(n - 1);
+    for (size_t channel = 0; channel < 3; channel++) {
+        ByteCounts counts;
+        for (size_t x = channel; x < reach; x += 3) counts.at[from[x]]++;
+        for (size_t x = channel; x < rowBytes; x += 3) {
+            counts.at[from[x + reach]]++;
+            const uint8_t lowest = counts.InOrder(0), middle = counts.InOrder(n / 2), highest = counts.InOrder(n - 1);
+            to[x] = middle;
+            if (middle == lowest && middle != highest) to[x] = counts.InOrder(counts.at[middle]);
+            if (middle == highest && middle != lowest) to[x] = counts.InOrder(n - 1 - counts.at[middle]);
+            counts.at[from[x]]--;
+        }
+    }
+}
+
 static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     const int32_t width = pass.from.view.width, height = pass.from.view.height;
-    const int32_t n = std::min(WindowWidth(context->Filter_ReduceNoiseRadius / 10.0, 0.5), kWidestWindow);
+    const int32_t n = WindowWidth(context->Filter_ReduceNoiseRadius / 10.0, 0.5);
     if (width < n || height < n) return nullptr;
 
-    const size_t padded = (static_cast<size_t>(width) * 3 + kGroup - 1) / kGroup * kGroup;
-    const size_t reach = 3 * (kWidestWindow - 1);
+    const size_t rowBytes = static_cast<size_t>(width) * 3;
+    const size_t padded = (rowBytes + kGroup - 1) / kGroup * kGroup;
+    const size_t reach = 3 * static_cast<size_t>(n - 1);
     BlockArray<uint8_t> buffer(padded * 2 + reach);
     if (!buffer) return nullptr;
     uint8_t *const reduced = buffer.data, *const values = buffer.data + padded;
     std::memset(values, 0xFF, padded + reach);
-    const auto reduceRow = kReduceRow[n / 2 - 1];
+    const RowFunction reduceRow = n <= kWidestNetwork ? kReduceRow[n / 2 - 1] : nullptr;
     for (int32_t y = 0; y < height; y++) {
         ReadBgrRow(pass.from, y, values);
-        reduceRow(reduced, values, padded);
+        if (reduceRow != nullptr)
+            reduceRow(reduced, values, padded);
+        else
+            ReduceRowByCounts(reduced, values, rowBytes, n);
         WriteBgrRow(pass.to, y, reduced);
     }
     return pass.Finish();

@@ -143,7 +143,7 @@ TEST(WindowWidth, RoundsTheRadiusUpOrFollowsSigma) {
 TEST(Median, AgreesWithSortingEachWindow) {
     uint32_t seed = 0;
     for (const Case &c : kCases) {
-        for (int32_t radius : {100, 101, 200, 300}) {
+        for (int32_t radius : {100, 101, 200, 300, 301}) {
             DibOwner picture = NoisyPicture(c.width, c.height, seed++, c.bits);
             FilterContext context = MakeContext();
             context.FilterMedianRadius = radius;
@@ -169,7 +169,7 @@ TEST(Median, WindowHangsBelowAndRightOfThePixelOverWhite) {
 TEST(ReduceNoise, AgreesWithCountingEachWindow) {
     uint32_t seed = 0;
     for (const Case &c : kCases) {
-        for (int32_t radius : {2, 10, 15, 30, 31, 50}) {
+        for (int32_t radius : {2, 10, 15, 30, 31, 50, 51, 95}) {
             DibOwner picture = NoisyPicture(c.width, c.height, seed++, c.bits);
             FilterContext context = MakeContext();
             context.Filter_ReduceNoiseRadius = radius;
