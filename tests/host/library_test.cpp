@@ -15,54 +15,28 @@
 
 #include "image/dib.h"
 
-#define LMF_AT(record, field, offset) static_assert(offsetof(record, field) == (offset))
-LMF_AT(HostRestrictions, restrictA, 8);
-LMF_AT(HostRestrictions, restrictB, 12);
-LMF_AT(HostRecord, filterIndex, 4);
-LMF_AT(HostRecord, applyToDuplicate, 8);
-LMF_AT(HostRecord, restrictions, 16);
-LMF_AT(HostHooks, choosePicture, 8);
-LMF_AT(HostHooks, folder, 24);
-LMF_AT(HostHooks, extension, 285);
+#define AT(record, field, offset) (offsetof(record, field) == (offset))
 // The two requests share their beginning.
-#define LMF_AT_BOTH(field, offset)                                                                                     \
-    LMF_AT(DarkroomRequest, field, offset);                                                                            \
-    LMF_AT(AdjustRequest, field, offset)
-LMF_AT_BOTH(flags, 4);
-LMF_AT_BOTH(owner, 8);
-LMF_AT_BOTH(picture, 16);
-LMF_AT_BOTH(result, 32);
-LMF_AT_BOTH(title, 40);
-LMF_AT_BOTH(validation, 304);
-LMF_AT_BOTH(view, 312);
-LMF_AT_BOTH(saveAs, 320);
-LMF_AT_BOTH(buttonStyle, 328);
-LMF_AT_BOTH(gradientSliders, 332);
-LMF_AT_BOTH(browserPath, 344);
-LMF_AT_BOTH(browserMask, 352);
-LMF_AT(DarkroomRequest, mask, 24);
-LMF_AT(DarkroomRequest, changed, 336);
-LMF_AT(DarkroomRequest, paperColor, 340);
-LMF_AT(DarkroomRequest, undo, 360);
-LMF_AT(DarkroomRequest, undoDepth, 368);
-LMF_AT(DarkroomRequest, undoCount, 372);
-LMF_AT(DarkroomRequest, hostValue, 384);
-LMF_AT(DarkroomRequest, tipTimer, 392);
-LMF_AT(DarkroomRequest, tipWindow, 400);
-LMF_AT(DarkroomRequest, tipPoint, 408);
-LMF_AT(DarkroomRequest, hitItem, 416);
-LMF_AT(DarkroomRequest, thumbBase, 424);
-LMF_AT(DarkroomRequest, thumbSource, 432);
-LMF_AT(AdjustRequest, second, 24);
-LMF_AT(AdjustRequest, hostValue, 376);
-LMF_AT(AdjustRequest, previewBase, 384);
-LMF_AT(AdjustRequest, previewOffset, 392);
-LMF_AT(AdjustRequest, dirty, 400);
-LMF_AT(AdjustRequest, context, 408);
-LMF_AT(AdjustRequest, fetch, 416);
-LMF_AT(AdjustRequest, store, 424);
-LMF_AT(AdjustRequest, hostHandle, 432);
-LMF_AT(AdjustRequest, count, 440);
+#define AT_BOTH(field, offset) (AT(DarkroomRequest, field, offset) && AT(AdjustRequest, field, offset))
+static_assert(AT(HostRestrictions, restrictA, 8) && AT(HostRestrictions, restrictB, 12));
+static_assert(AT(HostRecord, filterIndex, 4) && AT(HostRecord, applyToDuplicate, 8) &&
+              AT(HostRecord, restrictions, 16));
+static_assert(AT(HostHooks, choosePicture, 8) && AT(HostHooks, folder, 24) && AT(HostHooks, extension, 285));
+static_assert(AT_BOTH(flags, 4) && AT_BOTH(owner, 8) && AT_BOTH(picture, 16) && AT_BOTH(result, 32) &&
+              AT_BOTH(title, 40) && AT_BOTH(validation, 304) && AT_BOTH(view, 312) && AT_BOTH(saveAs, 320) &&
+              AT_BOTH(buttonStyle, 328) && AT_BOTH(gradientSliders, 332) && AT_BOTH(browserPath, 344) &&
+              AT_BOTH(browserMask, 352));
+static_assert(AT(DarkroomRequest, mask, 24) && AT(DarkroomRequest, changed, 336) &&
+              AT(DarkroomRequest, paperColor, 340) && AT(DarkroomRequest, undo, 360) &&
+              AT(DarkroomRequest, undoDepth, 368) && AT(DarkroomRequest, undoCount, 372) &&
+              AT(DarkroomRequest, hostValue, 384) && AT(DarkroomRequest, tipTimer, 392) &&
+              AT(DarkroomRequest, tipWindow, 400) && AT(DarkroomRequest, tipPoint, 408) &&
+              AT(DarkroomRequest, hitItem, 416) && AT(DarkroomRequest, thumbBase, 424) &&
+              AT(DarkroomRequest, thumbSource, 432));
+static_assert(AT(AdjustRequest, second, 24) && AT(AdjustRequest, hostValue, 376) &&
+              AT(AdjustRequest, previewBase, 384) && AT(AdjustRequest, previewOffset, 392) &&
+              AT(AdjustRequest, dirty, 400) && AT(AdjustRequest, context, 408) && AT(AdjustRequest, fetch, 416) &&
+              AT(AdjustRequest, store, 424) && AT(AdjustRequest, hostHandle, 432) && AT(AdjustRequest, count, 440));
 
 namespace {
 
@@ -142,31 +116,23 @@ TEST_F(Library, SaysWhatItIs) {
     EXPECT_STRNE(Find<const char *(*)()>("LMF16FILTERGetCopyright")(), "");
 }
 
-TEST_F(Library, InvertsAPictureAndHandsBackNewBlocks) {
-    LmfHandle source = NewPicture(24, 10), alpha = NewPicture(8, 77);
-    LmfHandle picture = source, second = alpha;
-    HostRecord record{0, kInvertColors, 0, nullptr};
-    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
-    EXPECT_NE(picture, source);
-    EXPECT_NE(second, alpha);
-    EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
-    EXPECT_EQ(FirstPixel(second), 77u);
-    EXPECT_EQ(FirstPixel(source), 0x0A0A0Au);
-    for (LmfHandle block : {source, alpha, picture, second}) LmfBlockFree(block);
-}
-
-TEST_F(Library, TheFilterThatWasAppliedLastIsRemembered) {
-    LmfHandle source = NewPicture(24, 10), picture = source, second = nullptr;
-    HostRecord record{0, kInvertColors, 0, nullptr};
-    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
-    LmfBlockFree(picture);
-    picture = source;
-    record.filterIndex = LMF_FILTER_LAST;
-    ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
-    EXPECT_EQ(record.filterIndex, kInvertColors);
-    EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
-    LmfBlockFree(picture);
+TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
+    const LmfHandle source = NewPicture(24, 10), alpha = NewPicture(8, 77);
+    for (uint32_t filter : {kInvertColors, uint32_t{LMF_FILTER_LAST}}) {
+        LmfHandle picture = source, second = alpha;
+        HostRecord record{0, filter, 0, nullptr};
+        ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
+        EXPECT_EQ(record.filterIndex, kInvertColors);
+        EXPECT_NE(picture, source);
+        EXPECT_NE(second, alpha);
+        EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
+        EXPECT_EQ(FirstPixel(second), 77u);
+        EXPECT_EQ(FirstPixel(source), 0x0A0A0Au);
+        LmfBlockFree(picture);
+        LmfBlockFree(second);
+    }
     LmfBlockFree(source);
+    LmfBlockFree(alpha);
 }
 
 TEST_F(Library, FailuresLeaveTheOutputsUntouched) {

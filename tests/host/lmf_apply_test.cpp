@@ -1,13 +1,7 @@
 // The built program at work: names of files, many pictures, exit codes, settings, and what it leaves behind.
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <csignal>
-#include <cstdlib>
 #include <filesystem>
-
-#include <png.h>
 
 #include "engine/catalogue.h"
 #include "host/lmf_program.h"
@@ -19,26 +13,24 @@ namespace fs = std::filesystem;
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 struct LmfApply : LmfProgram {
     /// A small grey picture whose pixels are all `value`.
     void MakeGrey(const std::string &name, uint8_t value = 40) {
         PngFile file;
-        file.width = file.height = 4;
         file.samples.assign(16, value);
         WritePng(In(name), file);
     }
 
     /// Runs with the stand-in library, which then does what `wish` says.
-    ProgramRun RunFake(const std::string &wish, Names arguments) {
+    ProgramRun RunFake(const std::string &wish, const std::string &filter, const Names &options = {}) {
+        Names arguments = {"apply", filter, "p.png", "out.png"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
         return Run(arguments, {{"LMF_LIBRARY", LMF_FAKE_LIBRARY_FILE}, {"LMF_FAKE", wish}});
     }
 
     /// Gives the value that the library would take for a key: that of the last line with it.
     std::string SeenSetting(const std::string &key) {
-        const Bytes bytes = ReadBytes(In("seen.ini"));
-        const std::string text(bytes.begin(), bytes.end());
+        const std::string text = ReadText(In("seen.ini"));
         const size_t at = text.rfind("\n" + key + " = ");
         if (at == std::string::npos) return "(none)";
         const size_t start = at + key.size() + 4;
@@ -46,32 +38,26 @@ struct LmfApply : LmfProgram {
     }
 };
 
-bool Has(const std::string &text, const std::string &part) {
-    return text.find(part) != std::string::npos;
-}
-
 } // namespace
 
 TEST_F(LmfApply, FileNamesAreOnlyBytes) {
     for (const std::string name :
          {"-v.png", "--json.png", "[a,b].png", "list.png", "\xff\xfe.png", "a b\n.png", "%%.png"}) {
         MakeGrey(name);
-        const ProgramRun run = Run({"apply", "Invert Colors", "--json", "--", name, "out" + name});
-        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        ExpectSilence(Invert({"--json", "--", name, "out" + name}));
         EXPECT_TRUE(fs::exists(In("out" + name))) << name;
     }
-    MakeGrey("[c].png");
     fs::create_directory(In("list"));
-    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "list", "[c].png", "%%.png"}).exitCode, 0);
-    EXPECT_TRUE(fs::exists(In("list/[c].png")) && fs::exists(In("list/%%.png")));
-    EXPECT_EQ(Run({"apply", "Invert Colors", "-v.png", "out.png"}).exitCode, 1);
+    Expect(0, Invert({"--out-dir", "list", "[a,b].png", "%%.png"}), "2 of 2 pictures written");
+    EXPECT_TRUE(fs::exists(In("list/[a,b].png")) && fs::exists(In("list/%%.png")));
+    EXPECT_EQ(Invert({"-v.png", "out.png"}).exitCode, 1);
 }
 
 TEST_F(LmfApply, WritesOverItsInputAndKeepsLinksAndPermissions) {
     MakeGrey("p.png");
     fs::permissions(In("p.png"), fs::perms(0640));
     fs::create_symlink("p.png", In("link.png"));
-    ASSERT_EQ(Run({"apply", "Invert Colors", "link.png", "link.png"}).exitCode, 0);
+    ExpectSilence(Invert({"link.png", "link.png"}));
     EXPECT_TRUE(fs::is_symlink(In("link.png")));
     EXPECT_EQ(fs::status(In("p.png")).permissions(), fs::perms(0640));
     EXPECT_EQ(ReadPng(In("p.png")).samples, Bytes(16, 215));
@@ -81,33 +67,26 @@ TEST_F(LmfApply, WritesOverItsInputAndKeepsLinksAndPermissions) {
 TEST_F(LmfApply, WhatCannotBeWrittenLeavesEverythingAsItWas) {
     MakeGrey("p.png");
     fs::create_directory(In("folder.png"));
-    EXPECT_EQ(Run({"apply", "Invert Colors", "p.png", "no/such/folder/out.png"}).exitCode, 4);
-    EXPECT_EQ(Run({"apply", "Invert Colors", "p.png", "folder.png"}).exitCode, 4);
-    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "p.png", "p.png"}).exitCode, 4);
-    const ProgramRun unknown = Run({"apply", "Invert Colors", "p.png", "out.gif"});
-    EXPECT_EQ(unknown.exitCode, 1);
-    EXPECT_TRUE(Has(unknown.errors, "\"out.gif\" does not end in .png")) << unknown.errors;
+    EXPECT_EQ(Invert({"p.png", "no/such/folder/out.png"}).exitCode, 4);
+    EXPECT_EQ(Invert({"p.png", "folder.png"}).exitCode, 4);
+    EXPECT_EQ(Invert({"--out-dir", "p.png", "p.png"}).exitCode, 4);
+    Expect(1, Invert({"p.png", "out.gif"}), "\"out.gif\" does not end in .png");
     EXPECT_EQ(Files(), Names{"p.png"});
 }
 
 TEST_F(LmfApply, ManyPicturesGoOnAfterABadOneAndSumUp) {
     MakeGrey("a.png", 1);
     MakeGrey("c.png", 3);
-    WriteBytes(In("b.png"), {'n', 'o'});
-    const ProgramRun run = Run({"apply", "Hexagon", "--out-dir", "x/y", "a.png", "b.png"});
-    EXPECT_EQ(run.exitCode, 3) << "the first failure is that of the grey picture: " << run.errors;
-    EXPECT_TRUE(Has(run.errors, "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)"));
-    const ProgramRun mixed =
-        Run({"apply", "Invert Colors", "--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
-    EXPECT_EQ(mixed.exitCode, 2);
-    EXPECT_TRUE(Has(mixed.errors, "lmf: 2 of 4 pictures written, 2 failed")) << mixed.errors;
+    WriteText(In("b.png"), "no");
+    Expect(3, Run({"apply", "Hexagon", "--out-dir", "x/y", "a.png", "b.png"}), // the first failure counts
+           "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)");
+    const ProgramRun mixed = Invert({"--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
+    Expect(2, mixed, "lmf: 2 of 4 pictures written, 2 failed");
     EXPECT_TRUE(Has(mixed.output, "\"status\": \"failed\"") && Has(mixed.output, "\"exitCode\": 2"));
     EXPECT_EQ(ReadPng(In("out/a.png")).samples, Bytes(16, 254));
-    EXPECT_EQ(ReadPng(In("out/c.png")).samples, Bytes(16, 252));
     MakeGrey("out/a.png", 77);
     fs::remove(In("out/c.png"));
-    const ProgramRun again = Run({"apply", "Invert Colors", "--skip-existing", "--out-dir", "out", "a.png", "c.png"});
-    EXPECT_TRUE(Has(again.errors, "1 of 2 pictures written, 1 skipped")) << again.errors;
+    Expect(0, Invert({"--skip-existing", "--out-dir", "out", "a.png", "c.png"}), "1 of 2 pictures written, 1 skipped");
     EXPECT_EQ(ReadPng(In("out/a.png")).samples, Bytes(16, 77));
     EXPECT_EQ(ReadPng(In("out/c.png")).samples, Bytes(16, 252));
 }
@@ -116,12 +95,11 @@ TEST_F(LmfApply, TwoInputsWithOneOutputAreRefusedBeforeAnythingIsDone) {
     fs::create_directories(In("x"));
     MakeGrey("a.png");
     MakeGrey("x/a.png");
-    ASSERT_EQ(Run({"apply", "Invert Colors", "a.png", "a.bmp"}).exitCode, 0);
+    ExpectSilence(Invert({"a.png", "a.bmp"}));
     const Names before = Files();
-    EXPECT_EQ(Run({"apply", "Invert Colors", "--out-dir", "out", "a.png", "x/a.png"}).exitCode, 1);
-    const ProgramRun run = Run({"apply", "Invert Colors", "--out-dir", "out", "--format", "tif", "a.png", "a.bmp"});
-    EXPECT_EQ(run.exitCode, 1);
-    EXPECT_TRUE(Has(run.errors, "a.png and a.bmp would both be written to out/a.tif")) << run.errors;
+    EXPECT_EQ(Invert({"--out-dir", "out", "a.png", "x/a.png"}).exitCode, 1);
+    Expect(1, Invert({"--out-dir", "out", "--format", "tif", "a.png", "a.bmp"}),
+           "a.png and a.bmp would both be written to out/a.tif");
     EXPECT_EQ(Files(), before);
 }
 
@@ -130,7 +108,6 @@ TEST_F(LmfApply, WrongUsageSaysWhatIsRight) {
         {{}, "lmf apply FILTER IN OUT"},
         {{"aply"}, "did you mean \"apply\"?"},
         {{"apply", "gausian blur", "a.png", "b.png"}, "did you mean \"Gaussian Blur\""},
-        {{"apply", "sharpn", "a.png", "b.png"}, "did you mean \"Sharpen\""},
         {{"apply", "Sepia", "a.png"}, "one input and one output"},
         {{"apply", "Sepia", "--out-dir", "x"}, "no pictures"},
         {{"apply", "Sepia", "a.png", "b.png", "--qualty", "5"}, "there is no option --qualty"},
@@ -140,11 +117,7 @@ TEST_F(LmfApply, WrongUsageSaysWhatIsRight) {
         {{"show", "Swril"}, "did you mean \"Swirl\"?"},
         {{"list", "--category", "Colour"}, "Artistic, Blur, Color"},
     };
-    for (const auto &[arguments, message] : cases) {
-        const ProgramRun run = Run(arguments);
-        EXPECT_EQ(run.exitCode, 1) << message;
-        EXPECT_TRUE(Has(run.errors, message)) << run.errors;
-    }
+    for (const auto &[arguments, message] : cases) Expect(1, Run(arguments), message);
     EXPECT_EQ(Run({"apply", "--help"}).exitCode, 0);
 }
 
@@ -155,33 +128,19 @@ TEST_F(LmfApply, FailuresOfTheLibraryAreToldAndWriteNothing) {
                                                          {"fail:0", "Sepia: Library error"},
                                                          {"fail:99", "Sepia: Library error"},
                                                          {"lying header", "Sepia: Library error"}};
-    for (const auto &[wish, message] : cases) {
-        const ProgramRun run = RunFake(wish, {"apply", "Sepia", "p.png", "out.png"});
-        EXPECT_EQ(run.exitCode, 3);
-        EXPECT_TRUE(Has(run.errors, "p.png: " + message)) << run.errors;
-    }
-    const ProgramRun missing = Run({"apply", "Sepia", "p.png", "out.png", "--library", "/no/such.so"});
-    EXPECT_EQ(missing.exitCode, 3);
-    EXPECT_TRUE(Has(missing.errors, "cannot be loaded")) << missing.errors;
-    EXPECT_FALSE(fs::exists(In("out.png")));
+    for (const auto &[wish, message] : cases) Expect(3, RunFake(wish, "Sepia"), "p.png: " + message);
+    Expect(3, Invert({"p.png", "out.png", "--library", "/no/such.so"}), "cannot be loaded");
+    EXPECT_EQ(RunFake("interrupt", "Sepia").exitCode, 128 + SIGTERM);
+    EXPECT_EQ(Files(), (Names{"p.png", "seen.ini"}));
 }
 
 TEST_F(LmfApply, AlphaOfAnotherSizeIsLeftOutWithAWarning) {
     PngFile file;
-    file.width = file.height = 4;
     file.type = PNG_COLOR_TYPE_RGB_ALPHA;
     file.samples.assign(64, 9);
     WritePng(In("p.png"), file);
-    const ProgramRun run = RunFake("other alpha", {"apply", "Sepia", "p.png", "out.png"});
-    EXPECT_EQ(run.exitCode, 0);
-    EXPECT_TRUE(Has(run.errors, "warning: the alpha no longer has the size")) << run.errors;
+    Expect(0, RunFake("other alpha", "Sepia"), "warning: the alpha no longer has the size");
     EXPECT_EQ(ReadPng(In("out.png")).type, PNG_COLOR_TYPE_RGB);
-}
-
-TEST_F(LmfApply, InterruptedRunLeavesNothingBehind) {
-    MakeGrey("p.png");
-    EXPECT_EQ(RunFake("interrupt", {"apply", "Sepia", "p.png", "out.png"}).exitCode, 128 + SIGTERM);
-    EXPECT_EQ(Files(), (Names{"p.png", "seen.ini"}));
 }
 
 TEST_F(LmfApply, SettingsReachTheLibraryAsItsFileHasThem) {
@@ -206,11 +165,10 @@ TEST_F(LmfApply, SettingsReachTheLibraryAsItsFileHasThem) {
         {"Fade", "Edge=3", "FilterFadeEdge", "3"},
     };
     for (const Case &c : cases) {
-        const ProgramRun run = RunFake("", {"apply", c.filter, "p.png", "out.png", "--set", c.assignment});
-        EXPECT_EQ(run.exitCode, 0) << run.errors;
+        ExpectSilence(RunFake("", c.filter, {"--set", c.assignment}));
         EXPECT_EQ(SeenSetting(c.key), c.value) << c.assignment;
     }
-    RunFake("", {"apply", "Sepia", "p.png", "out.png", "--paper", "102030"});
+    RunFake("", "Sepia", {"--paper", "102030"});
     EXPECT_EQ(SeenSetting("PaperColor"), "3153936");
     EXPECT_EQ(SeenSetting("CurrentFilter"), "70");
     EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "40") << "every key is stated, so that nothing is inherited";
@@ -218,7 +176,6 @@ TEST_F(LmfApply, SettingsReachTheLibraryAsItsFileHasThem) {
 
 TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
     MakeGrey("p.png");
-    const std::string tooLong(300, 'x');
     struct Case {
         std::string filter, assignment, message;
     };
@@ -231,7 +188,6 @@ TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
         {"Gaussian Blur", "Radius=991", "Legal: 10 to 990"},
         {"Gaussian Blur", "Radius=0.123", "Legal: 10 to 990, or 0.10 to 9.90"},
         {"Gaussian Blur", "Radius=4-5", "Legal: 10 to 990"},
-        {"Gaussian Blur", "Radius=", "Legal: 10 to 990"},
         {"Gaussian Blur", "Radius=99999999999999999999", "Legal: 10 to 990"},
         {"Fade", "Edge=Suoth", "did you mean \"South\"?"},
         {"Fade", "Edge=4", "\"North\", \"East\", \"South\", \"West\""},
@@ -239,16 +195,14 @@ TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
         {"Caption", "TextColor=red", "a color as RRGGBB"},
         {"Caption", "String=one\ntwo", "control characters"},
         {"Caption", "String= padded", "cannot begin with a blank"},
-        {"Caption", "String=" + tooLong, "at most 236 characters"},
+        {"Caption", "String=" + std::string(300, 'x'), "at most 236 characters"},
         {"Caption", "String=\xd0\x96", "code page 1252"},
         {"Waves", "FilterWavesIntensity=5", "no settings file keeps it"},
         {"Social Media", "Size=5", "several settings that end in"},
         {"Invert Colors", "Radius=5", "has no settings"},
     };
     for (const Case &c : cases) {
-        const ProgramRun run = Run({"apply", c.filter, "p.png", "out.png", "--set", c.assignment});
-        EXPECT_EQ(run.exitCode, 1) << c.assignment;
-        EXPECT_TRUE(Has(run.errors, c.message)) << c.assignment << ": " << run.errors;
+        Expect(1, Run({"apply", c.filter, "p.png", "out.png", "--set", c.assignment}), c.message);
     }
     EXPECT_EQ(Files(), Names{"p.png"});
 }
@@ -256,10 +210,8 @@ TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
 TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
     MakeGrey("p.png");
     const std::string text = ";comment\nCurrentFilter = 3\nFilterGaussianRadius = 300\nFilterGaussianSigma = 33";
-    WriteBytes(In("mine.ini"), Bytes(text.begin(), text.end()));
-    const ProgramRun run = RunFake("", {"apply", "Gaussian Blur", "p.png", "out.png", "--settings-from", "mine.ini",
-                                        "--set", "FilterGaussianRadius=50"});
-    ASSERT_EQ(run.exitCode, 0) << run.errors;
+    WriteText(In("mine.ini"), text);
+    ExpectSilence(RunFake("", "Gaussian Blur", {"--settings-from", "mine.ini", "--set", "FilterGaussianRadius=50"}));
     EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "50");
     EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "33");
     EXPECT_EQ(SeenSetting("CurrentFilter"), "31");
@@ -269,17 +221,16 @@ TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
 
 // The road through program, ini file and library gives what the kernel gives when it is called with the same values.
 TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
-    const PngFile photograph = ReadPng(kPhotograph);
-    PngFile small = photograph;
+    PngFile small = ReadPng(kPhotograph);
     small.height = 40;
     small.samples.resize(size_t(small.width) * 40 * 3);
     WritePng(In("a.png"), small);
     std::reverse(small.samples.begin(), small.samples.end());
     WritePng(In("b.png"), small);
-    ASSERT_EQ(Run({"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60", "--out-dir", "out", "a.png",
-                   "b.png"})
-                  .exitCode,
-              0);
+    Expect(0,
+           Run({"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60", "--out-dir", "out", "a.png",
+                "b.png"}),
+           "2 of 2 pictures written");
     std::vector<uint32_t> pixels;
     for (size_t i = 0; i < small.samples.size(); i += 3)
         pixels.push_back(small.samples[i] | uint32_t(small.samples[i + 1]) << 8 | uint32_t(small.samples[i + 2]) << 16);

@@ -13,11 +13,12 @@ namespace {
 
 using Json = nlohmann::json;
 
-struct LmfCatalogue : LmfProgram {};
-
-size_t CountLines(const std::string &text) {
-    return size_t(std::count(text.begin(), text.end(), '\n'));
-}
+struct LmfCatalogue : LmfProgram {
+    size_t CountLines(const Names &arguments) {
+        const std::string text = Run(arguments).output;
+        return size_t(std::count(text.begin(), text.end(), '\n'));
+    }
+};
 
 } // namespace
 
@@ -69,14 +70,14 @@ TEST_F(LmfCatalogue, ShowsAFilterForPeopleAndForPrograms) {
     const Json document = Json::parse(Run({"list", "--json"}).output);
     EXPECT_EQ(Json::parse(Run({"show", "gaussian BLUR", "--json"}).output), document["filters"][31]);
     const std::string text = Run({"show", "Gaussian Blur"}).output;
-    EXPECT_NE(text.find("FilterGaussianRadius  \"Radius:\"\n"), std::string::npos);
-    EXPECT_NE(text.find("10 to 990 (shown as 0.10 to 9.90)\n"), std::string::npos);
-    EXPECT_NE(text.find("40 (shown as 0.40)\n"), std::string::npos);
-    EXPECT_NE(Run({"show", "Fade"}).output.find("2 South\n"), std::string::npos);
-    EXPECT_NE(Run({"show", "Swirl"}).output.find("restore   2925"), std::string::npos);
-    EXPECT_NE(Run({"show", "Invert Colors"}).output.find("no settings"), std::string::npos);
-    EXPECT_EQ(CountLines(Run({"list"}).output), size_t(kFilterCount) + 1);
-    EXPECT_EQ(CountLines(Run({"list", "--category", "blur"}).output), 1u + 4u);
+    EXPECT_TRUE(Has(text, "FilterGaussianRadius  \"Radius:\"\n"));
+    EXPECT_TRUE(Has(text, "10 to 990 (shown as 0.10 to 9.90)\n"));
+    EXPECT_TRUE(Has(text, "40 (shown as 0.40)\n"));
+    EXPECT_TRUE(Has(Run({"show", "Fade"}).output, "2 South\n"));
+    EXPECT_TRUE(Has(Run({"show", "Swirl"}).output, "restore   2925"));
+    EXPECT_TRUE(Has(Run({"show", "Invert Colors"}).output, "no settings"));
+    EXPECT_EQ(CountLines({"list"}), size_t(kFilterCount) + 1);
+    EXPECT_EQ(CountLines({"list", "--category", "blur"}), 1u + 4u);
 }
 
 } // namespace lmf::testing

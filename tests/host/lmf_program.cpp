@@ -1,8 +1,6 @@
 #include "host/lmf_program.h"
 
 #include <fcntl.h>
-#include <png.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -18,13 +16,8 @@ namespace fs = std::filesystem;
 
 const char *const kPhotograph = "/usr/lib/python3/dist-packages/imageio/resources/images/chelsea.png";
 
-static int ChannelsOf(int type) {
-    return ((type & PNG_COLOR_MASK_COLOR) && type != PNG_COLOR_TYPE_PALETTE ? 3 : 1) +
-           ((type & PNG_COLOR_MASK_ALPHA) ? 1 : 0);
-}
-
 // Damage in what a test wrote itself is the end of the test run: libpng's own handler aborts.
-void WritePng(const std::string &path, const PngFile &file) {
+void WritePng(const std::string &path, PngFile file) {
     std::FILE *out = std::fopen(path.c_str(), "wb");
     ASSERT_NE(out, nullptr) << path;
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
@@ -33,29 +26,25 @@ void WritePng(const std::string &path, const PngFile &file) {
     png_set_IHDR(png, info, png_uint_32(file.width), png_uint_32(file.height), file.depth, file.type,
                  file.interlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
                  PNG_FILTER_TYPE_DEFAULT);
-    std::vector<png_color> colors;
-    for (const auto &[red, green, blue] : file.palette) colors.push_back({red, green, blue});
-    if (!colors.empty()) png_set_PLTE(png, info, colors.data(), int(colors.size()));
     const png_uint_16 gray = png_uint_16(file.key);
     const png_color_16 key = {0, gray, gray, gray, gray};
+    if (!file.palette.empty()) png_set_PLTE(png, info, file.palette.data(), int(file.palette.size()));
     if (!file.alpha.empty()) png_set_tRNS(png, info, file.alpha.data(), int(file.alpha.size()), nullptr);
     if (file.key >= 0) png_set_tRNS(png, info, nullptr, 0, &key);
     if (!file.icc.empty()) png_set_iCCP(png, info, "profile", 0, file.icc.data(), png_uint_32(file.icc.size()));
-    if (!file.exif.empty())
-        png_set_eXIf_1(png, info, png_uint_32(file.exif.size()), const_cast<png_bytep>(file.exif.data()));
+    if (!file.exif.empty()) png_set_eXIf_1(png, info, png_uint_32(file.exif.size()), file.exif.data());
+    std::vector<png_bytep> rows;
+    for (size_t y = 0; y < size_t(file.height); y++)
+        rows.push_back(file.samples.data() + file.samples.size() / size_t(file.height) * y);
     png_write_info(png, info);
     png_set_packing(png);
-    Bytes samples = file.samples;
-    const size_t row = samples.size() / size_t(file.height);
-    std::vector<png_bytep> rows;
-    for (int y = 0; y < file.height; y++) rows.push_back(samples.data() + row * size_t(y));
     png_write_image(png, rows.data());
-    png_write_end(png, info);
+    png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
     std::fclose(out);
 }
 
-PngFile ReadPng(const std::string &path) {
+static PngFile ReadPngAs(const std::string &path, bool rgba) {
     PngFile file;
     std::FILE *in = std::fopen(path.c_str(), "rb");
     if (in == nullptr) {
@@ -65,41 +54,57 @@ PngFile ReadPng(const std::string &path) {
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png_create_info_struct(png);
     png_init_io(png, in);
-    png_read_info(png, info);
+    if (rgba) png_set_add_alpha(png, 255, PNG_FILLER_AFTER);
+    const int expand = PNG_TRANSFORM_EXPAND | PNG_TRANSFORM_GRAY_TO_RGB | PNG_TRANSFORM_SCALE_16;
+    png_read_png(png, info, rgba ? expand : PNG_TRANSFORM_IDENTITY, nullptr);
     file.width = int(png_get_image_width(png, info));
     file.height = int(png_get_image_height(png, info));
     file.type = png_get_color_type(png, info);
     file.depth = png_get_bit_depth(png, info);
-    png_colorp colors = nullptr;
-    int count = 0;
-    if (png_get_PLTE(png, info, &colors, &count))
-        for (int i = 0; i < count; i++) file.palette.push_back({colors[i].red, colors[i].green, colors[i].blue});
-    png_bytep alpha = nullptr;
-    if (png_get_tRNS(png, info, &alpha, &count, nullptr) && alpha) file.alpha.assign(alpha, alpha + count);
+    for (int y = 0; y < file.height; y++) {
+        const png_bytep row = png_get_rows(png, info)[y];
+        file.samples.insert(file.samples.end(), row, row + png_get_rowbytes(png, info));
+    }
+    int compression = 0;
     png_charp name = nullptr;
     png_bytep data = nullptr;
     png_uint_32 size = 0;
-    if (png_get_iCCP(png, info, &name, &count, &data, &size)) file.icc.assign(data, data + size);
+    if (png_get_iCCP(png, info, &name, &compression, &data, &size)) file.icc.assign(data, data + size);
     if (png_get_eXIf_1(png, info, &size, &data)) file.exif.assign(data, data + size);
-    png_set_packing(png);
-    png_read_update_info(png, info);
-    const size_t row = size_t(file.width) * size_t(ChannelsOf(file.type)) * (file.depth == 16 ? 2 : 1);
-    file.samples.resize(row * size_t(file.height));
-    for (int y = 0; y < file.height; y++) png_read_row(png, file.samples.data() + row * size_t(y), nullptr);
     png_destroy_read_struct(&png, &info, nullptr);
     std::fclose(in);
     return file;
 }
 
-Bytes ReadBytes(const std::string &path) {
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
+PngFile ReadPng(const std::string &path) {
+    return ReadPngAs(path, false);
 }
 
-void WriteBytes(const std::string &path, const Bytes &bytes) {
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
-    ASSERT_TRUE(out.good()) << path;
+Bytes ReadRgba(const std::string &path) {
+    return ReadPngAs(path, true).samples;
+}
+
+std::string ReadText(const std::string &path) {
+    std::ifstream in(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+void WriteText(const std::string &path, const std::string &text) {
+    ASSERT_TRUE(std::ofstream(path, std::ios::binary) << text) << path;
+}
+
+bool Has(const std::string &text, const std::string &part) {
+    return text.find(part) != std::string::npos;
+}
+
+void Expect(int exitCode, const ProgramRun &run, const std::string &complaint) {
+    EXPECT_EQ(run.exitCode, exitCode) << run.errors;
+    EXPECT_TRUE(Has(run.errors, complaint)) << run.errors << "instead of: " << complaint;
+}
+
+void ExpectSilence(const ProgramRun &run) {
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.errors, "");
 }
 
 void LmfProgram::SetUp() {
@@ -115,55 +120,37 @@ void LmfProgram::TearDown() {
     fs::remove_all(temporary);
 }
 
-ProgramRun LmfProgram::Run(const std::vector<std::string> &arguments,
-                           const std::map<std::string, std::string> &environment) {
-    const std::string output = temporary + "/output";
-    const std::string errors = temporary + "/errors";
-    std::vector<std::string> words = {LMF_PROGRAM_FILE};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    std::map<std::string, std::string> settings = {{"TMPDIR", temporary}, {"XDG_CONFIG_HOME", temporary + "/none"}};
-    for (const auto &[name, value] : environment) settings[name] = value;
-    for (char **entry = environ; *entry; entry++) {
-        const std::string text = *entry;
-        const size_t equals = text.find('=');
-        settings.emplace(text.substr(0, equals), text.substr(equals + 1));
-    }
-    std::vector<std::string> assignments;
-    for (const auto &[name, value] : settings) assignments.push_back(name + "=" + value);
-    std::vector<char *> argv;
-    std::vector<char *> envp;
-    for (std::string &word : words) argv.push_back(word.data());
-    for (std::string &assignment : assignments) envp.push_back(assignment.data());
-    argv.push_back(nullptr);
-    envp.push_back(nullptr);
-
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
-    posix_spawn_file_actions_addopen(&actions, 1, output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    posix_spawn_file_actions_addopen(&actions, 2, errors.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    pid_t child = 0;
-    const int failed = posix_spawn(&child, LMF_PROGRAM_FILE, &actions, nullptr, argv.data(), envp.data());
-    posix_spawn_file_actions_destroy(&actions);
-    ProgramRun run;
-    if (failed) {
-        ADD_FAILURE() << "cannot start " << LMF_PROGRAM_FILE;
-        return run;
+ProgramRun LmfProgram::Run(const Names &arguments, const std::map<std::string, std::string> &environment) {
+    const std::string output = temporary + "/output", errors = temporary + "/errors";
+    std::vector<char *> words = {const_cast<char *>(LMF_PROGRAM_FILE)};
+    for (const std::string &argument : arguments) words.push_back(const_cast<char *>(argument.c_str()));
+    words.push_back(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        setenv("TMPDIR", temporary.c_str(), 1);
+        setenv("XDG_CONFIG_HOME", (temporary + "/none").c_str(), 1);
+        for (const auto &[name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+        dup2(creat(output.c_str(), 0600), 1);
+        dup2(creat(errors.c_str(), 0600), 2);
+        if (chdir(folder.c_str()) == 0) execv(words[0], words.data());
+        _exit(127);
     }
     int status = 0;
-    waitpid(child, &status, 0);
-    run.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    const Bytes printed = ReadBytes(output);
-    const Bytes complained = ReadBytes(errors);
-    run.output.assign(printed.begin(), printed.end());
-    run.errors.assign(complained.begin(), complained.end());
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    const int exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    const ProgramRun run = {exitCode, ReadText(output), ReadText(errors)};
     fs::remove(output);
     fs::remove(errors);
     return run;
 }
 
-std::vector<std::string> LmfProgram::Files() const {
-    std::vector<std::string> names;
+ProgramRun LmfProgram::Invert(Names arguments) {
+    arguments.insert(arguments.begin(), {"apply", "Invert Colors"});
+    return Run(arguments);
+}
+
+Names LmfProgram::Files() const {
+    Names names;
     for (const auto &entry : fs::recursive_directory_iterator(folder))
         if (!entry.is_directory()) names.push_back(entry.path().lexically_relative(folder));
     std::sort(names.begin(), names.end());

@@ -1,7 +1,8 @@
 // The built program as a user meets it: run in a folder of its own, with files that the tests write and read back.
 #pragma once
 
-#include <array>
+#include <png.h>
+
 #include <cstdint>
 #include <map>
 #include <string>
@@ -12,6 +13,7 @@
 namespace lmf::testing {
 
 using Bytes = std::vector<uint8_t>;
+using Names = std::vector<std::string>;
 
 /// What one run of the program gave.
 struct ProgramRun {
@@ -20,26 +22,36 @@ struct ProgramRun {
     std::string errors;
 };
 
-/// A PNG file as it is stored: nothing is converted on the way in or out.
+/// The run ended with this code and complained of this among other things.
+void Expect(int exitCode, const ProgramRun &run, const std::string &complaint);
+/// The run went well and had nothing to complain of.
+void ExpectSilence(const ProgramRun &run);
+
+/// A PNG file as it is stored: but for samples below 8 bits, nothing is converted on the way in or out.
 struct PngFile {
-    int width = 0;
-    int height = 0;
-    int type = 0; ///< PNG_COLOR_TYPE_...
+    int width = 4;
+    int height = 4;
+    int type = PNG_COLOR_TYPE_GRAY;
     int depth = 8;
-    std::vector<std::array<uint8_t, 3>> palette;
-    Bytes alpha;   ///< tRNS of a palette
-    int key = -1;  ///< tRNS of a grey or, for all three channels, a colour picture
-    Bytes samples; ///< one byte a sample, two (high byte first) for depth 16, row by row
+    std::vector<png_color> palette; ///< written, not read; the same holds for `alpha` and `key`
+    Bytes alpha;                    ///< tRNS of a palette
+    int key = -1;                   ///< tRNS of a grey or, for all three channels, a colour picture
+    Bytes samples;                  ///< row by row, two bytes (high one first) for depth 16; written unpacked
     Bytes icc;
     Bytes exif;
     bool interlaced = false;
 };
 
-void WritePng(const std::string &path, const PngFile &file);
+void WritePng(const std::string &path, PngFile file);
 PngFile ReadPng(const std::string &path);
 
-Bytes ReadBytes(const std::string &path);
-void WriteBytes(const std::string &path, const Bytes &bytes);
+/// Gives red, green, blue and alpha of every pixel in 8 bits, whatever the type of the file.
+Bytes ReadRgba(const std::string &path);
+
+std::string ReadText(const std::string &path);
+void WriteText(const std::string &path, const std::string &text);
+
+bool Has(const std::string &text, const std::string &part);
 
 /// A file name that leads to a real photograph, 451 x 300 in 24 bits.
 extern const char *const kPhotograph;
@@ -51,14 +63,16 @@ protected:
     void TearDown() override;
 
     /// Runs `lmf` with these arguments in the folder of the test.
-    ProgramRun Run(const std::vector<std::string> &arguments,
-                   const std::map<std::string, std::string> &environment = {});
+    ProgramRun Run(const Names &arguments, const std::map<std::string, std::string> &environment = {});
+
+    /// Runs `lmf apply "Invert Colors"`, a filter that takes every picture.
+    ProgramRun Invert(Names arguments);
 
     /// Gives the full name of a file in the folder of the test.
     std::string In(const std::string &name) const { return folder + "/" + name; }
 
     /// Gives the names of all files in the folder of the test, sorted.
-    std::vector<std::string> Files() const;
+    Names Files() const;
 
     std::string folder;
     std::string temporary; ///< where the program makes its private folders
