@@ -5,7 +5,6 @@
 
 #include "engine/slots.h"
 #include "filters/neighbourhood/gaussian.h"
-#include "image/multiversion.h"
 
 namespace lmf {
 
@@ -16,24 +15,25 @@ static constexpr PageControl kPage[] = {
     HundredthsSlider(1003, "Radius:", &FilterParameters::FilterUnsharpRadius, {10, 990}),
 };
 
-[[gnu::always_inline]] static inline uint8_t SharpenByte(uint8_t byte, uint8_t blurred, double amount,
-                                                         double threshold) {
-    const double difference = static_cast<double>(byte) - blurred;
-    double value = byte;
-    value = std::fabs(2.0 * difference) >= threshold ? value + difference * amount : value;
-    return value < 0.0 ? 0 : value > 255.0 ? 255 : static_cast<uint8_t>(static_cast<int32_t>(value + 0.5));
+static uint8_t SharpenByte(int32_t byte, int32_t blurred, double amount, double threshold) {
+    const double difference = byte - blurred;
+    const double value = std::fabs(2.0 * difference) >= threshold ? byte + difference * amount : byte;
+    return value < 0.0 ? 0 : value > 255.0 ? 255 : static_cast<uint8_t>(value + 0.5);
 }
 
-LMF_MULTIVERSION
-static void SharpenRow(uint8_t *__restrict row, const uint8_t *__restrict source, size_t count, double amount,
-                       double threshold) {
-    for (size_t i = 0; i < count; i++) row[i] = SharpenByte(source[i], row[i], amount, threshold);
+/// The result for every byte (times 256) and every blurred byte: no more than a few rows' worth of arithmetic.
+static void FillTable(uint8_t *table, double amount, double threshold) {
+    for (int32_t byte = 0; byte < 256; byte++)
+        for (int32_t blurred = 0; blurred < 256; blurred++)
+            table[byte * 256 + blurred] = SharpenByte(byte, blurred, amount, threshold);
 }
 
-static void SharpenThroughPixels(const DibLock &to, const DibLock &from, double amount, double threshold) {
-    const auto sharpen = [&](uint8_t byte, uint8_t blurred) -> uint32_t {
-        return SharpenByte(byte, blurred, amount, threshold);
-    };
+static void SharpenRow(uint8_t *__restrict row, const uint8_t *__restrict source, size_t count, const uint8_t *table) {
+    for (size_t i = 0; i < count; i++) row[i] = table[source[i] * 256 + row[i]];
+}
+
+static void SharpenThroughPixels(const DibLock &to, const DibLock &from, const uint8_t *table) {
+    const auto sharpen = [&](uint8_t byte, uint8_t blurred) -> uint32_t { return table[byte * 256 + blurred]; };
     for (int32_t y = 0; y < from.view.height; y++) {
         for (int32_t x = 0; x < from.view.width; x++) {
             const uint32_t pixel = DibGetPixel(from.image, x, y), blurred = DibGetPixel(to.image, x, y);
@@ -47,17 +47,17 @@ static void SharpenThroughPixels(const DibLock &to, const DibLock &from, double 
 static DibHandle UnsharpMaskKernel(DibHandle source, FilterContext *context) {
     DibOwner result(GaussianBlurKernelRun(source, context));
     DibLock from(source), to(result.handle);
-    if (!from || !to) return nullptr;
-    const double amount = context->FilterUnsharpAmount / 10.0;
-    const double threshold = context->FilterUnsharpThreshold / 10.0 * 255.0;
+    BlockArray<uint8_t> table(256 * 256);
+    if (!from || !to || !table) return nullptr;
+    FillTable(table.data, context->FilterUnsharpAmount / 10.0, context->FilterUnsharpThreshold / 10.0 * 255.0);
     const uint32_t bits = from.view.bits;
     if (context->mode == kModeTrueColor || context->mode == kModeGrey) {
         if (bits == to.view.bits && bits == (context->mode == kModeTrueColor ? 24 : 8)) {
             for (int32_t y = 0; y < from.view.height; y++)
-                SharpenRow(to.view.Row(y), from.view.Row(y), static_cast<size_t>(from.view.width) * bits / 8, amount,
-                           threshold);
+                SharpenRow(to.view.Row(y), from.view.Row(y), static_cast<size_t>(from.view.width) * bits / 8,
+                           table.data);
         } else {
-            SharpenThroughPixels(to, from, amount, threshold);
+            SharpenThroughPixels(to, from, table.data);
         }
     }
     to.Unlock();
