@@ -3,27 +3,29 @@
 #include <cstring>
 #include <set>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "image/dib.h"
+#include "support/pictures.h"
 
 namespace lmf {
 namespace {
 
-int32_t RowOf(const std::string &name) {
-    for (int32_t row = 0; row < kFilterCount; row++) {
-        if (FilterCatalogue[row].name == name) return row;
-    }
-    ADD_FAILURE() << name;
-    return 0;
+using testing::RowOf;
+
+/// The names of all rows whose flags suit, in the catalogue's order.
+template <typename Suits>
+std::string NamesOf(Suits suits) {
+    std::string names;
+    for (const FilterEntry &entry : FilterCatalogue)
+        if (suits(entry.flags)) names += (names.empty() ? "" : ", ") + std::string(entry.name);
+    return names;
 }
 
-/// Is the filter offered for this mode? `restrictions`: bit 1 the first of the context's, bit 2 the second.
-bool Offered(const std::string &name, int32_t mode, const OfferRules &rules = {}, bool hasSecond = false,
-             int32_t restrictions = 0) {
-    return FilterIsOffered(rules, mode, (restrictions & 1) != 0, (restrictions & 2) != 0, hasSecond, RowOf(name));
+/// Is the filter offered for a picture in true colour that is alone?
+bool Offered(const std::string &name, const OfferRules &rules = {}) {
+    return FilterIsOffered(rules, kModeTrueColor, false, false, false, RowOf(name));
 }
 
 TEST(Catalogue, RowsAreComplete) {
@@ -54,60 +56,52 @@ TEST(Catalogue, RowsAreComplete) {
     EXPECT_EQ(FilterCatalogue[RowOf("Photo Fine-tune")].itemId, 11);
 }
 
-TEST(Catalogue, FiltersThatMovePixelsTakeTheSecondPictureAlong) {
-    std::vector<std::string> moving;
-    for (const FilterEntry &entry : FilterCatalogue) {
-        if ((entry.flags & FilterAcceptsGrey) && !(entry.flags & FilterKeepsSecond)) moving.push_back(entry.name);
-    }
-    const std::vector<std::string> expected = {"Convert to 256 Colors",
-                                               "Crop",
-                                               "Explode",
-                                               "Flip",
-                                               "Implode",
-                                               "Matt",
-                                               "Resize",
-                                               "Rotate",
-                                               "Seamless",
-                                               "Shear",
-                                               "Stitch"};
-    EXPECT_EQ(moving, expected);
+TEST(Catalogue, FlagsThatStandForSeveralFilters) {
+    // Filters that move pixels take the second picture along.
+    EXPECT_EQ(NamesOf([](uint32_t flags) { return (flags & FilterAcceptsGrey) && !(flags & FilterKeepsSecond); }),
+              "Convert to 256 Colors, Crop, Explode, Flip, Implode, Matt, Resize, Rotate, Seamless, Shear, Stitch");
+    EXPECT_EQ(NamesOf([](uint32_t flags) { return flags & FilterFallback; }).find("Caption, Flip, Invert Channels"),
+              0u);
 }
 
-TEST(Catalogue, FallbackRowsStandInCatalogueOrder) {
-    std::vector<std::string> fallback;
-    for (const FilterEntry &entry : FilterCatalogue) {
-        if (entry.flags & FilterFallback) fallback.push_back(entry.name);
-    }
-    fallback.resize(3);
-    EXPECT_EQ(fallback, (std::vector<std::string>{"Caption", "Flip", "Invert Channels"}));
-}
-
-TEST(Catalogue, OfferFollowsModeAndSwitch) {
-    for (int32_t row = 0; row < kFilterCount; row++) {
-        const uint32_t flags = FilterCatalogue[row].flags;
-        const bool mono = FilterIsOffered({}, kModeMono, false, false, true, row);
-        EXPECT_EQ(mono, (flags & FilterAcceptsMono) && !(flags & FilterNeedsClipboard)) << FilterCatalogue[row].name;
-        EXPECT_FALSE(FilterIsOffered({}, 4, false, false, true, row));
-        EXPECT_FALSE(FilterIsOffered({}, -1, false, false, true, row));
-    }
+TEST(Catalogue, OfferFollowsModeSwitchAndRestrictions) {
+    struct Case {
+        const char *filter;
+        int32_t mode;
+        bool first, both, hasSecond, offered;
+    };
+    const auto offered = [](const Case &c) {
+        return FilterIsOffered({}, c.mode, c.first, c.both, c.hasSecond, RowOf(c.filter));
+    };
+    const Case cases[] = {
+        {"Invert Colors", -1, false, false, true, false},
+        {"Invert Colors", 4, false, false, true, false},
+        {"Invert Colors", kModeMono, false, false, true, true},
+        {"Gamma", kModeMono, false, false, true, false},
+        {"Alpha shadow", kModeTrueColor, false, false, false, false},
+        {"Alpha shadow", kModeGrey, false, false, true, false},
+        {"Alpha shadow", kModeTrueColor, true, true, true, true},
+        {"Crop", kModeTrueColor, false, false, true, true},
+        {"Crop", kModeTrueColor, true, false, true, false},
+        {"Crop", kModeTrueColor, false, true, true, true},
+        {"Halftone", kModeTrueColor, true, false, true, true},
+        {"Halftone", kModeTrueColor, true, true, true, false},
+        {"Contrast and Brightness", kModeGrey, true, true, true, true},
+        {"Contrast and Brightness", kModePalette, true, false, true, false},
+    };
+    for (const Case &c : cases) EXPECT_EQ(offered(c), c.offered) << c.filter << c.mode << c.first << c.both;
     FilterEntry &gamma = FilterCatalogue[RowOf("Gamma")];
-    EXPECT_TRUE(Offered("Gamma", kModeTrueColor));
+    EXPECT_TRUE(Offered("Gamma"));
     gamma.flags &= ~static_cast<uint32_t>(FilterEnabled);
-    EXPECT_FALSE(Offered("Gamma", kModeTrueColor));
+    EXPECT_FALSE(Offered("Gamma"));
     gamma.flags |= FilterEnabled;
 }
 
-TEST(Catalogue, OfferFollowsClipboardAndSecondPicture) {
+TEST(Catalogue, OfferFollowsTheHost) {
     OfferRules withClipboard;
     withClipboard.clipboardHasPicture = true;
-    EXPECT_FALSE(Offered("Stitch", kModeTrueColor));
-    EXPECT_TRUE(Offered("Stitch", kModeTrueColor, withClipboard));
-    EXPECT_FALSE(Offered("Alpha shadow", kModeTrueColor));
-    EXPECT_TRUE(Offered("Alpha shadow", kModeTrueColor, {}, true));
-    EXPECT_FALSE(Offered("Alpha shadow", kModeGrey, {}, true));
-}
-
-TEST(Catalogue, OfferFollowsTheHost) {
+    EXPECT_FALSE(Offered("Stitch"));
+    EXPECT_TRUE(Offered("Stitch", withClipboard));
     struct Case {
         const char *filter;
         uint32_t runFlags;
@@ -122,7 +116,7 @@ TEST(Catalogue, OfferFollowsTheHost) {
     for (const Case &c : cases) {
         OfferRules rules;
         rules.runFlags = c.runFlags;
-        EXPECT_EQ(Offered(c.filter, kModeTrueColor, rules), c.offered) << c.filter << " " << c.runFlags;
+        EXPECT_EQ(Offered(c.filter, rules), c.offered) << c.filter << " " << c.runFlags;
     }
     // A host's restrictions count for the paint hosts alone: Halftone is barred by the first, Corners by the second.
     for (uint32_t runFlags : {kRunStandard, kRunDaubery, kRunPaint}) {
@@ -132,23 +126,12 @@ TEST(Catalogue, OfferFollowsTheHost) {
             a.hasHostRestrictions = b.hasHostRestrictions = passed;
             a.hostRestrictA = b.hostRestrictB = true;
             const bool barred = passed && runFlags != kRunStandard;
-            EXPECT_EQ(Offered("Halftone", kModeTrueColor, a), !barred);
-            EXPECT_EQ(Offered("Corners", kModeTrueColor, b), !barred);
-            EXPECT_TRUE(Offered("Halftone", kModeTrueColor, b));
-            EXPECT_TRUE(Offered("Corners", kModeTrueColor, a));
+            EXPECT_EQ(Offered("Halftone", a), !barred);
+            EXPECT_EQ(Offered("Corners", b), !barred);
+            EXPECT_TRUE(Offered("Halftone", b));
+            EXPECT_TRUE(Offered("Corners", a));
         }
     }
-}
-
-TEST(Catalogue, OfferFollowsTheRestrictionsOfTheContext) {
-    EXPECT_TRUE(Offered("Crop", kModeTrueColor, {}, false, 0));
-    EXPECT_FALSE(Offered("Crop", kModeTrueColor, {}, false, 1)) << "barred by B under the first";
-    EXPECT_TRUE(Offered("Crop", kModeTrueColor, {}, false, 2)) << "the second alone does nothing";
-    EXPECT_TRUE(Offered("Halftone", kModeTrueColor, {}, false, 1));
-    EXPECT_FALSE(Offered("Halftone", kModeTrueColor, {}, false, 3)) << "barred by A under both";
-    EXPECT_TRUE(Offered("Contrast and Brightness", kModeGrey, {}, false, 3));
-    EXPECT_FALSE(Offered("Contrast and Brightness", kModePalette, {}, false, 1)) << "the rule for palettes";
-    EXPECT_TRUE(Offered("Alpha shadow", kModeTrueColor, {}, true, 3)) << "the second picture alone decides";
 }
 
 } // namespace

@@ -22,7 +22,7 @@
 namespace lmf {
 namespace {
 
-using testing::MakePicture;
+using testing::RowOf;
 namespace fs = std::filesystem;
 
 std::string Contents(const fs::path &path) {
@@ -42,6 +42,7 @@ struct SettingsFiles : ::testing::Test {
     fs::path folder = root / "Quillon Works";
     SettingsStore keptSettings = Settings;
     std::vector<uint32_t> keptFlags;
+    using Names = std::set<std::string>;
 
     void SetUp() override {
         fs::create_directories(folder);
@@ -58,6 +59,11 @@ struct SettingsFiles : ::testing::Test {
     void ReadIni(const std::string &text) {
         Put(folder / "LmfFiltr.ini", text);
         ReadSettings(0);
+    }
+    std::set<std::string> Files() const {
+        std::set<std::string> names;
+        for (const auto &file : fs::directory_iterator(folder)) names.insert(file.path().filename());
+        return names;
     }
     std::string SavedIni() {
         WriteSettings(0);
@@ -88,52 +94,45 @@ TEST_F(SettingsFiles, MissingFileOrFolderLeavesDefaults) {
 }
 
 TEST_F(SettingsFiles, LinesOfTheIniFile) {
-    struct Case {
-        const char *line;
-        int32_t SettingsStore::*field;
-        int32_t expected;
+    const std::pair<const char *, int32_t> cases[] = {
+        {"FilterContrast=", 0},
+        {"FilterContrast = 7", 7},
+        {"FilterContrast==  7", 7},
+        {"FilterContrast 7", 7},
+        {"FilterContrast = +7x9", 7},
+        {"FilterContrast = x", 0},
+        {"FilterContrast = -12\r", -12},
+        {"FilterContrast = 4294967295", INT32_MAX},
+        {"FilterContrast = -99999999999999999999", INT32_MIN},
+        {"FilterContrast = 1\nFilterContrast = 2", 2},
+        {"filterContrast = 3", 128},
+        {" FilterContrast = 3", 128},
+        {"FilterContrastX = 3", 128},
+        {";FilterContrast = 3", 128},
+        {"[PlugIn]\nFilterContrast = 3", 3},
     };
-    const Case cases[] = {
-        {"FilterContrast=", &SettingsStore::FilterContrast, 0},
-        {"FilterContrast = 7", &SettingsStore::FilterContrast, 7},
-        {"FilterContrast==  7", &SettingsStore::FilterContrast, 7},
-        {"FilterContrast 7", &SettingsStore::FilterContrast, 7},
-        {"FilterContrast = +7x9", &SettingsStore::FilterContrast, 7},
-        {"FilterContrast = x", &SettingsStore::FilterContrast, 0},
-        {"FilterContrast = -12\r", &SettingsStore::FilterContrast, -12},
-        {"FilterContrast = 4294967295", &SettingsStore::FilterContrast, INT32_MAX},
-        {"FilterContrast = -99999999999999999999", &SettingsStore::FilterContrast, INT32_MIN},
-        {"FilterContrast = 1\nFilterContrast = 2", &SettingsStore::FilterContrast, 2},
-        {"Filter = 3", &SettingsStore::FilterAddAlphaOpacity, 3},
-        {"filterContrast = 3", &SettingsStore::FilterContrast, 128},
-        {" FilterContrast = 3", &SettingsStore::FilterContrast, 128},
-        {"FilterContrastX = 3", &SettingsStore::FilterContrast, 128},
-        {";FilterContrast = 3", &SettingsStore::FilterContrast, 128},
-        {"[PlugIn]\nFilterContrast = 3", &SettingsStore::FilterContrast, 3},
-    };
-    for (const Case &c : cases) {
+    for (const auto &[line, expected] : cases) {
         Settings = FactorySettings();
-        ReadIni(c.line);
-        EXPECT_EQ(Settings.*c.field, c.expected) << c.line;
+        ReadIni(line);
+        EXPECT_EQ(Settings.FilterContrast, expected) << line;
     }
+    ReadIni("Filter = 3");
+    EXPECT_EQ(Settings.FilterAddAlphaOpacity, 3) << "the first key that begins so";
 }
 
-TEST_F(SettingsFiles, KeylessLinesGoToTheFirstReadableRow) {
+TEST_F(SettingsFiles, KeylessAndLongLines) {
     ReadIni("Build = x\nBuildDate = x\n");
     EXPECT_TRUE(IsFactory(Settings)) << "the date of the build is never read";
-    ReadIni("= a b \n");
-    EXPECT_STREQ(Settings.ColourTableFile, "a b ");
-    ReadIni("   c\n");
-    EXPECT_STREQ(Settings.ColourTableFile, "c");
-    ReadIni("PaperColor = 1\n\n");
-    EXPECT_STREQ(Settings.ColourTableFile, "");
-    EXPECT_EQ(Settings.PaperColor, 1);
-}
-
-TEST_F(SettingsFiles, LongLinesGoOnAsFurtherLines) {
-    const std::string start = "FilterCaptionString = ";
-    ReadIni(start + std::string(259 - start.size(), 'a') + "FilterContrast = 9\n");
-    EXPECT_EQ(std::string(Settings.FilterCaptionString), std::string(259 - start.size(), 'a'));
+    // Lines without a key go to the first row that is read.
+    const std::pair<const char *, const char *> cases[] = {{"= a b \n", "a b "}, {"   c\n", "c"}, {"\n", ""}};
+    for (const auto &[line, expected] : cases) {
+        ReadIni(line);
+        EXPECT_STREQ(Settings.ColourTableFile, expected);
+    }
+    // A long line goes on as a further line.
+    const std::string start = "FilterCaptionString = ", text(259 - start.size(), 'a');
+    ReadIni(start + text + "FilterContrast = 9\n");
+    EXPECT_EQ(Settings.FilterCaptionString, text);
     EXPECT_EQ(Settings.FilterContrast, 9);
 }
 
@@ -144,21 +143,13 @@ TEST_F(SettingsFiles, WritesTheExactLines) {
     const std::string text = SavedIni();
     ::unsetenv("SOURCE_DATE_EPOCH");
     ::unsetenv("TZ");
-    std::istringstream lines(text);
-    std::vector<std::string> all;
-    for (std::string line; std::getline(lines, line);) all.push_back(line);
-    ASSERT_EQ(all.size(), 5u + kConfigRows);
-    EXPECT_EQ(all[0], ";LMFFILTR configuration file");
-    EXPECT_EQ(all[1], ";Edit this at your own risk");
-    EXPECT_EQ(all[2], ";Last updated Sun Sep 09 01:46:40 2001");
-    EXPECT_EQ(all[3], ";");
-    EXPECT_EQ(all[4], "[PlugIn]");
-    EXPECT_EQ(all[5], std::string("BuildDate = ") + FactorySettings().BuildDate);
-    EXPECT_EQ(all[6], "ColourTableFile = LMFFILTR.CCL");
-    EXPECT_EQ(all[8], "DefaultFilterType = ");
-    EXPECT_EQ(all.back(), "TrackFilterWindows = 1");
-    EXPECT_NE(text.find("\nFilterContrast = 4294967295\n"), std::string::npos);
-    EXPECT_NE(text.find("\nFilterCurlAntialias = 652\n"), std::string::npos);
+    const std::string start = ";LMFFILTR configuration file\n;Edit this at your own risk\n"
+                              ";Last updated Sun Sep 09 01:46:40 2001\n;\n[PlugIn]\nBuildDate = ";
+    EXPECT_EQ(text.find(start + FactorySettings().BuildDate + "\nColourTableFile = LMFFILTR.CCL\n"), 0u);
+    for (const char *line : {"DefaultFilterType = ", "FilterContrast = 4294967295", "FilterCurlAntialias = 652"})
+        EXPECT_NE(text.find(std::string("\n") + line + "\n"), std::string::npos) << line;
+    EXPECT_TRUE(text.ends_with("\nTrackFilterWindows = 1\n"));
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 5 + int64_t{kConfigRows});
 }
 
 TEST_F(SettingsFiles, RoundTripKeepsEverySetting) {
@@ -199,58 +190,53 @@ TEST_F(SettingsFiles, NoTextChangesAnotherSetting) {
     EXPECT_EQ(std::memcmp(&Settings, &expected, sizeof expected), 0);
 }
 
-TEST_F(SettingsFiles, ThreeSavesLeaveTwoBackups) {
+TEST_F(SettingsFiles, EachSaveMovesTheOldFilesAndAFailedOneLeavesThem) {
     std::string saved[4];
     for (int32_t i = 0; i < 4; i++) {
         Settings.FilterContrast = i;
         saved[i] = SavedIni();
-        const size_t files = static_cast<size_t>(std::distance(fs::directory_iterator(folder), {}));
-        EXPECT_EQ(files, static_cast<size_t>(std::min(i + 1, 3)));
     }
-    EXPECT_EQ(Contents(folder / "LmfFiltr.ini"), saved[3]);
-    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), saved[2]);
-    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[1]);
-}
-
-TEST_F(SettingsFiles, FailedWriteLeavesTheOldFiles) {
-    Settings.FilterContrast = 1;
-    const std::string backup = SavedIni();
-    Settings.FilterContrast = 2;
-    const std::string old = SavedIni();
-    const auto expectOldFiles = [&](const char *what) {
-        Settings.FilterContrast = 9;
-        EXPECT_EQ(SavedIni(), old) << what;
+    const auto expectTheFour = [&](const char *when) {
+        EXPECT_EQ(Contents(folder / "LmfFiltr.ini"), saved[3]) << when;
+        EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), saved[2]) << when;
+        EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[1]) << when;
+        EXPECT_EQ(Files().size(), 3u) << when;
     };
+    expectTheFour("after four saves");
 
+    Settings.FilterContrast = 9;
     rlimit limit, kept;
     ::getrlimit(RLIMIT_FSIZE, &kept);
     limit = {1000, kept.rlim_max};
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     ::setrlimit(RLIMIT_FSIZE, &limit);
-    expectOldFiles("no room on the disk");
+    WriteSettings(0);
     ::setrlimit(RLIMIT_FSIZE, &kept);
     std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), backup);
-    EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 2) << "nothing half-written is left";
+    expectTheFour("when the disk is full");
 
     fs::create_directories(folder / "LmfFiltr.ini.new" / "in the way");
-    expectOldFiles("no file can be made");
+    EXPECT_EQ(SavedIni(), saved[3]) << "no file can be made";
 }
 
 TEST_F(SettingsFiles, FileSetFollowsTheHost) {
-    const std::map<uint32_t, std::string> sets = {{0, "LmfFiltr"},          {1, "LmfFiltr"},
-                                                  {4, "LmfFiltr"},          {32, "LmfFiltr"},
-                                                  {2, "DauberyFiltr"},      {2 | 8 | 128, "DauberyFiltr"},
-                                                  {128, "AnimationFilter"}, {256 | 8, "AnimationFilter"}};
-    for (const auto &[runFlags, name] : sets) {
+    struct Case {
+        uint32_t runFlags;
+        std::string name, variant;
+    };
+    const Case cases[] = {
+        {0, "LmfFiltr", ""},          {1, "LmfFiltr", ""},
+        {4, "LmfFiltr", ""},          {32, "LmfFiltr", ""},
+        {8, "LmfFiltr", "Batch"},     {8 | 4, "LmfFiltr", "Batch"},
+        {2, "DauberyFiltr", ""},      {2 | 8 | 128, "DauberyFiltr", ""},
+        {128, "AnimationFilter", ""}, {256 | 8, "AnimationFilter", ""},
+    };
+    for (const auto &[runFlags, name, variant] : cases) {
         const SettingsFileSet &files = SettingsFilesFor(runFlags);
-        EXPECT_EQ(files.ini, name + ".ini") << runFlags;
-        EXPECT_EQ(files.enable, name + "Enable.ini") << runFlags;
-        EXPECT_EQ(files.list, name + "List.txt") << runFlags;
+        EXPECT_EQ(files.ini, name + variant + ".ini") << runFlags;
+        EXPECT_EQ(files.enable, name + "Enable" + variant + ".ini") << runFlags;
+        EXPECT_EQ(files.list, name + "List" + variant + ".txt") << runFlags;
     }
-    EXPECT_STREQ(SettingsFilesFor(8 | 4).ini, "LmfFiltrBatch.ini");
-    EXPECT_STREQ(SettingsFilesFor(8).enable, "LmfFiltrEnableBatch.ini");
-    EXPECT_STREQ(SettingsFilesFor(8).list, "LmfFiltrListBatch.txt");
 }
 
 TEST_F(SettingsFiles, PathsAreBuiltAndCut) {
@@ -269,22 +255,13 @@ TEST_F(SettingsFiles, PathsAreBuiltAndCut) {
 }
 
 TEST_F(SettingsFiles, EnableFile) {
-    const auto enabled = [](const char *name) {
-        for (const FilterEntry &entry : FilterCatalogue) {
-            if (std::string(entry.name) == name) return (entry.flags & FilterEnabled) != 0;
-        }
-        ADD_FAILURE() << name;
-        return false;
-    };
     Put(folder / "LmfFiltrEnable.ini", "[Filter]\nadd_alpha=0\nWater Drops=0\nGamma = == 0\r\nFlip=no\nCrop\n;Tile=0\n"
                                        "\nRaise=0\nRaise=7\nred-EYE_reduction=0 \nMatt_=0\n=0\n");
     ReadEnableFile(1);
-    EXPECT_FALSE(enabled("Add Alpha"));
-    EXPECT_FALSE(enabled("Gamma"));
-    EXPECT_FALSE(enabled("Red-eye Reduction"));
-    int32_t off = 0;
-    for (const FilterEntry &entry : FilterCatalogue) off += !(entry.flags & FilterEnabled);
-    EXPECT_EQ(off, 3) << "no other line counts";
+    Names off;
+    for (const FilterEntry &entry : FilterCatalogue)
+        if (!(entry.flags & FilterEnabled)) off.insert(entry.name);
+    EXPECT_EQ(off, (Names{"Add Alpha", "Gamma", "Red-eye Reduction"})) << "no other line counts";
 
     WriteEnableFile(1);
     const std::string text = Contents(folder / "LmfFiltrEnable.ini");
@@ -301,15 +278,12 @@ TEST_F(SettingsFiles, EnableFile) {
 TEST_F(SettingsFiles, ListFile) {
     Put(folder / "LmfFiltrList.txt",
         "Gamma,12\r\nno comma\n,5\nFlip,x\n\nTile, -3 and more\nA,B,9\nRaise,99999999999\n");
-    std::vector<std::pair<std::string, int32_t>> lines;
-    ReadListFile(
-        1,
-        [](void *target, const char *name, int32_t time) {
-            static_cast<decltype(lines) *>(target)->emplace_back(name, time);
-        },
-        &lines);
-    const decltype(lines) expected = {{"Gamma", 12}, {"Tile", -3}, {"Raise", INT32_MAX}};
-    EXPECT_EQ(lines, expected);
+    std::string lines;
+    const auto append = [](void *target, const char *name, int32_t time) {
+        *static_cast<std::string *>(target) += std::string(name) + ":" + std::to_string(time) + " ";
+    };
+    ReadListFile(1, append, &lines);
+    EXPECT_EQ(lines, "Gamma:12 Tile:-3 Raise:2147483647 ");
 
     const RecentFilter recent[] = {{"Torn Edges", 7}, {"Flip", -1}};
     WriteListFile(1, recent);
@@ -322,26 +296,27 @@ TEST_F(SettingsFiles, ListFile) {
 }
 
 TEST_F(SettingsFiles, HexCodedText) {
-    SettingText text = "Az\xFF";
-    HexCodeText(text, true);
-    EXPECT_EQ(std::string(text).substr(2), "417AFF");
-    HexCodeText(text, false);
-    EXPECT_STREQ(text, "Az\xFF");
+    const std::pair<std::string, std::string> cases[] = {{"Az\xFF", "417AFF"}, {std::string(kTextSize - 1, 'q'), ""}};
+    for (const auto &[plain, digits] : cases) {
+        SettingText text = "";
+        plain.copy(text, kTextSize - 1);
+        HexCodeText(text, true);
+        EXPECT_EQ(std::strlen(text), 2 + 2 * std::min<size_t>(plain.size(), 129));
+        EXPECT_EQ(std::string(text).find(digits, 2), 2u);
+        HexCodeText(text, false);
+        EXPECT_EQ(text, plain.substr(0, 129));
+    }
     for (const char *same : {"", "A"}) {
+        SettingText text = "";
         std::strcpy(text, same);
         HexCodeText(text, true);
         EXPECT_STREQ(text, same);
         HexCodeText(text, false);
         EXPECT_STREQ(text, same);
     }
-    std::memset(text, 'q', kTextSize - 1);
-    HexCodeText(text, true);
-    EXPECT_EQ(std::strlen(text), 260u);
-    HexCodeText(text, false);
-    EXPECT_EQ(std::string(text), std::string(129, 'q'));
-    std::strcpy(text, "004142zz43");
-    HexCodeText(text, false);
-    EXPECT_STREQ(text, "AB");
+    SettingText broken = "004142zz43";
+    HexCodeText(broken, false);
+    EXPECT_STREQ(broken, "AB");
 
     // A row of this kind is coded in the file and plain in memory.
     SettingText secret = "pass=word";
@@ -359,14 +334,16 @@ TEST_F(SettingsFiles, HexCodedText) {
     EXPECT_STREQ(secret, "pass=word");
 }
 
+int32_t Agree(void *, const char *) {
+    return 1;
+}
+
 /// One direct or other call of the main entry on a small grey picture.
-uint64_t Call(uint32_t runFlags, const char *filter, LmfValidation callback, bool picture = true) {
-    DibOwner source = MakePicture(2, 2, 8);
+uint64_t Call(uint32_t runFlags, const char *filter, LmfValidation callback = Agree, bool picture = true) {
+    const DibOwner source = testing::MakePicture(2, 2, 8);
     LmfHandle handle = picture ? source.handle : nullptr;
     LmfHandle second = nullptr;
-    for (const FilterEntry &entry : FilterCatalogue) {
-        if (std::string(entry.name) == filter) Settings.CurrentFilter = static_cast<int32_t>(&entry - FilterCatalogue);
-    }
+    Settings.CurrentFilter = RowOf(filter);
     const uint64_t done =
         DoImageFilter(nullptr, &handle, callback, &second, 0, 0, runFlags, nullptr, "", 0, 0, nullptr);
     if (done != 0) BlockFree(handle);
@@ -374,42 +351,33 @@ uint64_t Call(uint32_t runFlags, const char *filter, LmfValidation callback, boo
 }
 
 TEST_F(SettingsFiles, CallReadsAndWritesTheFilesOfItsHost) {
-    const LmfValidation callback = [](void *, const char *) { return 1; };
-    const auto files = [&] {
-        std::set<std::string> names;
-        for (const auto &file : fs::directory_iterator(folder)) names.insert(file.path().filename());
-        return names;
-    };
-    using Names = std::set<std::string>;
-
     // Calls that end before the run write nothing.
     Call(1, "Invert Colors", nullptr);
-    Call(1, "Invert Colors", callback, false);
-    EXPECT_EQ(files(), Names{});
+    Call(1, "Invert Colors", Agree, false);
+    EXPECT_EQ(Files(), Names{});
     // A direct call writes the enable file alone, whether it succeeds or not.
-    EXPECT_EQ(Call(4 | 8, "Invert Colors", callback), 1u);
-    EXPECT_EQ(files(), Names{"LmfFiltrEnableBatch.ini"});
-    EXPECT_EQ(Call(4, "Split channels", callback), 0u);
-    EXPECT_EQ(files(), (Names{"LmfFiltrEnableBatch.ini", "LmfFiltrEnable.ini"}));
+    EXPECT_EQ(Call(4 | 8, "Invert Colors"), 1u);
+    EXPECT_EQ(Files(), Names{"LmfFiltrEnableBatch.ini"});
+    EXPECT_EQ(Call(4, "Split channels"), 0u);
+    EXPECT_EQ(Files(), (Names{"LmfFiltrEnableBatch.ini", "LmfFiltrEnable.ini"}));
     // Any other call writes the ini file too, or it alone where there are no flags.
     fs::remove(folder / "LmfFiltrEnable.ini");
-    Call(0, "Invert Colors", callback);
-    Call(2, "Invert Colors", callback);
-    EXPECT_EQ(files(),
+    Call(0, "Invert Colors");
+    Call(2, "Invert Colors");
+    EXPECT_EQ(Files(),
               (Names{"LmfFiltrEnableBatch.ini", "LmfFiltr.ini", "DauberyFiltr.ini", "DauberyFiltrEnable.ini"}));
 }
 
 TEST_F(SettingsFiles, CallTakesSettingsLimitedAndStoresThem) {
-    const LmfValidation callback = [](void *, const char *) { return 1; };
     Put(folder / "LmfFiltr.ini", "FilterGaussianRadius = 4294967295\nBuildDate = x\n");
     Put(folder / "LmfFiltrEnable.ini", "[Filter]\nGamma=0\n");
-    Call(4, "Invert Colors", callback);
+    Call(4, "Invert Colors");
     EXPECT_EQ(Settings.FilterGaussianRadius, 990) << "limited on the way into the context and stored back";
     EXPECT_STREQ(Settings.BuildDate, FactorySettings().BuildDate);
     EXPECT_NE(Contents(folder / "LmfFiltrEnable.ini").find("\nGamma=1\n"), std::string::npos)
         << "a direct call does not read the enable file";
     Put(folder / "LmfFiltrEnable.ini", "[Filter]\nGamma=0\n");
-    Call(4 | 1, "Invert Colors", callback);
+    Call(4 | 1, "Invert Colors");
     EXPECT_NE(Contents(folder / "LmfFiltrEnable.ini").find("\nGamma=0\n"), std::string::npos);
 }
 

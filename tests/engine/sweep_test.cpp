@@ -5,29 +5,10 @@
 
 #include <gtest/gtest.h>
 
-#include "engine/apply.h"
 #include "engine/catalogue.h"
-#include "support/pictures.h"
+#include "engine/direct_run.h"
 
 namespace lmf::testing {
-
-/// Runs a row as a host's direct call does, with its settings as they stand in the context.
-static bool RunRow(int32_t row, DibHandle source, DibHandle second, FilterContext *context) {
-    context->filterIndex = row;
-    context->source = source;
-    context->second = second;
-    context->mode = DibClassify(source);
-    DibInfo(source, &context->width, &context->height, nullptr, nullptr);
-    context->secondResult = DibClone(second);
-    return ApplyFilterDirect(context) != 0;
-}
-
-static void FreeResults(FilterContext *context) {
-    for (DibHandle *owned : {&context->result, &context->secondResult, &context->auxImage}) {
-        BlockFree(*owned);
-        *owned = nullptr;
-    }
-}
 
 static std::vector<uint8_t> BytesOf(BlockHandle block) {
     const auto *bytes = static_cast<const uint8_t *>(BlockLock(block));
@@ -50,19 +31,15 @@ static void ExpectGoodPicture(DibHandle picture) {
               PixelOffset(bits) + RowStride(lock.view.width, bits) * static_cast<uint64_t>(lock.view.height));
 }
 
-static DibOwner PictureOfDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
-    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
-    for (uint32_t &pixel : pixels) pixel = TestRandom(&seed);
-    return MakePicture(width, height, bits, pixels);
-}
-
 /// The pictures that a filter may meet in each mode, 32 and 4 bits among them.
 static std::vector<DibOwner> AllKinds(int32_t width, int32_t height, uint32_t seed) {
     std::vector<DibOwner> pictures;
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono})
         pictures.push_back(RandomPicture(width, height, mode, seed));
-    pictures.push_back(PictureOfDepth(width, height, 32, seed + 1));
-    pictures.push_back(PictureOfDepth(width, height, 4, seed + 1));
+    seed++;
+    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (uint32_t &pixel : pixels) pixel = TestRandom(&seed);
+    for (uint32_t bits : {32, 4}) pictures.push_back(MakePicture(width, height, bits, pixels));
     return pictures;
 }
 
@@ -72,11 +49,6 @@ static int32_t RandomValue(const PageControl &control, uint32_t *state) {
     const int64_t min = control.edit.min;
     const int64_t span = std::min<int64_t>(control.edit.max - min, 300);
     return static_cast<int32_t>(min + TestRandom(state) % (span + 1));
-}
-
-static void RandomSettings(std::span<const PageControl> page, uint32_t *state) {
-    for (const PageControl &control : page)
-        if (control.number != nullptr) Settings.*control.number = RandomValue(control, state);
 }
 
 class Sweep : public ::testing::TestWithParam<int32_t> {
@@ -99,14 +71,14 @@ TEST_P(Sweep, AFailedAllocationLeavesNothingBehind) {
         const int64_t before = LiveBlocks();
         bool failed = true;
         for (int64_t n = 0; failed && n < 4000; n++) {
-            FilterContext context = MakeContext();
             FailAllocationAfter(n);
-            const bool good = RunRow(GetParam(), source.handle, second.handle, &context);
-            failed = FailedAllocations() > 0;
-            FailAllocationAfter(-1);
-            if (good) ExpectGoodPicture(context.result);
-            EXPECT_EQ(context.result != nullptr, good);
-            FreeResults(&context);
+            {
+                const DirectRun run(GetParam(), source.handle, second.handle);
+                failed = FailedAllocations() > 0;
+                FailAllocationAfter(-1);
+                if (run.good) ExpectGoodPicture(run.context.result);
+                EXPECT_EQ(run.context.result != nullptr, run.good);
+            }
             ASSERT_EQ(LiveBlocks(), before) << Entry().name << " with " << n << " allocations";
         }
         EXPECT_FALSE(failed) << Entry().name << " never ran to its end";
@@ -126,27 +98,27 @@ TEST_P(Sweep, TinyPicturesAndRandomSettings) {
         for (const DibOwner &source : AllKinds(width, height, state)) {
             const std::vector<uint8_t> sourceBytes = BytesOf(source.handle);
             for (const DibOwner &second : seconds) {
-                RandomSettings(Entry().slots->page, &state);
+                for (const PageControl &control : Entry().slots->page)
+                    if (control.number != nullptr) Settings.*control.number = RandomValue(control, &state);
                 FilterContext context = MakeContext();
                 context.paperColor = TestRandom(&state) & 0xFFFFFF;
                 context.width = width;
                 context.height = height;
                 Entry().slots->LoadSettings(&context);
-                if (RunRow(GetParam(), source.handle, second.handle, &context)) ExpectGoodPicture(context.result);
-                FreeResults(&context);
+                const DirectRun run(GetParam(), source.handle, second.handle, context);
+                if (run.good) ExpectGoodPicture(run.context.result);
             }
             ASSERT_EQ(BytesOf(source.handle), sourceBytes) << Entry().name << " changed its source";
         }
     }
 }
 
-struct Lie {
-    int32_t width, height;
-    uint16_t bits;
-    uint64_t blockBytes;
-};
-
 TEST_P(Sweep, LyingBlocksAreRefusedOrSurvived) {
+    struct Lie {
+        int32_t width, height;
+        uint16_t bits;
+        uint64_t blockBytes;
+    };
     static constexpr int32_t kHuge = std::numeric_limits<int32_t>::max();
     // Too short in every way, sides that are impossible, and depths that nothing can read.
     static constexpr Lie kLies[] = {
@@ -173,11 +145,8 @@ TEST_P(Sweep, LyingBlocksAreRefusedOrSurvived) {
             BlockUnlock(block.handle);
         }
         for (const auto &[source, second] : {std::pair{block.handle, grey.handle}, {good.handle, block.handle}}) {
-            FilterContext context = MakeContext();
-            if (RunRow(GetParam(), source, second, &context)) {
-                EXPECT_TRUE(DibLock(context.result));
-            }
-            FreeResults(&context);
+            const DirectRun run(GetParam(), source, second);
+            EXPECT_TRUE(!run.good || DibLock(run.context.result));
         }
     }
 }

@@ -13,7 +13,7 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include "image/dib.h"
+#include "support/pictures.h"
 
 #define AT(record, field, offset) (offsetof(record, field) == (offset))
 // The two requests share their beginning.
@@ -38,12 +38,12 @@ static_assert(AT(AdjustRequest, second, 24) && AT(AdjustRequest, hostValue, 376)
               AT(AdjustRequest, dirty, 400) && AT(AdjustRequest, context, 408) && AT(AdjustRequest, fetch, 416) &&
               AT(AdjustRequest, store, 424) && AT(AdjustRequest, hostHandle, 432) && AT(AdjustRequest, count, 440));
 
-namespace {
+namespace lmf::testing {
 
-constexpr uint32_t kInvertColors = 39;
-constexpr uint32_t kGamma = 30;
+static constexpr uint32_t kInvertColors = 39;
+static constexpr uint32_t kGamma = 30;
 
-int32_t Agree(void *, const char *) {
+static int32_t Agree(void *, const char *) {
     return 1;
 }
 
@@ -73,23 +73,8 @@ protected:
                  LmfValidation callback = Agree) {
         return doImageFilter(nullptr, picture, callback, second, 0, 0, runFlags, record, nullptr, 0, 0, nullptr);
     }
-    /// 5 x 3 pixels of one value; depths up to 8 get a grey ramp.
-    static LmfHandle NewPicture(uint32_t bits, uint8_t fill) {
-        LmfHandle picture = LmfBlockAlloc(lmf::PixelOffset(bits) + lmf::RowStride(5, bits) * 3);
-        auto *bytes = static_cast<uint8_t *>(LmfBlockLock(picture));
-        const lmf::DibHeader header{40, 5, 3, 1, static_cast<uint16_t>(bits), 0, 0, 0, 0, 0, 0};
-        std::memcpy(bytes, &header, sizeof header);
-        for (uint32_t i = 0; i < lmf::ColorTableEntries(bits) * 3; i++)
-            bytes[40 + i / 3 * 4 + i % 3] = static_cast<uint8_t>(i / 3);
-        for (int y = 0; y < 3; y++)
-            for (int x = 0; x < 5; x++) lmf::DibSetPixel(bytes, x, y, fill * 0x010101u);
-        LmfBlockUnlock(picture);
-        return picture;
-    }
-    static uint32_t FirstPixel(LmfHandle picture) {
-        const uint32_t pixel = lmf::DibGetPixel(LmfBlockLock(picture), 0, 0);
-        LmfBlockUnlock(picture);
-        return pixel;
+    static DibOwner NewPicture(uint32_t bits, uint32_t pixel) {
+        return MakePicture(5, 3, bits, std::vector<uint32_t>(15, pixel));
     }
 
     std::filesystem::path home;
@@ -117,50 +102,46 @@ TEST_F(Library, SaysWhatItIs) {
 }
 
 TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
-    const LmfHandle source = NewPicture(24, 10), alpha = NewPicture(8, 77);
+    const DibOwner source = NewPicture(24, 0x0A0A0A), alpha = NewPicture(8, 77), inverted = NewPicture(24, 0xF5F5F5);
     for (uint32_t filter : {kInvertColors, uint32_t{LMF_FILTER_LAST}}) {
-        LmfHandle picture = source, second = alpha;
+        LmfHandle picture = source.handle, second = alpha.handle;
         HostRecord record{0, filter, 0, nullptr};
         ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
         EXPECT_EQ(record.filterIndex, kInvertColors);
-        EXPECT_NE(picture, source);
-        EXPECT_NE(second, alpha);
-        EXPECT_EQ(FirstPixel(picture), 0xF5F5F5u);
-        EXPECT_EQ(FirstPixel(second), 77u);
-        EXPECT_EQ(FirstPixel(source), 0x0A0A0Au);
+        EXPECT_NE(picture, source.handle);
+        EXPECT_NE(second, alpha.handle);
+        EXPECT_TRUE(SamePicture(picture, inverted.handle));
+        EXPECT_TRUE(SamePicture(second, alpha.handle));
+        EXPECT_EQ(PixelsOf(source.handle)[0], 0x0A0A0Au);
         LmfBlockFree(picture);
         LmfBlockFree(second);
     }
-    LmfBlockFree(source);
-    LmfBlockFree(alpha);
 }
 
 TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
-    const LmfHandle source = NewPicture(24, 10), empty = LmfBlockAlloc(0), cut = LmfBlockAlloc(41);
+    const DibOwner source = NewPicture(24, 10), empty(LmfBlockAlloc(0)), cut(LmfBlockAlloc(41));
     struct Case {
         LmfHandle picture;
         LmfValidation callback;
-        uint32_t runFlags;
-        uint32_t filterIndex;
+        uint32_t runFlags, filterIndex;
     };
     const Case cases[] = {
-        {source, nullptr, LMF_RUN_DIRECT, kInvertColors},
+        {source.handle, nullptr, LMF_RUN_DIRECT, kInvertColors},
         {nullptr, Agree, LMF_RUN_DIRECT, kInvertColors},
-        {empty, Agree, LMF_RUN_DIRECT, kInvertColors},
-        {cut, Agree, LMF_RUN_DIRECT, kInvertColors},
-        {source, Agree, 0, kInvertColors},
-        {source, Agree, LMF_RUN_DIRECT, 95},
+        {empty.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
+        {cut.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
+        {source.handle, Agree, 0, kInvertColors},
+        {source.handle, Agree, LMF_RUN_DIRECT, 95},
     };
     for (const Case &each : cases) {
-        LmfHandle picture = each.picture, second = empty;
+        LmfHandle picture = each.picture, second = empty.handle;
         HostRecord record{0, each.filterIndex, 0, nullptr};
         EXPECT_EQ(Run(&picture, &second, each.runFlags, &record, each.callback), 0u);
         EXPECT_EQ(picture, each.picture);
-        EXPECT_EQ(second, empty);
+        EXPECT_EQ(second, empty.handle);
     }
-    LmfHandle picture = source;
+    LmfHandle picture = source.handle;
     EXPECT_EQ(Run(&picture, nullptr, LMF_RUN_DIRECT, nullptr), 0u);
-    for (LmfHandle block : {source, empty, cut}) LmfBlockFree(block);
 }
 
 TEST_F(Library, ABatchCallWritesItsErrorCodeAndNothingElse) {
@@ -169,12 +150,12 @@ TEST_F(Library, ABatchCallWritesItsErrorCodeAndNothingElse) {
     std::array<uint8_t, 600> block, expected;
     block.fill(0xCC);
     expected = block;
-    LmfHandle mono = NewPicture(1, 1), picture = mono, second = nullptr;
+    const DibOwner mono = NewPicture(1, 1);
+    LmfHandle picture = mono.handle, second = nullptr;
     EXPECT_EQ(Run(&picture, &second, LMF_RUN_DIRECT | LMF_RUN_BATCH, block.data()), 0u);
     const int32_t unsupported = 5;
     std::memcpy(expected.data() + LMF_BATCH_ERROR_OFFSET, &unsupported, sizeof unsupported);
     EXPECT_EQ(block, expected);
-    LmfBlockFree(mono);
 }
 
 TEST(Blocks, LockSizeAndGrow) {
@@ -196,4 +177,4 @@ TEST(Blocks, LockSizeAndGrow) {
     EXPECT_EQ(LmfBlockSize(nullptr), 0u);
 }
 
-} // namespace
+} // namespace lmf::testing

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include <gtest/gtest.h>
+
 #include "engine/catalogue.h"
 
 namespace lmf::testing {
@@ -66,13 +68,17 @@ FilterContext MakeContext(ImageMode mode) {
     return context;
 }
 
+int32_t RowOf(const std::string &filter) {
+    for (int32_t row = 0; row < kFilterCount; row++)
+        if (filter == FilterCatalogue[row].name) return row;
+    ADD_FAILURE() << "no filter " << filter;
+    return 0;
+}
+
 DibOwner RunKernel(const std::string &filter, DibHandle source, FilterContext *context, bool keepMode) {
     if (!keepMode) context->mode = DibClassify(source);
     DibInfo(source, &context->width, &context->height, nullptr, nullptr);
-    for (const FilterEntry &entry : FilterCatalogue) {
-        if (filter == entry.name) return DibOwner(entry.slots->FilterKernel(source, context));
-    }
-    return {};
+    return DibOwner(FilterCatalogue[RowOf(filter)].slots->FilterKernel(source, context));
 }
 
 DibOwner RunKernel(const std::string &filter, DibHandle source) {

@@ -33,6 +33,9 @@ bool SamePicture(DibHandle a, DibHandle b);
 /// A context with every filter's factory values, for pictures of `mode`; white paper.
 FilterContext MakeContext(ImageMode mode = kModeTrueColor);
 
+/// Row of the filter of this name in the catalogue.
+int32_t RowOf(const std::string &filter);
+
 /// Runs the kernel of the filter of this name in the context; the mode is the picture's unless `keepMode`.
 DibOwner RunKernel(const std::string &filter, DibHandle source, FilterContext *context, bool keepMode = false);
 /// The same with factory values.
