@@ -1,17 +1,8 @@
 #include "adjust/pipeline.h"
 
-#include <gtest/gtest.h>
-
-#include "engine/catalogue.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
-
-static FilterContext FactoryContext() {
-    FilterContext context{};
-    ResetAllDefaults(&context);
-    return context;
-}
 
 static DibHandle CloneOf(const DibOwner &picture) {
     return DibClone(picture.handle);
@@ -19,7 +10,7 @@ static DibHandle CloneOf(const DibOwner &picture) {
 
 TEST(AdjustPipeline, WithoutSwitchesThePictureItselfComesBack) {
     const DibOwner source = MakePicture(2, 1, 32, {0x80112233, 0xFF445566});
-    FilterContext context = FactoryContext();
+    FilterContext context = MakeContext();
     const DibHandle clone = CloneOf(source);
     const DibOwner result(AdjustPipeline(clone, {}, &context));
     EXPECT_EQ(result.handle, clone);
@@ -34,11 +25,8 @@ TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
                                          "Hue Saturation Brightness",
                                          "Sigmoidal Contrast",
                                          "Equalize"};
-    FilterContext context = FactoryContext();
-    context.FilterRed = 190;
-    context.FilterContrast = 160;
-    context.FilterHSBHue = 220;
-    context.FilterEqualizeShadow = 150;
+    FilterContext context = ContextWith(
+        {{&P::FilterRed, 190}, {&P::FilterContrast, 160}, {&P::FilterHSBHue, 220}, {&P::FilterEqualizeShadow, 150}});
     const DibOwner source = RandomPicture(23, 9, kModeTrueColor, 8);
     for (uint32_t switches = 1; switches < 64; switches++) {
         AdjustStageSet stages;
@@ -54,16 +42,9 @@ TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
     }
 }
 
-TEST(AdjustPipeline, FactoryContrastRaisesTonesAndDropsAlpha) {
-    const DibOwner source = MakePicture(1, 1, 32, {0x80FF8000});
-    FilterContext context = FactoryContext();
-    const DibOwner result(AdjustPipeline(CloneOf(source), {{false, false, true}}, &context));
-    EXPECT_EQ(PixelsOf(result.handle), (std::vector<uint32_t>{0x00FF8100}));
-}
-
 TEST(AdjustPipeline, AFailedStageIsPassedOver) {
     const DibOwner source = RandomPicture(5, 4, kModeTrueColor, 3);
-    FilterContext context = FactoryContext();
+    FilterContext context = MakeContext();
     const AdjustStageSet stages{{false, true, true}};
     DibHandle clone = CloneOf(source);
     // Nothing can be allocated: both stages fail and the picture survives.
@@ -76,7 +57,7 @@ TEST(AdjustPipeline, AFailedStageIsPassedOver) {
     context.mode = kModeGrey;
     const DibOwner grey = MakePicture(1, 1, 8, {128});
     result.Reset(AdjustPipeline(CloneOf(grey), stages, &context));
-    EXPECT_EQ(PixelsOf(result.handle), (std::vector<uint32_t>{129}));
+    EXPECT_EQ(PixelsOf(result.handle), (Pixels{129}));
 }
 
 TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {

@@ -1,13 +1,11 @@
-#include <gtest/gtest.h>
-
 #include "image/blend.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
 
 static uint32_t BlendOne(uint32_t mode, uint32_t a, uint32_t b) {
-    DibOwner base = MakePicture(1, 1, 24, {a}), top = MakePicture(1, 1, 24, {b});
-    return PixelsOf(DibOwner(DibBlend(base.handle, top.handle, mode)).handle).at(0);
+    const DibOwner base = MakePicture(1, 1, 24, {a}), top = MakePicture(1, 1, 24, {b});
+    return PixelsOf(DibOwner(DibBlend(base.handle, top.handle, mode))).at(0);
 }
 
 TEST(DibBlend, WorkedExamplesOfEveryMode) {
@@ -40,14 +38,11 @@ TEST(DibBlend, WorkedExamplesOfEveryMode) {
 
 TEST(DibBlend, ASmallerTopCountsAsWhiteOutside) {
     DibOwner base = RandomPicture(9, 5, kModeTrueColor, 3), small = RandomPicture(6, 3, kModeTrueColor, 4);
-    DibOwner full = MakePicture(9, 5, 24, std::vector<uint32_t>(45, 0xFFFFFF));
-    {
-        DibLock from(small.handle), to(full.handle);
-        for (int32_t i = 0; i < 18; i++) DibSetPixel(to.image, i % 6, i / 6, DibGetPixel(from.image, i % 6, i / 6));
-    }
+    DibLock from(small.handle);
+    const DibOwner full = PictureLike(base.handle, [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x, y); });
     for (uint32_t mode : {3u, 7u, 12u, 18u}) {
-        EXPECT_TRUE(SamePicture(DibOwner(DibBlend(base.handle, small.handle, mode)).handle,
-                                DibOwner(DibBlend(base.handle, full.handle, mode)).handle));
+        EXPECT_TRUE(SamePicture(DibOwner(DibBlend(base.handle, small.handle, mode)),
+                                DibOwner(DibBlend(base.handle, full.handle, mode))));
     }
     EXPECT_EQ(DibBlend(base.handle, nullptr, 0), nullptr);
     EXPECT_EQ(DibBlend(nullptr, base.handle, 0), nullptr);
@@ -56,10 +51,8 @@ TEST(DibBlend, ASmallerTopCountsAsWhiteOutside) {
 TEST(DibBlend, OtherDepthsGiveTheirRawValues) {
     // An index stands in the red byte; alpha is not looked at.
     DibOwner grey = MakePicture(2, 1, 8, {10, 250}), color = MakePicture(2, 1, 32, {0x80010203, 0x00FF00FF});
-    EXPECT_EQ(PixelsOf(DibOwner(DibBlend(grey.handle, color.handle, 5)).handle),
-              (std::vector<uint32_t>{0x01020D, 0xFF00FF}));
-    EXPECT_EQ(PixelsOf(DibOwner(DibBlend(color.handle, grey.handle, 5)).handle),
-              (std::vector<uint32_t>{0x01020D, 0xFF00FF}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibBlend(grey.handle, color.handle, 5))), (Pixels{0x01020D, 0xFF00FF}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibBlend(color.handle, grey.handle, 5))), (Pixels{0x01020D, 0xFF00FF}));
 }
 
 } // namespace lmf::testing

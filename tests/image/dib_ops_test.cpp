@@ -1,26 +1,9 @@
-#include <gtest/gtest.h>
-
 #include "image/dib_ops.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
 
 static constexpr uint32_t kDepths[] = {1, 4, 8, 24, 32};
-
-static DibOwner RandomDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
-    uint32_t state = seed + 1;
-    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
-    for (uint32_t &pixel : pixels) pixel = TestRandom(&state);
-    return MakePicture(width, height, bits, pixels);
-}
-
-/// A picture whose header says 16 bits: reads white everywhere and takes no writes.
-static DibOwner SixteenBits(int32_t width, int32_t height) {
-    DibOwner picture(DibCreate(width, height, nullptr, 32));
-    DibLock lock(picture.handle);
-    reinterpret_cast<DibHeader *>(lock.image)->biBitCount = 16;
-    return picture;
-}
 
 TEST(DibCropRect, CopiesInsideAndReadsAllOnesOutside) {
     struct Rect {
@@ -38,12 +21,10 @@ TEST(DibCropRect, CopiesInsideAndReadsAllOnesOutside) {
             ASSERT_EQ(to.view.width, rect.right - rect.left);
             ASSERT_EQ(to.view.height, rect.bottom - rect.top);
             const uint32_t ones = bits == 32 ? kOutside : (1u << bits) - 1;
-            for (int32_t y = 0; y < to.view.height; y++) {
-                for (int32_t x = 0; x < to.view.width; x++) {
-                    const uint32_t expected = DibGetPixel(from.image, rect.left + x, rect.top + y);
-                    ASSERT_EQ(DibGetPixel(to.image, x, y), expected == kOutside ? ones : expected) << bits;
-                }
-            }
+            ExpectPixels(cut, [&](int32_t x, int32_t y) {
+                const uint32_t pixel = DibGetPixel(from.image, rect.left + x, rect.top + y);
+                return pixel == kOutside ? ones : pixel;
+            });
         }
     }
 }
@@ -61,15 +42,9 @@ TEST(DibFlips, ReverseRowsAndColumnsAtEveryDepth) {
     for (uint32_t bits : kDepths) {
         DibOwner picture = RandomDepth(11, 3, bits, 9);
         DibOwner vertical(DibFlipVertical(picture.handle)), horizontal(DibFlipHorizontal(picture.handle));
-        DibLock from(picture.handle), v(vertical.handle), h(horizontal.handle);
-        for (int32_t y = 0; y < 3; y++) {
-            for (int32_t x = 0; x < 11; x++) {
-                ASSERT_EQ(DibGetPixel(v.image, x, y), DibGetPixel(from.image, x, 2 - y)) << bits;
-                ASSERT_EQ(DibGetPixel(h.image, x, y), DibGetPixel(from.image, 10 - x, y)) << bits;
-            }
-        }
-        EXPECT_TRUE(SamePicture(DibOwner(DibFlipVertical(vertical.handle)).handle, picture.handle));
-        EXPECT_TRUE(SamePicture(DibOwner(DibFlipHorizontal(horizontal.handle)).handle, picture.handle));
+        DibLock from(picture.handle);
+        ExpectPixels(vertical, [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x, 2 - y); });
+        ExpectPixels(horizontal, [&](int32_t x, int32_t y) { return DibGetPixel(from.image, 10 - x, y); });
     }
 }
 
@@ -81,12 +56,8 @@ TEST(DibFillRect, ClipsAndKeepsNeighbours) {
         DibFillRect(lock.image, -5, -5, 6, 7, kOutside);
         DibFillRect(lock.image, 0, 0, -4, 9, kOutside);
         DibFillRect(lock.image, 0, 0, 9, 0, kOutside);
-        for (int32_t y = 0; y < 6; y++) {
-            for (int32_t x = 0; x < 9; x++) {
-                const bool filled = (x >= 3 && y >= 4) || (x < 1 && y < 2);
-                ASSERT_EQ(DibGetPixel(lock.image, x, y) != 0, filled) << bits << " " << x << " " << y;
-            }
-        }
+        const uint32_t ones = bits == 32 ? kOutside : (1u << bits) - 1;
+        ExpectPixels(picture, [&](int32_t x, int32_t y) { return (x >= 3 && y >= 4) || (x < 1 && y < 2) ? ones : 0; });
     }
 }
 
@@ -94,22 +65,16 @@ TEST(DibFrameRect, DrawsFourBarsInsideTheBox) {
     DibOwner picture(DibCreate(8, 6, nullptr, 8));
     DibLock lock(picture.handle);
     EXPECT_EQ(DibFrameRect(lock.image, 1, 1, 6, 5, 7, 2), 1);
-    EXPECT_EQ(PixelsOf(picture.handle), (std::vector<uint32_t>{
-                                            0, 0, 0, 0, 0, 0, 0, 0, //
-                                            0, 7, 7, 7, 7, 7, 7, 0, //
-                                            0, 7, 7, 7, 7, 7, 7, 0, //
-                                            0, 7, 7, 0, 0, 7, 7, 0, //
-                                            0, 7, 7, 7, 7, 7, 7, 0, //
-                                            0, 7, 7, 7, 7, 7, 7, 0, //
-                                        }));
-    DibOwner hostile(DibCreate(3, 3, nullptr, 24));
-    DibLock target(hostile.handle);
-    DibFrameRect(target.image, INT32_MAX, INT32_MAX, -5, 3, 1, 9);
-    DibFrameRect(target.image, 0, 0, 3, 3, 1, -1);
-    EXPECT_EQ(PixelsOf(hostile.handle), std::vector<uint32_t>(9, 0));
-    DibFrameRect(target.image, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 1, INT32_MAX);
-    DibFrameRect(target.image, 1, 1, 1, 1, 5, INT32_MAX);
-    EXPECT_EQ(DibGetPixel(target.image, 1, 1), 5u);
+    ExpectPixels(picture, [](int32_t x, int32_t y) {
+        const bool inBox = x >= 1 && x < 7 && y >= 1 && y < 6, inHole = x >= 3 && x < 5 && y == 3;
+        return inBox && !inHole ? 7u : 0u;
+    });
+    DibFrameRect(lock.image, INT32_MAX, INT32_MAX, -5, 3, 1, 9);
+    DibFrameRect(lock.image, 0, 0, 3, 3, 1, -1);
+    EXPECT_EQ(DibGetPixel(lock.image, 0, 0), 0u);
+    DibFrameRect(lock.image, INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX, 1, INT32_MAX);
+    DibFrameRect(lock.image, 3, 3, 1, 1, 5, INT32_MAX);
+    EXPECT_EQ(DibGetPixel(lock.image, 3, 3), 5u);
 }
 
 TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
@@ -123,23 +88,20 @@ TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
             for (const Place &place :
                  {Place{1, 1, 0, 0, 3, 2}, Place{-2, -1, 1, 0, 6, 5}, Place{5, 2, -1, 3, 9, 9},
                   Place{0, 0, INT32_MIN, 0, INT32_MAX, 4}, Place{INT32_MAX, 0, 0, 0, INT32_MAX, INT32_MAX}}) {
-                DibOwner target = RandomDepth(7, 4, toBits, 8), expected(DibClone(target.handle));
-                DibLock to(target.handle), reference(expected.handle);
-                for (int64_t y = 0; y < 4; y++) {
-                    for (int64_t x = 0; x < 7; x++) {
-                        const int64_t i = x - place.toX, k = y - place.toY;
-                        const int64_t fromX = place.fromX + i, fromY = place.fromY + k;
-                        if (i < 0 || i >= place.width || k < 0 || k >= place.height || fromX < 0 || fromX >= 6 ||
-                            fromY < 0 || fromY >= 5)
-                            continue;
-                        DibSetPixel(reference.image, static_cast<int32_t>(x), static_cast<int32_t>(y),
-                                    DibGetPixel(from.image, static_cast<int32_t>(fromX), static_cast<int32_t>(fromY)));
-                    }
-                }
+                DibOwner target = RandomDepth(7, 4, toBits, 8);
+                DibLock to(target.handle);
+                const DibOwner expected = PictureLike(target.handle, [&](int64_t x, int64_t y) {
+                    const int64_t i = x - place.toX, k = y - place.toY;
+                    const int64_t fromX = place.fromX + i, fromY = place.fromY + k;
+                    const bool within = i >= 0 && i < place.width && k >= 0 && k < place.height;
+                    const bool there = fromX >= 0 && fromX < 6 && fromY >= 0 && fromY < 5;
+                    return within && there ? DibGetPixel(from.image, int32_t(fromX), int32_t(fromY))
+                                           : DibGetPixel(to.image, int32_t(x), int32_t(y));
+                });
                 EXPECT_EQ(DibCopyRect(to.image, place.toX, place.toY, from.image, place.fromX, place.fromY, place.width,
                                       place.height),
                           1);
-                EXPECT_TRUE(SamePicture(target.handle, expected.handle)) << fromBits << " to " << toBits;
+                EXPECT_TRUE(SamePicture(target, expected)) << fromBits << " to " << toBits;
             }
         }
     }
@@ -149,25 +111,13 @@ static uint32_t GreyOf(uint32_t color) {
     return (color & 255) * 77 / 255 + (color >> 8 & 255) * 150 / 255 + (color >> 16 & 255) * 28 / 255;
 }
 
-static uint32_t MixByte(uint32_t from, uint32_t to, uint32_t weight) {
-    return from * (255 - weight) / 255 + to * weight / 255;
-}
 static uint32_t MixBytes(uint32_t from, uint32_t to, uint32_t weight) {
     uint32_t mixed = 0;
-    for (uint32_t shift : {0, 8, 16}) mixed |= MixByte(from >> shift & 255, to >> shift & 255, weight) << shift;
-    return mixed;
-}
-
-/// Every pixel of `result` is `expected(x, y)`.
-template <typename Expected>
-static void ExpectPixels(DibHandle result, uint32_t bits, Expected expected) {
-    DibLock lock(result);
-    ASSERT_TRUE(lock);
-    ASSERT_EQ(lock.view.bits, bits);
-    for (int32_t y = 0; y < lock.view.height; y++) {
-        for (int32_t x = 0; x < lock.view.width; x++)
-            ASSERT_EQ(DibGetPixel(lock.image, x, y), expected(x, y)) << x << " " << y;
+    for (uint32_t shift : {0, 8, 16}) {
+        const uint32_t share = (from >> shift & 255) * (255 - weight) / 255;
+        mixed |= (share + (to >> shift & 255) * weight / 255) << shift;
     }
+    return mixed;
 }
 
 TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
@@ -178,15 +128,12 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
         DibOwner picture = RandomDepth(width, height, bits, 6);
         DibLock from(picture.handle);
         const auto pixel = [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x, y); };
-        ExpectPixels(DibOwner(DibToGrey(picture.handle)).handle, 8,
-                     [&](int32_t x, int32_t y) { return GreyOf(pixel(x, y)); });
-        ExpectPixels(DibOwner(DibToRgb(picture.handle)).handle, 24,
-                     [&](int32_t x, int32_t y) { return pixel(x, y) & 0xFFFFFF; });
-        ExpectPixels(DibOwner(DibAlphaToGrey(picture.handle)).handle, 8,
-                     [&](int32_t x, int32_t y) { return pixel(x, y) >> 24; });
-        ExpectPixels(DibOwner(DibFlattenOnColor(picture.handle, paper)).handle, 24,
+        ExpectPixels(DibOwner(DibToGrey(picture.handle)), [&](int32_t x, int32_t y) { return GreyOf(pixel(x, y)); });
+        ExpectPixels(DibOwner(DibToRgb(picture.handle)), [&](int32_t x, int32_t y) { return pixel(x, y) & 0xFFFFFF; });
+        ExpectPixels(DibOwner(DibAlphaToGrey(picture.handle)), [&](int32_t x, int32_t y) { return pixel(x, y) >> 24; });
+        ExpectPixels(DibOwner(DibFlattenOnColor(picture.handle, paper)),
                      [&](int32_t x, int32_t y) { return MixBytes(paper, pixel(x, y), pixel(x, y) >> 24); });
-        ExpectPixels(DibOwner(DibColorize(picture.handle, paper, 0x804001)).handle, 24,
+        ExpectPixels(DibOwner(DibColorize(picture.handle, paper, 0x804001)),
                      [&](int32_t x, int32_t y) { return MixBytes(paper, 0x804001, pixel(x, y) & 255); });
         for (uint32_t maskBits : kDepths) {
             // Smaller than the picture: outside, the mask counts as full.
@@ -197,7 +144,7 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
                 EXPECT_EQ(tinted.handle, nullptr);
                 continue;
             }
-            ExpectPixels(tinted.handle, 24, [&](int32_t x, int32_t y) {
+            ExpectPixels(tinted, [&](int32_t x, int32_t y) {
                 return MixBytes(pixel(x, y), paper, DibGetPixel(maskLock.image, x, y) & 255);
             });
         }
@@ -210,23 +157,21 @@ TEST(DibConversions, IndexedPicturesGoThroughTheirTable) {
     std::copy(std::begin(entries), std::end(entries), palette.rgb);
     for (uint32_t bits : {4u, 8u}) {
         DibOwner picture = MakePalettePicture(3, 1, bits, palette, {0, 1, 2});
-        EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(picture.handle)).handle),
-                  (std::vector<uint32_t>{0x0201C8, 0xFF0000, 0x090807}));
+        EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(picture.handle))), (Pixels{0x0201C8, 0xFF0000, 0x090807}));
         // The red byte alone: pure blue is black.
-        EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(picture.handle)).handle), (std::vector<uint32_t>{200, 0, 7}));
-        EXPECT_EQ(PixelsOf(DibOwner(DibAlphaToGrey(picture.handle)).handle), std::vector<uint32_t>(3, 0));
+        EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(picture.handle))), (Pixels{200, 0, 7}));
+        EXPECT_EQ(PixelsOf(DibOwner(DibAlphaToGrey(picture.handle))), Pixels(3, 0));
     }
     DibOwner mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
     EXPECT_EQ(DibClassify(mono.handle), kModeMono);
-    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(mono.handle)).handle), (std::vector<uint32_t>{0, 0xFFFFFF}));
-    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(mono.handle)).handle), (std::vector<uint32_t>{200, 0}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(mono.handle))), (Pixels{0, 0xFFFFFF}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(mono.handle))), (Pixels{200, 0}));
 }
 
 TEST(DibConversions, PaperIsOnlyFor32Bits) {
     DibOwner clear = MakePicture(2, 1, 32, {0x00123456, 0xFF123456});
     DarkroomPaperColor = 0x0000FF;
-    EXPECT_EQ(PixelsOf(DibOwner(DibFlattenOnPaper(clear.handle, 0x00FF00)).handle),
-              (std::vector<uint32_t>{0x0000FF, 0x123456}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibFlattenOnPaper(clear.handle, 0x00FF00))), (Pixels{0x0000FF, 0x123456}));
     DarkroomPaperColor = 0xFFFFFF;
     DibOwner opaque = MakePicture(1, 1, 24, {0});
     EXPECT_EQ(DibFlattenOnPaper(opaque.handle, 0), nullptr);
@@ -235,21 +180,25 @@ TEST(DibConversions, PaperIsOnlyFor32Bits) {
 
 TEST(DibAdjustHsv, TurnsScalesAndKeepsAlpha) {
     DibOwner picture = MakePicture(3, 1, 32, {0x800000FF, 0x80000000, 0x40204060});
-    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 120, 1, 1)).handle)[0], 0x8000FF00u);
-    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 0, 0, 0.5f)).handle),
-              (std::vector<uint32_t>{0x807F7F7F, 0x80000000, 0x40303030}));
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 120, 1, 1)))[0], 0x8000FF00u);
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, 0, 0, 0.5f))),
+              (Pixels{0x807F7F7F, 0x80000000, 0x40303030}));
     // Not wrapped: red turned back by 60 degrees stands in the last sector, at its start.
-    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, -60, 1, 1)).handle)[0], 0x80FF00FFu);
+    EXPECT_EQ(PixelsOf(DibOwner(DibAdjustHsv(picture.handle, -60, 1, 1)))[0], 0x80FF00FFu);
 }
 
 TEST(DibOps, SixteenBitPicturesReadWhite) {
-    DibOwner odd = SixteenBits(3, 2);
-    const std::vector<uint32_t> white(6, 0xFFFFFF);
-    EXPECT_EQ(PixelsOf(DibOwner(DibCropRect(odd.handle, 0, 0, 3, 2)).handle), white);
-    EXPECT_EQ(PixelsOf(DibOwner(DibFlipHorizontal(odd.handle)).handle), white);
-    EXPECT_EQ(PixelsOf(DibOwner(DibFlipVertical(odd.handle)).handle).size(), 6u);
-    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(odd.handle)).handle), white);
-    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(odd.handle)).handle), std::vector<uint32_t>(6, 255));
+    const DibOwner odd(DibCreate(3, 2, nullptr, 32));
+    {
+        DibLock lock(odd.handle);
+        reinterpret_cast<DibHeader *>(lock.image)->biBitCount = 16;
+    }
+    const Pixels white(6, 0xFFFFFF);
+    EXPECT_EQ(PixelsOf(DibOwner(DibCropRect(odd.handle, 0, 0, 3, 2))), white);
+    EXPECT_EQ(PixelsOf(DibOwner(DibFlipHorizontal(odd.handle))), white);
+    EXPECT_EQ(PixelsOf(DibOwner(DibFlipVertical(odd.handle))).size(), 6u);
+    EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(odd.handle))), white);
+    EXPECT_EQ(PixelsOf(DibOwner(DibToGrey(odd.handle))), Pixels(6, 255));
 }
 
 } // namespace lmf::testing

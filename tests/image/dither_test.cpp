@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "image/dib_ops.h"
 #include "image/dither.h"
 #include "image/nearest_color.h"
@@ -15,10 +13,6 @@ static Palette768 RandomPalette(uint32_t seed, uint32_t colors, uint32_t low, ui
     return palette;
 }
 
-static DibOwner FlatPicture(int32_t width, int32_t height, Color color) {
-    return DibOwner(DibCreateSolid(width, height, color));
-}
-
 TEST(NearestFinder, FindsWhatAScanFinds) {
     const Palette768 palettes[] = {RandomPalette(1, 256, 0, 256), RandomPalette(2, 256, 100, 12),
                                    RandomPalette(3, 16, 0, 256), RandomPalette(4, 30, 40, 3), GreyRamp()};
@@ -29,11 +23,10 @@ TEST(NearestFinder, FindsWhatAScanFinds) {
             uint32_t state = 77;
             for (int32_t i = 0; i < 40000; i++) {
                 // Half of the colours come from the neighbourhood of the dense palettes.
-                const uint32_t random = TestRandom(&state);
+                const uint32_t random = TestRandom(&state) >> 3;
                 const uint32_t mask = i % 2 != 0 ? 255 : 15, base = i % 2 != 0 ? 0 : 96;
-                const auto red = static_cast<int32_t>(base + (random >> 3 & mask));
-                const auto green = static_cast<int32_t>(base + (random >> 11 & mask));
-                const auto blue = static_cast<int32_t>(base + (random >> 19 & mask));
+                const Color color = (random & mask * 0x010101) + base * 0x010101;
+                const int32_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
                 ASSERT_EQ(finder.Find(red, green, blue),
                           static_cast<uint32_t>(PaletteNearest(red, green, blue, palette, count)))
                     << red << " " << green << " " << blue << " of " << count;
@@ -43,10 +36,10 @@ TEST(NearestFinder, FindsWhatAScanFinds) {
 }
 
 /// Error diffusion to colours, share by share.
-static std::vector<uint32_t> SlowColorDiffusion(DibHandle picture, const Palette768 &palette, uint32_t bits) {
+static Pixels SlowColorDiffusion(DibHandle picture, const Palette768 &palette, uint32_t bits) {
     DibLock from(picture);
     const int32_t width = from.view.width, height = from.view.height;
-    std::vector<uint32_t> result(static_cast<size_t>(width * height));
+    Pixels result(static_cast<size_t>(width * height));
     std::vector<int32_t> current(static_cast<size_t>(3 * width + 256)), next(current.size());
     for (int32_t y = height - 1; y >= 0; y--) {
         for (int32_t i = 0; i < 3 * width; i++)
@@ -73,7 +66,7 @@ static std::vector<uint32_t> SlowColorDiffusion(DibHandle picture, const Palette
 }
 
 /// Error diffusion to black and white, share by share, on rows with their padding.
-static std::vector<uint32_t> SlowMonoDiffusion(DibHandle picture, int32_t brightness, int32_t contrast) {
+static Pixels SlowMonoDiffusion(DibHandle picture, int32_t brightness, int32_t contrast) {
     DibLock from(picture);
     const int32_t width = from.view.width, height = from.view.height, stride = (width + 3) / 4 * 4;
     std::vector<int32_t> bytes(static_cast<size_t>(stride * height));
@@ -86,30 +79,26 @@ static std::vector<uint32_t> SlowMonoDiffusion(DibHandle picture, int32_t bright
     }
     Palette768 palette;
     DibReadPalette(from.image, &palette);
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            const uint32_t pixel = DibGetPixel(from.image, x, height - 1 - y);
-            at(x, y) = WeightedGrey(from.view.bits > 8 ? pixel : palette.At(pixel));
-            low = std::min(low, at(x, y));
-            high = std::max(high, at(x, y));
-        }
-    }
+    ForEachPixel(from.view, [&](int32_t x, int32_t y) {
+        const uint32_t pixel = DibGetPixel(from.image, x, height - 1 - y);
+        at(x, y) = WeightedGrey(from.view.bits > 8 ? pixel : palette.At(pixel));
+        low = std::min(low, at(x, y));
+        high = std::max(high, at(x, y));
+    });
     const auto send = [&](int32_t x, int32_t y, int32_t share) { at(x, y) = std::clamp(at(x, y) + share, 0, 255); };
-    std::vector<uint32_t> result(static_cast<size_t>(width * height));
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            const int32_t q = table[at(x, y)];
-            const bool white = q > (high + low) / 2;
-            result[static_cast<size_t>((height - 1 - y) * width + x)] = white;
-            const int32_t unit = (q - (white ? high : low)) >> 4;
-            if (y + 1 < height) {
-                if (x + 1 < width) send(x + 1, y + 1, unit);
-                if (x != 1) send(x - 1, y + 1, 3 * unit);
-                send(x, y + 1, 5 * unit);
-            }
-            if (x + 1 < width) send(x + 1, y, 7 * unit);
+    Pixels result(static_cast<size_t>(width * height));
+    ForEachPixel(from.view, [&](int32_t x, int32_t y) {
+        const int32_t q = table[at(x, y)];
+        const bool white = q > (high + low) / 2;
+        result[static_cast<size_t>((height - 1 - y) * width + x)] = white;
+        const int32_t unit = (q - (white ? high : low)) >> 4;
+        if (y + 1 < height) {
+            if (x + 1 < width) send(x + 1, y + 1, unit);
+            if (x != 1) send(x - 1, y + 1, 3 * unit);
+            send(x, y + 1, 5 * unit);
         }
-    }
+        if (x + 1 < width) send(x + 1, y, 7 * unit);
+    });
     return result;
 }
 
@@ -143,32 +132,31 @@ TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
 TEST(RemapNearest, TakesTheNearestEntryOrTheBrightSide) {
     const Palette768 palette = RandomPalette(9, 64, 0, 256);
     DibOwner color = RandomPicture(33, 7, kModeTrueColor, 2);
-    const std::vector<uint32_t> pixels = PixelsOf(color.handle);
-    std::vector<uint32_t> nearest, bright;
+    const Pixels pixels = PixelsOf(color.handle);
+    Pixels nearest, bright;
     for (uint32_t pixel : pixels) {
         nearest.push_back(
             static_cast<uint32_t>(PaletteNearest(RedOf(pixel), GreenOf(pixel), BlueOf(pixel), palette, 64)));
         bright.push_back(WeightedGrey(pixel) >= 129);
     }
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(color.handle, palette, 6)).handle), nearest);
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(color.handle, palette, 1)).handle), bright);
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(color.handle, palette, 6))), nearest);
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(color.handle, palette, 1))), bright);
 
     // Indexed sources go through their own table, 1-bit ones to white and black whatever they hold.
     const Palette768 few{{250, 250, 250, 10, 10, 10, 128, 129, 129, 130, 132, 133}};
     DibOwner indexed = MakePalettePicture(4, 1, 4, few, {0, 1, 2, 3});
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(indexed.handle, few, 2)).handle), (std::vector<uint32_t>{0, 1, 2, 3}));
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(indexed.handle, few, 1)).handle), (std::vector<uint32_t>{1, 0, 0, 1}));
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(indexed.handle, few, 2))), (Pixels{0, 1, 2, 3}));
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(indexed.handle, few, 1))), (Pixels{1, 0, 0, 1}));
     DibOwner mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(mono.handle, few, 2)).handle), (std::vector<uint32_t>{1, 0}));
-    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(mono.handle, few, 1)).handle), (std::vector<uint32_t>{0, 1}));
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(mono.handle, few, 2))), (Pixels{1, 0}));
+    EXPECT_EQ(PixelsOf(DibOwner(RemapNearest(mono.handle, few, 1))), (Pixels{0, 1}));
 }
 
 TEST(ThresholdToMono, IsStrictlyAbove) {
     DibOwner grey = MakePicture(9, 1, 8, {0, 127, 128, 129, 255, 128, 129, 128, 130});
-    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, 128)).handle),
-              (std::vector<uint32_t>{0, 0, 0, 1, 1, 0, 1, 0, 1}));
-    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, 5000)).handle), std::vector<uint32_t>(9, 0));
-    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, -5000)).handle), std::vector<uint32_t>(9, 1));
+    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, 128))), (Pixels{0, 0, 0, 1, 1, 0, 1, 0, 1}));
+    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, 5000))), Pixels(9, 0));
+    EXPECT_EQ(PixelsOf(DibOwner(ThresholdToMono(grey.handle, -5000))), Pixels(9, 1));
     EXPECT_EQ(ThresholdToMono(RandomPicture(3, 3, kModeMono, 1).handle, 128), nullptr);
 }
 
@@ -176,29 +164,26 @@ TEST(Bayer, ThresholdsOfATile) {
     // Of 64 pixels of a flat grey, as many are white as thresholds lie below it; none for black, all
     // for white. Grey 9 weighs 7.
     for (const auto &[level, white] : {std::pair{0u, 0u}, {9u, 2u}, {255u, 64u}}) {
-        const std::vector<uint32_t> mono =
-            PixelsOf(DibOwner(BayerMono(FlatPicture(8, 8, level * 0x010101).handle)).handle);
+        const Pixels mono =
+            PixelsOf(DibOwner(BayerMono(MakePicture(8, 8, 24, Pixels(64, level * 0x010101)).handle)).handle);
         EXPECT_EQ(std::count(mono.begin(), mono.end(), 1u), white) << level;
     }
     // Grey 129 weighs 127. The top rows of the matrix are below 32 at every other place.
-    const std::vector<uint32_t> half = PixelsOf(DibOwner(BayerMono(FlatPicture(11, 2, 0x818181).handle)).handle);
-    EXPECT_EQ(half, (std::vector<uint32_t>{1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0}));
+    const Pixels half = PixelsOf(DibOwner(BayerMono(MakePicture(11, 2, 24, Pixels(22, 0x818181)).handle)).handle);
+    EXPECT_EQ(half, (Pixels{1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0}));
     // Red 40 is above thresholds 0, 32 and 8 of the first row, green 9 above 0 and 8, blue 255 above all.
-    EXPECT_EQ(PixelsOf(DibOwner(BayerEight(FlatPicture(5, 1, PackColor(40, 9, 255)).handle)).handle),
-              (std::vector<uint32_t>{7, 4, 5, 4, 7}));
+    EXPECT_EQ(PixelsOf(DibOwner(BayerEight(MakePicture(5, 1, 24, Pixels(5, PackColor(40, 9, 255))).handle)).handle),
+              (Pixels{7, 4, 5, 4, 7}));
 }
 
 TEST(Bayer, Rgb332TurnsTheMatrix) {
     // Down the first column stand the thresholds 0, 128, 32, 160 of the first matrix row: a channel of 100 moves to
     // 75, 107, 83, 115.
-    DibOwner result(BayerRgb332(FlatPicture(1, 4, PackColor(100, 200, 0)).handle));
-    const std::vector<uint32_t> expected = {(75 & 224) | (150 >> 3 & 28) | 0, (107 & 224) | (182 >> 3 & 28) | 32 >> 6,
-                                            (83 & 224) | (158 >> 3 & 28) | 8 >> 6,
-                                            (115 & 224) | (190 >> 3 & 28) | 40 >> 6};
+    DibOwner result(BayerRgb332(MakePicture(1, 4, 24, Pixels(4, PackColor(100, 200, 0))).handle));
+    const Pixels expected = {(75 & 224) | (150 >> 3 & 28) | 0, (107 & 224) | (182 >> 3 & 28) | 32 >> 6,
+                             (83 & 224) | (158 >> 3 & 28) | 8 >> 6, (115 & 224) | (190 >> 3 & 28) | 40 >> 6};
     EXPECT_EQ(PixelsOf(result.handle), expected);
-    Palette768 palette;
-    ASSERT_TRUE(DibInfo(result.handle, nullptr, nullptr, nullptr, &palette));
-    EXPECT_EQ(palette.At(32 * 7 + 4 * 6 + 1), PackColor(255, 216, 85));
+    EXPECT_EQ(PaletteOf(result).At(32 * 7 + 4 * 6 + 1), PackColor(255, 216, 85));
 }
 
 } // namespace lmf::testing

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include <gtest/gtest.h>
-
 #include "image/transpose.h"
 #include "support/pictures.h"
 
@@ -44,18 +42,11 @@ static uint32_t ReferenceSample(const DibLock &from, bool vertical, int32_t posi
 static DibOwner ReferencePass(DibHandle source, bool vertical, int32_t newSize, double factor,
                               const ResampleWindow &window, double blur) {
     DibLock from(source);
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    DibOwner result(DibCreate(vertical ? from.view.width : newSize, vertical ? newSize : from.view.height, &palette,
-                              from.view.bits));
-    DibLock to(result.handle);
-    for (int32_t y = 0; y < to.view.height; y++) {
-        for (int32_t x = 0; x < to.view.width; x++)
-            DibSetPixel(to.image, x, y,
-                        ReferenceSample(from, vertical, vertical ? y : x, vertical ? x : y, factor, window, blur));
-    }
-    to.Unlock();
-    return result;
+    DibOwner size(vertical ? DibCreateLike(from, from.view.width, newSize)
+                           : DibCreateLike(from, newSize, from.view.height));
+    return PictureLike(size.handle, [&](int32_t x, int32_t y) {
+        return ReferenceSample(from, vertical, vertical ? y : x, vertical ? x : y, factor, window, blur);
+    });
 }
 
 static DibOwner ReferenceScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_t index, double blur) {
@@ -71,12 +62,6 @@ static DibOwner ReferenceScale(DibHandle source, int32_t newWidth, int32_t newHe
                          horizontalFirst ? yFactor : xFactor, window, blur);
 }
 
-static DibOwner Random32(int32_t width, int32_t height, uint32_t seed) {
-    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
-    for (uint32_t &pixel : pixels) pixel = TestRandom(&seed);
-    return MakePicture(width, height, 32, pixels);
-}
-
 TEST(Resample, IsBitForBitThePlainRoad) {
     struct Case {
         int32_t width, height, newWidth, newHeight;
@@ -89,14 +74,13 @@ TEST(Resample, IsBitForBitThePlainRoad) {
                                       {90, 2, 7, 3, 9.0},     {31, 33, 62, 66, -1.0}};
     for (const Case &c : kCases) {
         DibOwner sources[] = {RandomPicture(c.width, c.height, kModeTrueColor, 3),
-                              RandomPicture(c.width, c.height, kModePalette, 4), Random32(c.width, c.height, 5)};
+                              RandomPicture(c.width, c.height, kModePalette, 4), RandomDepth(c.width, c.height, 32, 5)};
         for (const DibOwner &source : sources) {
             for (int32_t window = 0; window < 16; window++) {
                 DibOwner fast(DibScale(source.handle, c.newWidth, c.newHeight, window, c.blur));
                 DibOwner plain = ReferenceScale(source.handle, c.newWidth, c.newHeight, window, c.blur);
-                ASSERT_TRUE(SamePicture(fast.handle, plain.handle))
-                    << c.width << "x" << c.height << " to " << c.newWidth << "x" << c.newHeight << ", window "
-                    << window;
+                ASSERT_TRUE(SamePicture(fast, plain)) << c.width << "x" << c.height << " to " << c.newWidth << "x"
+                                                      << c.newHeight << ", window " << window;
             }
         }
     }
@@ -122,32 +106,24 @@ TEST(Resample, WindowsHaveTheirShape) {
     EXPECT_EQ(kResampleWindows[14].support, 3.238300085067749);
 }
 
-TEST(Resample, AFlatPictureStaysFlat) {
-    DibOwner flat(DibCreateSolid(23, 31, 0x0A80FF));
-    for (int32_t window = 0; window < 16; window++) {
-        DibOwner scaled(DibScalePercent(flat.handle, 63, 170, window));
-        for (uint32_t pixel : PixelsOf(scaled.handle)) ASSERT_EQ(pixel, 0x0A80FFu) << window;
-    }
-}
-
 TEST(Resample, ChoosesWindowsAndCopies) {
     DibOwner source = RandomPicture(12, 10, kModeTrueColor, 8);
     const auto same = [&](int32_t width, int32_t height, int32_t a, int32_t b) {
-        DibOwner one(DibScaleTo(source.handle, width, height, a)), other(DibScaleTo(source.handle, width, height, b));
-        return SamePicture(one.handle, other.handle);
+        return SamePicture(DibOwner(DibScaleTo(source.handle, width, height, a)),
+                           DibOwner(DibScaleTo(source.handle, width, height, b)));
     };
     EXPECT_TRUE(same(24, 5, 0, 13)) << "a product of exactly 1 is no gain";
     EXPECT_TRUE(same(25, 5, 0, 12));
     EXPECT_TRUE(same(30, 30, 1, 2)) << "Box enlarges as Point";
     EXPECT_FALSE(same(6, 5, 1, 2));
     EXPECT_TRUE(same(20, 20, -4, 0) && same(20, 20, 99, 15));
-    EXPECT_TRUE(SamePicture(DibOwner(DibScaleTo(source.handle, 12, 10, 8)).handle, source.handle));
-    EXPECT_FALSE(SamePicture(DibOwner(DibScale(source.handle, 12, 10, 8, 1.5)).handle, source.handle));
+    EXPECT_TRUE(SamePicture(DibOwner(DibScaleTo(source.handle, 12, 10, 8)), source));
+    EXPECT_FALSE(SamePicture(DibOwner(DibScale(source.handle, 12, 10, 8, 1.5)), source));
 }
 
 TEST(Resample, OtherDepthsComeOutBlankAndNoSizeFails) {
     DibOwner nibbles = MakePicture(4, 1, 4, {1, 2, 3, 4});
-    EXPECT_EQ(PixelsOf(DibOwner(DibScaleTo(nibbles.handle, 2, 2, 0)).handle), std::vector<uint32_t>(4, 0));
+    EXPECT_EQ(PixelsOf(DibOwner(DibScaleTo(nibbles.handle, 2, 2, 0))), Pixels(4, 0));
     DibOwner source = RandomPicture(9, 9, kModeTrueColor, 2);
     EXPECT_EQ(DibScaleTo(source.handle, 0, 5, 0), nullptr);
     EXPECT_EQ(DibScaleTo(source.handle, 5, -1, 0), nullptr);
@@ -158,14 +134,13 @@ TEST(Resample, OtherDepthsComeOutBlankAndNoSizeFails) {
 
 TEST(Resample, FitAspectTakesTheTighterSide) {
     DibOwner source(DibCreateSolid(300, 200, 0));
-    int32_t width = 100, depth = 100;
-    EXPECT_EQ(DibFitAspect(source.handle, &width, &depth), 1);
-    EXPECT_EQ(width, 100);
-    EXPECT_EQ(depth, 67);
-    width = 900, depth = 50;
-    EXPECT_EQ(DibFitAspect(source.handle, &width, &depth), 1);
-    EXPECT_EQ(width, 75);
-    EXPECT_EQ(depth, 50);
+    const auto fit = [&](int32_t width, int32_t depth) {
+        EXPECT_EQ(DibFitAspect(source.handle, &width, &depth), 1);
+        return std::pair{width, depth};
+    };
+    EXPECT_EQ(fit(100, 100), (std::pair{100, 67}));
+    EXPECT_EQ(fit(900, 50), (std::pair{75, 50}));
+    int32_t width = 75, depth = 50;
     EXPECT_EQ(DibFitAspect(nullptr, &width, &depth), 0);
     EXPECT_EQ(width, 75);
 }
@@ -176,9 +151,9 @@ TEST(Transpose, TilesAndRests) {
             std::vector<uint8_t> from(static_cast<size_t>(rows * columns)), to(from.size());
             for (size_t i = 0; i < from.size(); i++) from[i] = static_cast<uint8_t>(i * 7 + i / 256);
             TransposeBytes(to.data(), rows, from.data(), columns, rows, columns);
-            for (ptrdiff_t r = 0; r < rows; r++) {
-                for (ptrdiff_t c = 0; c < columns; c++)
-                    ASSERT_EQ(to[static_cast<size_t>(c * rows + r)], from[static_cast<size_t>(r * columns + c)]);
+            for (size_t i = 0; i < from.size(); i++) {
+                const size_t row = i / static_cast<size_t>(columns), column = i % static_cast<size_t>(columns);
+                ASSERT_EQ(to[column * static_cast<size_t>(rows) + row], from[i]);
             }
         }
     }

@@ -2,14 +2,10 @@
 
 #include <cstring>
 
-#include <gtest/gtest.h>
-
-#include "engine/catalogue.h"
-
 namespace lmf::testing {
 
 DibOwner MakePalettePicture(int32_t width, int32_t height, uint32_t bits, const Palette768 &palette,
-                            const std::vector<uint32_t> &pixels) {
+                            const Pixels &pixels) {
     DibOwner picture(DibCreate(width, height, &palette, bits));
     DibLock lock(picture.handle);
     for (size_t i = 0; i < pixels.size(); i++)
@@ -17,7 +13,7 @@ DibOwner MakePalettePicture(int32_t width, int32_t height, uint32_t bits, const 
     return picture;
 }
 
-DibOwner MakePicture(int32_t width, int32_t height, uint32_t bits, const std::vector<uint32_t> &pixels) {
+DibOwner MakePicture(int32_t width, int32_t height, uint32_t bits, const Pixels &pixels) {
     Palette768 palette = GreyRamp();
     if (bits == 1) std::memset(palette.rgb + 3, 255, 3);
     return MakePalettePicture(width, height, bits, palette, pixels);
@@ -34,7 +30,7 @@ DibOwner RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t s
     static constexpr uint32_t kDepths[] = {24, 8, 8, 1};
     uint32_t state = seed * 2654435761u + 1;
     if (state == 0) state = 1;
-    std::vector<uint32_t> pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    Pixels pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
     for (uint32_t &pixel : pixels) pixel = TestRandom(&state) >> 4;
     if (mode != kModePalette) return MakePicture(width, height, kDepths[mode], pixels);
     Palette768 palette;
@@ -42,13 +38,28 @@ DibOwner RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t s
     return MakePalettePicture(width, height, 8, palette, pixels);
 }
 
-std::vector<uint32_t> PixelsOf(DibHandle picture) {
-    std::vector<uint32_t> pixels;
+DibOwner RandomDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
+    uint32_t state = seed * 2654435761u + 1;
+    Pixels pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
+    for (uint32_t &pixel : pixels) pixel = TestRandom(&state) * 0x10001 ^ TestRandom(&state);
+    return MakePicture(width, height, bits, pixels);
+}
+
+Pixels PixelsOf(DibHandle picture) {
+    Pixels pixels;
     DibLock lock(picture);
-    for (int32_t y = 0; y < lock.view.height; y++) {
-        for (int32_t x = 0; x < lock.view.width; x++) pixels.push_back(DibGetPixel(lock.image, x, y));
-    }
+    ForEachPixel(lock.view, [&](int32_t x, int32_t y) { pixels.push_back(DibGetPixel(lock.image, x, y)); });
     return pixels;
+}
+
+Pixels PixelsOf(const DibOwner &picture) {
+    return PixelsOf(picture.handle);
+}
+
+Palette768 PaletteOf(const DibOwner &picture) {
+    Palette768 palette{};
+    EXPECT_TRUE(DibInfo(picture.handle, nullptr, nullptr, nullptr, &palette));
+    return palette;
 }
 
 bool SamePicture(DibHandle a, DibHandle b) {
@@ -60,11 +71,21 @@ bool SamePicture(DibHandle a, DibHandle b) {
     return std::memcmp(lockA.view.colorTable, lockB.view.colorTable, table) == 0 && PixelsOf(a) == PixelsOf(b);
 }
 
+bool SamePicture(const DibOwner &a, const DibOwner &b) {
+    return SamePicture(a.handle, b.handle);
+}
+
 FilterContext MakeContext(ImageMode mode) {
     FilterContext context{};
     context.mode = mode;
     context.paperColor = 0xFFFFFF;
     ResetAllDefaults(&context);
+    return context;
+}
+
+FilterContext ContextWith(const std::vector<Setting> &settings) {
+    FilterContext context = MakeContext();
+    for (const Setting &setting : settings) context.*setting.field = setting.value;
     return context;
 }
 
@@ -75,14 +96,18 @@ int32_t RowOf(const std::string &filter) {
     return 0;
 }
 
+const FilterEntry &EntryOf(const std::string &filter) {
+    return FilterCatalogue[RowOf(filter)];
+}
+
 DibOwner RunKernel(const std::string &filter, DibHandle source, FilterContext *context, bool keepMode) {
     if (!keepMode) context->mode = DibClassify(source);
     DibInfo(source, &context->width, &context->height, nullptr, nullptr);
-    return DibOwner(FilterCatalogue[RowOf(filter)].slots->FilterKernel(source, context));
+    return DibOwner(EntryOf(filter).slots->FilterKernel(source, context));
 }
 
-DibOwner RunKernel(const std::string &filter, DibHandle source) {
-    FilterContext context = MakeContext();
+DibOwner RunKernel(const std::string &filter, DibHandle source, const std::vector<Setting> &settings) {
+    FilterContext context = ContextWith(settings);
     return RunKernel(filter, source, &context);
 }
 

@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "image/dither.h"
 #include "support/pictures.h"
 
@@ -10,29 +8,23 @@ TEST(ConvertTo256Colors, TakesTheLeastDepthForTheColors) {
         uint32_t colors, bits;
     };
     for (const Case &item : {Case{1, 1}, Case{2, 1}, Case{3, 4}, Case{16, 4}, Case{17, 8}, Case{200, 8}}) {
-        std::vector<uint32_t> pixels;
+        Pixels pixels;
         for (uint32_t i = 0; i < item.colors; i++) pixels.push_back(i * 0x010201);
-        DibOwner picture = MakePicture(static_cast<int32_t>(item.colors), 1, 24, pixels);
-        FilterContext context = MakeContext();
-        context.FilterConvertTo256Dither = 0;
-        DibOwner result = RunKernel("Convert to 256 Colors", picture.handle, &context);
+        const DibOwner picture = MakePicture(static_cast<int32_t>(item.colors), 1, 24, pixels);
+        const DibOwner result = RunKernel("Convert to 256 Colors", picture.handle, {{&P::FilterConvertTo256Dither, 0}});
         DibLock lock(result.handle);
         ASSERT_TRUE(lock);
         EXPECT_EQ(lock.view.bits, item.bits) << item.colors;
         if (item.colors < 3) continue;
-        for (uint32_t i = 0; i < item.colors; i++)
-            ASSERT_EQ(DibGetPixel(lock.image, static_cast<int32_t>(i), 0), i) << "an exact colour keeps its place";
+        ExpectPixels(result, [](int32_t x, int32_t) { return static_cast<uint32_t>(x); });
     }
 }
 
 TEST(ConvertTo256Colors, TwoColorsFromALightCornerChangePlaces) {
-    DibOwner picture = MakePicture(2, 1, 24, {0xFFFFFF, 0x000000});
-    DibOwner result = RunKernel("Convert to 256 Colors", picture.handle);
-    EXPECT_EQ(PixelsOf(result.handle), (std::vector<uint32_t>{1, 0}));
-    Palette768 palette;
-    ASSERT_TRUE(DibInfo(result.handle, nullptr, nullptr, nullptr, &palette));
-    EXPECT_EQ(palette.At(0), 0xFFFFFFu);
-    EXPECT_EQ(palette.At(1), 0u);
+    const DibOwner picture = MakePicture(2, 1, 24, {0xFFFFFF, 0x000000});
+    const DibOwner result = RunKernel("Convert to 256 Colors", picture.handle);
+    EXPECT_EQ(PixelsOf(result), (Pixels{1, 0}));
+    EXPECT_TRUE(PaletteOf(result).At(0) == 0xFFFFFF && PaletteOf(result).At(1) == 0);
 }
 
 TEST(ConvertToMono, DropsTheSecondPictureOnSuccessAlone) {
@@ -55,12 +47,11 @@ TEST(ConvertToGreyAndRgb, UseTheTable) {
         DibOwner picture = MakePalettePicture(2, 1, bits, palette, {0, 1});
         DibOwner grey = RunKernel("Convert to Grey", picture.handle);
         EXPECT_EQ(DibClassify(grey.handle), kModeGrey);
-        EXPECT_EQ(PixelsOf(grey.handle), (std::vector<uint32_t>{0, 200}));
-        EXPECT_EQ(PixelsOf(RunKernel("Convert to RGB", picture.handle).handle),
-                  (std::vector<uint32_t>{0xFF0000, 0x140AC8}));
+        EXPECT_EQ(PixelsOf(grey), (Pixels{0, 200}));
+        EXPECT_EQ(PixelsOf(RunKernel("Convert to RGB", picture.handle)), (Pixels{0xFF0000, 0x140AC8}));
     }
     DibOwner color = MakePicture(2, 1, 24, {0xFF0000, 0x646464});
-    EXPECT_EQ(PixelsOf(RunKernel("Convert to Grey", color.handle).handle), (std::vector<uint32_t>{28, 98}));
+    EXPECT_EQ(PixelsOf(RunKernel("Convert to Grey", color.handle)), (Pixels{28, 98}));
 }
 
 TEST(BayerDither, TypesGiveTheirDepths) {
@@ -69,10 +60,8 @@ TEST(BayerDither, TypesGiveTheirDepths) {
         const DibOwner expected[] = {DibOwner(BayerMono(rgb.handle)), DibOwner(BayerEight(rgb.handle)),
                                      DibOwner(BayerRgb332(rgb.handle))};
         for (int32_t type = 0; type < 3; type++) {
-            FilterContext context = MakeContext();
-            context.FilterBayerType = type;
-            DibOwner result = RunKernel("Bayer Dither", picture.handle, &context);
-            EXPECT_TRUE(SamePicture(result.handle, expected[type].handle)) << mode << " " << type;
+            const DibOwner result = RunKernel("Bayer Dither", picture.handle, {{&P::FilterBayerType, type}});
+            EXPECT_TRUE(SamePicture(result, expected[type])) << mode << " " << type;
         }
     }
 }

@@ -1,7 +1,5 @@
 #include "filters/geometry/resize.h"
 
-#include <gtest/gtest.h>
-
 #include "image/nearest.h"
 #include "image/resample.h"
 #include "support/pictures.h"
@@ -33,14 +31,14 @@ TEST(Resize, TakesTheRoadThatTheSettingsAskFor) {
 
 TEST(Resize, PalettesGoByTheHorizontalPercentage) {
     for (ImageMode mode : {kModePalette, kModeMono}) {
-        DibOwner source = RandomPicture(20, 10, mode, 6);
-        ResizeParameters parameters;
-        parameters.horizontal = 150;
-        parameters.vertical = 20;
-        parameters.byDimensions = true;
-        parameters.width = parameters.depth = 500;
-        DibOwner result(ResizePicture(source.handle, mode, parameters));
-        EXPECT_TRUE(SamePicture(result.handle, DibOwner(DibScaleNearest(source.handle, 150, 150)).handle));
+        const DibOwner source = RandomPicture(20, 10, mode, 6);
+        EXPECT_TRUE(SamePicture(RunKernel("Resize", source.handle,
+                                          {{&P::FilterResizeHorz, 150},
+                                           {&P::FilterResizeVert, 20},
+                                           {&P::FilterResizeByDim, 1},
+                                           {&P::FilterResizeWidth, 500},
+                                           {&P::FilterResizeDepth, 500}}),
+                                DibOwner(DibScaleNearest(source.handle, 150, 150))));
     }
 }
 

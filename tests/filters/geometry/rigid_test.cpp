@@ -2,16 +2,11 @@
 #include <cstdlib>
 #include <utility>
 
-#include <gtest/gtest.h>
-
-#include "engine/catalogue.h"
 #include "image/dib_ops.h"
 #include "image/paper.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
-
-using Pixels = std::vector<uint32_t>;
 
 TEST(PaperFill, FollowsTheMode) {
     Palette768 palette{};
@@ -26,11 +21,9 @@ TEST(PaperFill, FollowsTheMode) {
 }
 
 TEST(Flip, MirrorsColumnsUnlessTheDirectionIsOne) {
-    DibOwner picture = MakePicture(2, 2, 1, {1, 0, 1, 1});
-    FilterContext context = MakeContext();
-    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle, &context).handle), (Pixels{0, 1, 1, 1}));
-    context.FilterFlipDirection = 1;
-    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle, &context).handle), (Pixels{1, 1, 1, 0}));
+    const DibOwner picture = MakePicture(2, 2, 1, {1, 0, 1, 1});
+    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle)), (Pixels{0, 1, 1, 1}));
+    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle, {{&P::FilterFlipDirection, 1}})), (Pixels{1, 1, 1, 0}));
 }
 
 TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
@@ -38,43 +31,30 @@ TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
         int32_t left, right;
         Pixels columns;
     };
-    DibOwner picture = MakePicture(5, 1, 8, {10, 11, 12, 13, 14});
+    const DibOwner picture = MakePicture(5, 1, 8, {10, 11, 12, 13, 14});
     for (const Case &c :
          {Case{0, 4, {10, 11, 12, 13}}, Case{3, 1, {11, 12}}, Case{0, 0, {10}}, Case{4, 4, {13}}, Case{1, 1, {10}}}) {
-        FilterContext context = MakeContext();
-        context.FilterCropLeft = c.left;
-        context.FilterCropRight = c.right;
-        context.FilterCropBottom = 0;
-        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture.handle, &context).handle), c.columns) << c.left;
+        const std::vector<Setting> settings = {
+            {&P::FilterCropLeft, c.left}, {&P::FilterCropRight, c.right}, {&P::FilterCropBottom, 0}};
+        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture.handle, settings)), c.columns) << c.left;
     }
-}
-
-TEST(Crop, OpensWithTheWholePicture) {
-    FilterContext context = MakeContext();
+    FilterContext context = ContextWith({{&P::FilterCropLeft, 3}});
     context.width = 20;
     context.height = 10;
-    context.FilterCropLeft = 3;
-    for (const FilterEntry &entry : FilterCatalogue)
-        if (std::string("Crop") == entry.name) entry.slots->LoadSettings(&context);
-    EXPECT_EQ(context.FilterCropLeft, 0);
-    EXPECT_EQ(context.FilterCropRight, 19);
-    EXPECT_EQ(context.FilterCropBottom, 9);
+    EntryOf("Crop").slots->LoadSettings(&context);
+    EXPECT_TRUE(context.FilterCropLeft == 0 && context.FilterCropRight == 19 && context.FilterCropBottom == 9)
+        << "the page opens with the whole picture";
 }
 
 TEST(Tile, CoversWholeOrClippedSheets) {
-    DibOwner picture = RandomPicture(7, 5, kModeTrueColor, 3);
-    const Pixels pixels = PixelsOf(picture.handle);
+    const DibOwner picture = RandomPicture(7, 5, kModeTrueColor, 3);
+    DibLock from(picture.handle);
     for (int32_t integral : {0, 1}) {
-        FilterContext context = MakeContext();
-        context.FilterTileWide = 16;
-        context.FilterTileDeep = 4;
-        context.FilterTileIntegral = integral;
-        DibOwner sheet = RunKernel("Tile", picture.handle, &context);
-        DibLock lock(sheet.handle);
-        ASSERT_EQ(lock.view.width, integral ? 21 : 16);
-        ASSERT_EQ(lock.view.height, 5);
-        for (int32_t x = 0; x < lock.view.width; x++)
-            ASSERT_EQ(DibGetPixel(lock.image, x, 3), pixels[static_cast<size_t>(3 * 7 + x % 7)]);
+        const DibOwner sheet =
+            RunKernel("Tile", picture.handle,
+                      {{&P::FilterTileWide, 16}, {&P::FilterTileDeep, 4}, {&P::FilterTileIntegral, integral}});
+        EXPECT_EQ(PixelsOf(sheet).size(), integral ? 21u * 5 : 16u * 5);
+        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x % 7, y); });
     }
 }
 
@@ -99,15 +79,15 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
         {2, 0, 34, true, true, false, true, 4, 4, 0x808080},   {2, 0, 50, true, false, true, false, 8, 1, 0x101010},
     };
     for (const Case &c : kCases) {
-        FilterContext context = MakeContext();
-        context.FilterTrimMode = c.mode;
-        context.FilterTrimTol = c.tolerance;
-        context.FilterTrimSize = context.FilterTrimPercent = c.sizeOrPercent;
-        context.FilterTrimNorth = c.north;
-        context.FilterTrimEast = c.east;
-        context.FilterTrimSouth = c.south;
-        context.FilterTrimWest = c.west;
-        DibOwner trimmed = RunKernel("Trim", picture.handle, &context);
+        const DibOwner trimmed = RunKernel("Trim", picture.handle,
+                                           {{&P::FilterTrimMode, c.mode},
+                                            {&P::FilterTrimTol, c.tolerance},
+                                            {&P::FilterTrimSize, c.sizeOrPercent},
+                                            {&P::FilterTrimPercent, c.sizeOrPercent},
+                                            {&P::FilterTrimNorth, c.north},
+                                            {&P::FilterTrimEast, c.east},
+                                            {&P::FilterTrimSouth, c.south},
+                                            {&P::FilterTrimWest, c.west}});
         DibLock lock(trimmed.handle);
         EXPECT_EQ(lock.view.width, c.width) << &c - kCases;
         EXPECT_EQ(lock.view.height, c.height) << &c - kCases;
@@ -116,10 +96,8 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
 }
 
 static FilterContext RotateContext(int32_t tenths, int32_t direction, bool byShears) {
-    FilterContext context = MakeContext();
-    context.FilterRotateAngle = tenths;
-    context.FilterRotateDirection = direction;
-    context.FilterRotateShear = byShears;
+    FilterContext context = ContextWith(
+        {{&P::FilterRotateAngle, tenths}, {&P::FilterRotateDirection, direction}, {&P::FilterRotateShear, byShears}});
     context.paperColor = 0x00FF20;
     return context;
 }
@@ -161,21 +139,19 @@ TEST(Rotate, FillsAndCoversWhatItShould) {
             const int32_t width = lock.view.width, height = lock.view.height;
             EXPECT_NEAR(width, kind >= 3 ? 60 : 60 * std::fabs(c) + 40 * std::fabs(s) + 0.5, 0.51);
             EXPECT_NEAR(height, kind >= 3 ? 40 : 40 * std::fabs(c) + 60 * std::fabs(s) + 0.5, 0.51);
-            for (int32_t y = 0; y < height; y++) {
-                for (int32_t x = 0; x < width; x++) {
-                    const double right = x + 0.5 - width / 2.0, down = y + 0.5 - height / 2.0;
-                    const double depth =
-                        std::min(30 - std::fabs(c * right - s * down), 20 - std::fabs(s * right + c * down));
-                    const uint32_t color = DibGetPixel(lock.image, x, y), cover = DibGetPixel(mask.image, x, y);
-                    if (depth > 0.51) {
-                        ASSERT_TRUE(color == 0xC06030 && cover == 255) << tenths << " kind " << kind;
-                    } else if (depth < -0.51) {
-                        ASSERT_TRUE(color == 0x00FF20 && cover == 0) << tenths << " kind " << kind;
-                    } else if (kind % 3 != 2) {
-                        ASSERT_NEAR(RedOf(color), (0x30 * cover + 0x20 * (255 - cover)) / 255.0, 1.0);
-                    }
+            ForEachPixel(lock.view, [&](int32_t x, int32_t y) {
+                const double right = x + 0.5 - width / 2.0, down = y + 0.5 - height / 2.0;
+                const double depth =
+                    std::min(30 - std::fabs(c * right - s * down), 20 - std::fabs(s * right + c * down));
+                const uint32_t color = DibGetPixel(lock.image, x, y), cover = DibGetPixel(mask.image, x, y);
+                if (depth > 0.51) {
+                    ASSERT_TRUE(color == 0xC06030 && cover == 255) << tenths << " kind " << kind;
+                } else if (depth < -0.51) {
+                    ASSERT_TRUE(color == 0x00FF20 && cover == 0) << tenths << " kind " << kind;
+                } else if (kind % 3 != 2) {
+                    ASSERT_NEAR(RedOf(color), (0x30 * cover + 0x20 * (255 - cover)) / 255.0, 1.0);
                 }
-            }
+            });
         }
     }
 }
@@ -198,50 +174,37 @@ TEST(Rotate, EveryDepthMovesAlike) {
     }
 }
 
-/// Mean difference to the middle of a picture of fine stripes after a turn to the left and back.
-static double ErrorOfTurnAndBack(DibHandle picture, int32_t tenths, bool byShears) {
-    FilterContext there = RotateContext(tenths, 0, byShears), back = RotateContext(tenths, 1, byShears);
-    there.FilterRotatePreserve = back.FilterRotatePreserve = 1;
-    DibOwner turned = RunKernel("Rotate", picture, &there), restored = RunKernel("Rotate", turned.handle, &back);
-    BlockFree(there.auxImage);
-    BlockFree(back.auxImage);
-    DibLock before(picture), after(restored.handle);
-    double sum = 0;
-    for (int32_t y = 35; y < 65; y++) {
-        for (int32_t x = 35; x < 65; x++) {
-            const uint32_t a = DibGetPixel(before.image, x, y), b = DibGetPixel(after.image, x, y);
-            sum += std::abs(GreenOf(a) - GreenOf(b)) / 900.0;
-        }
-    }
-    return sum;
-}
-
 TEST(Rotate, MaximumQualityKeepsFineDetail) {
-    DibOwner picture(DibCreateSolid(100, 100, 0));
-    {
-        DibLock lock(picture.handle);
-        for (int32_t y = 0; y < 100; y++) {
-            for (int32_t x = 0; x < 100; x++) {
-                const auto wave = static_cast<uint32_t>(128 + 60 * std::sin(x * 1.9) + 60 * std::cos(y * 1.3));
-                DibSetPixel(lock.image, x, y, PackColor(wave, wave, wave));
-            }
+    const DibOwner blank(DibCreateSolid(100, 100, 0)),
+        picture = PictureLike(blank.handle, [](int32_t x, int32_t y) {
+            return static_cast<uint32_t>(128 + 60 * std::sin(x * 1.9) + 60 * std::cos(y * 1.3)) * 0x010101;
+        });
+    // Mean difference to the middle of a picture of fine stripes after a turn to the left and back.
+    const auto error = [&](int32_t tenths, bool byShears) {
+        DibOwner turned(DibClone(picture.handle));
+        for (int32_t direction : {0, 1}) {
+            FilterContext context = RotateContext(tenths, direction, byShears);
+            context.FilterRotatePreserve = 1;
+            turned = RunKernel("Rotate", turned.handle, &context);
+            BlockFree(context.auxImage);
         }
-    }
-    for (int32_t tenths : {300, 1200, 77})
-        EXPECT_LT(ErrorOfTurnAndBack(picture.handle, tenths, true),
-                  ErrorOfTurnAndBack(picture.handle, tenths, false) / 3);
+        const Pixels before = PixelsOf(picture), after = PixelsOf(turned);
+        double sum = 0;
+        for (size_t i = 3500; i < 6500; i++)
+            if (i % 100 >= 35 && i % 100 < 65) sum += std::abs(GreenOf(before[i]) - GreenOf(after[i])) / 900.0;
+        return sum;
+    };
+    for (int32_t tenths : {300, 1200, 77}) EXPECT_LT(error(tenths, true), error(tenths, false) / 3);
 }
 
 TEST(Shear, LeansWithoutCutting) {
     DibOwner picture(DibCreateSolid(30, 21, 0x405060));
     const auto shear = [&](int32_t x, int32_t y) {
-        FilterContext context = MakeContext();
-        context.FilterShearDegreeX = 30 + x;
-        context.FilterShearDegreeY = 30 + y;
+        FilterContext context = ContextWith({{&P::FilterShearDegreeX, 30 + x}, {&P::FilterShearDegreeY, 30 + y}});
         context.paperColor = 0;
         return RunKernel("Shear", picture.handle, &context);
     };
-    EXPECT_TRUE(SamePicture(shear(0, 0).handle, picture.handle));
+    EXPECT_TRUE(SamePicture(shear(0, 0), picture));
     for (const auto &[x, y] : {std::pair{20, 0}, {0, -30}, {-13, 30}}) {
         DibOwner leaning = shear(x, y);
         DibLock lock(leaning.handle);
@@ -256,42 +219,30 @@ TEST(Shear, LeansWithoutCutting) {
 }
 
 /// Mean step between neighbouring columns, across the seam where copies join and elsewhere.
-static void MeasureSteps(DibHandle tile, double *seam, double *inside) {
-    DibLock lock(tile);
-    const int32_t width = lock.view.width, height = lock.view.height;
+static void MeasureSteps(const DibOwner &tile, double *seam, double *inside) {
+    DibLock lock(tile.handle);
+    const int32_t width = lock.view.width;
     *seam = *inside = 0;
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++) {
-            const int32_t a = RedOf(DibGetPixel(lock.image, x, y)),
-                          b = RedOf(DibGetPixel(lock.image, (x + 1) % width, y));
-            (x + 1 == width ? *seam : *inside) += std::abs(a - b) / static_cast<double>(height);
-        }
-    }
+    ForEachPixel(lock.view, [&](int32_t x, int32_t y) {
+        const int32_t a = RedOf(DibGetPixel(lock.image, x, y)), b = RedOf(DibGetPixel(lock.image, (x + 1) % width, y));
+        (x + 1 == width ? *seam : *inside) += std::abs(a - b) / static_cast<double>(lock.view.height);
+    });
     *inside /= std::max(width - 1, 1);
 }
 
 TEST(Seamless, SeamsAreNoRougherThanTheInside) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
         for (int32_t size : {64, 65}) {
-            DibOwner picture = RandomPicture(size, size, mode, 3);
-            {
-                DibLock lock(picture.handle);
-                for (int32_t y = 0; y < size; y++) {
-                    for (int32_t x = 0; x < size; x++)
-                        DibSetPixel(lock.image, x, y, static_cast<uint32_t>(x * 3 + y / 2) * 0x010101);
-                }
-            }
+            const DibOwner noise = RandomPicture(size, size, mode, 3);
+            const DibOwner picture = PictureLike(
+                noise.handle, [](int32_t x, int32_t y) { return static_cast<uint32_t>(x * 3 + y / 2) * 0x010101; });
             for (int32_t maintain : {0, 1}) {
-                FilterContext context = MakeContext();
-                context.FilterSeamlessMaintain = maintain;
-                DibOwner tile = RunKernel("Seamless", picture.handle, &context);
-                int32_t width = 0, height = 0;
-                ASSERT_EQ(DibInfo(tile.handle, &width, &height, nullptr, nullptr), 1);
-                EXPECT_EQ(width, maintain ? size : (size + 1) / 2);
-                EXPECT_EQ(height, width);
+                const DibOwner tile = RunKernel("Seamless", picture.handle, {{&P::FilterSeamlessMaintain, maintain}});
+                const auto side = static_cast<size_t>(maintain ? size : (size + 1) / 2);
+                EXPECT_EQ(PixelsOf(tile).size(), side * side);
                 double seam = 0, plainSeam = 0, inside = 0, blended = 0;
-                MeasureSteps(picture.handle, &plainSeam, &inside);
-                MeasureSteps(tile.handle, &seam, &blended);
+                MeasureSteps(picture, &plainSeam, &inside);
+                MeasureSteps(tile, &seam, &blended);
                 EXPECT_LE(seam, std::max(inside, blended)) << mode << " " << size << " " << maintain;
                 EXPECT_GT(plainSeam, 5 * seam);
             }
@@ -300,14 +251,14 @@ TEST(Seamless, SeamsAreNoRougherThanTheInside) {
 }
 
 TEST(Seamless, PalettesChooseAndOnePixelStays) {
-    DibOwner indexes = MakePicture(4, 4, 8, {7, 7, 90, 90, 7, 7, 90, 90, 201, 201, 3, 3, 201, 201, 3, 3});
+    const DibOwner indexes = MakePicture(4, 4, 8, {7, 7, 90, 90, 7, 7, 90, 90, 201, 201, 3, 3, 201, 201, 3, 3});
     FilterContext context = MakeContext(kModePalette);
-    for (uint32_t pixel : PixelsOf(RunKernel("Seamless", indexes.handle, &context, true).handle))
+    for (uint32_t pixel : PixelsOf(RunKernel("Seamless", indexes.handle, &context, true)))
         EXPECT_TRUE(pixel == 7 || pixel == 90 || pixel == 201 || pixel == 3) << pixel;
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        DibOwner dot = RandomPicture(1, 1, mode, 3);
-        for (context.FilterSeamlessMaintain = 0; context.FilterSeamlessMaintain < 2; context.FilterSeamlessMaintain++)
-            EXPECT_TRUE(SamePicture(RunKernel("Seamless", dot.handle, &context).handle, dot.handle)) << mode;
+        const DibOwner dot = RandomPicture(1, 1, mode, 3);
+        for (int32_t maintain : {0, 1})
+            EXPECT_TRUE(SamePicture(RunKernel("Seamless", dot.handle, {{&P::FilterSeamlessMaintain, maintain}}), dot));
     }
 }
 

@@ -1,12 +1,8 @@
 // Equalize, Normalize, White Balance and Photo Fine-tune, against worked examples and a slow reading of each rule.
-#include <gtest/gtest.h>
-
 #include "engine/page.h"
-#include "support/pictures.h"
+#include "support/reference.h"
 
 namespace lmf::testing {
-
-using Pixels = std::vector<uint32_t>;
 
 TEST(Equalize, PushesTonesAwayFromTheTwoLevels) {
     struct Case {
@@ -21,26 +17,25 @@ TEST(Equalize, PushesTonesAwayFromTheTwoLevels) {
         {0, 255, {0x000000, 0xFFFFFF, 0x123456}, {0x000000, 0xFFFFFF, 0x123456}},
     };
     for (const Case &each : cases) {
-        FilterContext context = MakeContext();
-        context.FilterEqualizeShadow = each.shadow;
-        context.FilterEqualizeHightlight = each.highlight;
         const DibOwner picture = MakePicture(3, 1, 24, each.before);
-        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture.handle, &context).handle), each.after) << each.shadow;
+        const std::vector<Setting> settings = {{&P::FilterEqualizeShadow, each.shadow},
+                                               {&P::FilterEqualizeHightlight, each.highlight}};
+        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture.handle, settings)), each.after) << each.shadow;
     }
     const DibOwner grey = MakePicture(4, 1, 8, {0, 100, 129, 255});
-    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey.handle).handle), (Pixels{0, 86, 129, 255}));
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey.handle)), (Pixels{0, 86, 129, 255}));
 }
 
 TEST(Normalize, StretchesBetweenTheOutermostPercents) {
     // Levels 50 and 200 have the weighted greys 49 and 198; the table is 254 * (level - 49) / 149 between them.
     const DibOwner two = MakePicture(3, 1, 24, {0x323232, 0xC8C8C8, 0x646464});
-    EXPECT_EQ(PixelsOf(RunKernel("Normalize", two.handle).handle), (Pixels{0x010101, 0xFFFFFF, 0x565656}));
+    EXPECT_EQ(PixelsOf(RunKernel("Normalize", two.handle)), (Pixels{0x010101, 0xFFFFFF, 0x565656}));
     // 1 of 200 pixels is below the percent that is cut: the lone black one does not hold the scale open.
     Pixels pixels(200, 0x808080);
     pixels[7] = 0x000000;
     for (size_t i = 100; i < 200; i++) pixels[i] = 0xFFFFFF;
     const DibOwner crowd = MakePicture(20, 10, 24, pixels);
-    const Pixels result = PixelsOf(RunKernel("Normalize", crowd.handle).handle);
+    const Pixels result = PixelsOf(RunKernel("Normalize", crowd.handle));
     EXPECT_EQ(result[7], 0x000000u);
     EXPECT_EQ(result[8], 0x010101u) << "level 128 has weighted grey 127, the new black";
     EXPECT_EQ(result[199], 0xFEFEFEu);
@@ -51,63 +46,53 @@ TEST(Normalize, OneGreyLevelStays) {
         const DibOwner flat = MakePicture(4, 3, 24, Pixels(12, level * 0x010101));
         const uint32_t grey = static_cast<uint32_t>(WeightedGrey(level * 0x010101));
         const uint32_t wanted = level > grey ? 0xFFFFFF : level * 0x010101;
-        EXPECT_EQ(PixelsOf(RunKernel("Normalize", flat.handle).handle), Pixels(12, wanted)) << level;
+        EXPECT_EQ(PixelsOf(RunKernel("Normalize", flat.handle)), Pixels(12, wanted)) << level;
     }
+}
+
+/// The first of the brightest pixels, or the paper, becomes white.
+static DibOwner SlowWhiteBalance(DibHandle source, const FilterContext &context) {
+    Color reference = 0;
+    for (Color pixel : PixelsOf(source))
+        if (WeightedGrey(pixel) > WeightedGrey(reference)) reference = pixel;
+    if (context.FilterWhiteBalancePaper) reference = context.paperColor;
+    return ByPixel([reference](const DibLock &from, const FilterContext &, int32_t x, int32_t y) {
+        const Color pixel = DibGetPixel(from.image, x, y);
+        return PackColor(static_cast<uint32_t>(std::min(RedOf(pixel) + 255 - RedOf(reference), 255)),
+                         static_cast<uint32_t>(std::min(GreenOf(pixel) + 255 - GreenOf(reference), 255)),
+                         static_cast<uint32_t>(std::min(BlueOf(pixel) + 255 - BlueOf(reference), 255)));
+    })(source, context);
 }
 
 TEST(WhiteBalance, TheReferenceBecomesWhite) {
-    FilterContext context = MakeContext();
+    ExpectDefinition("White Balance", {}, SlowWhiteBalance);
     // The greys are 128, 198 and 198: the first of the two brightest counts.
-    const DibOwner picture = MakePicture(3, 1, 24, {0x6464C8, 0xC8C8C8, 0xC8C8C9});
-    EXPECT_EQ(PixelsOf(RunKernel("White Balance", picture.handle, &context).handle),
-              (Pixels{0x9B9BFF, 0xFFFFFF, 0xFFFFFF}));
-    context.FilterWhiteBalancePaper = 1;
-    context.paperColor = 0xF0F5FA;
-    EXPECT_EQ(PixelsOf(RunKernel("White Balance", picture.handle, &context).handle),
-              (Pixels{0x736ECD, 0xD7D2CD, 0xD7D2CE}));
-    const DibOwner black = MakePicture(2, 2, 24);
-    context.FilterWhiteBalancePaper = 0;
-    EXPECT_EQ(PixelsOf(RunKernel("White Balance", black.handle, &context).handle), Pixels(4, 0xFFFFFF));
-}
-
-TEST(WhiteBalance, BrightestPixelIsFoundFromTheTop) {
-    for (uint32_t seed = 1; seed < 6; seed++) {
-        const DibOwner picture = RandomPicture(37, 11, kModeTrueColor, seed);
-        const Pixels pixels = PixelsOf(picture.handle);
-        Color reference = 0;
-        int32_t best = 0;
-        for (Color pixel : pixels) {
-            if (WeightedGrey(pixel) <= best) continue;
-            best = WeightedGrey(pixel);
-            reference = pixel;
-        }
-        const Pixels result = PixelsOf(RunKernel("White Balance", picture.handle).handle);
-        for (size_t i = 0; i < pixels.size(); i++)
-            ASSERT_EQ(GreenOf(result[i]), std::min(GreenOf(pixels[i]) + 255 - GreenOf(reference), 255));
-    }
+    const DibOwner picture = MakePicture(3, 1, 24, {0x6464C8, 0xC8C8C8, 0xC8C8C9}), black = MakePicture(2, 2, 24);
+    EXPECT_EQ(PixelsOf(RunKernel("White Balance", picture.handle)), (Pixels{0x9B9BFF, 0xFFFFFF, 0xFFFFFF}));
+    EXPECT_EQ(PixelsOf(RunKernel("White Balance", black.handle)), Pixels(4, 0xFFFFFF));
 }
 
 /// Photo Fine-tune with one step switched on.
 static Pixels FineTune(const Pixels &pixels, NumberField enable, NumberField value, int32_t amount) {
-    FilterContext context = MakeContext();
-    context.*enable = 1;
-    if (value != nullptr) context.*value = amount;
     const DibOwner picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
-    return PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context).handle);
+    return PixelsOf(RunKernel("Photo Fine-tune", picture.handle, {{enable, 1}, {value, amount}}));
 }
 
 TEST(PhotoFineTune, NothingOnGivesACopy) {
     const DibOwner picture = RandomPicture(9, 9, kModeTrueColor, 3);
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle).handle, picture.handle));
-    FilterContext context = MakeContext();
-    context.FilterPhotoAdjEnableTemp = context.FilterPhotoAdjEnableTint = context.FilterPhotoAdjEnableSat = 1;
-    context.FilterPhotoAdjEnableCont = context.FilterPhotoAdjEnableBright = context.FilterPhotoAdjEnableShadow = 1;
-    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle, &context).handle, picture.handle))
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle,
+                                      {{&P::FilterPhotoAdjEnableTemp, 1},
+                                       {&P::FilterPhotoAdjEnableTint, 1},
+                                       {&P::FilterPhotoAdjEnableSat, 1},
+                                       {&P::FilterPhotoAdjEnableCont, 1},
+                                       {&P::FilterPhotoAdjEnableBright, 1},
+                                       {&P::FilterPhotoAdjEnableShadow, 1}}),
+                            picture))
         << "neutral values are no steps";
 }
 
 TEST(PhotoFineTune, StepsFollowTheirRules) {
-    using P = FilterParameters;
     // Tone 201 has the weight sin(372.66 degrees): 78 levels, of which red has room for 45. Tone 137 moves by 1.
     EXPECT_EQ(FineTune({0x404040, 0xC0C8D2, 0xFFFFFF, 0x8080A0}, &P::FilterPhotoAdjEnableHighlight,
                        &P::FilterPhotoAdjHighlight, 200),
@@ -124,11 +109,10 @@ TEST(PhotoFineTune, StepsFollowTheirRules) {
 }
 
 TEST(PhotoFineTune, TonesOutsideTheBandKeepTheirAlpha) {
-    FilterContext context = MakeContext();
-    context.FilterPhotoAdjEnableHighlight = 1;
-    context.FilterPhotoAdjHighlight = 200;
     const DibOwner picture = MakePicture(2, 1, 32, {0x80404040, 0x80C0C8D2});
-    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context).handle), (Pixels{0x80404040, 0xEDF5FF}));
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle,
+                                 {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 200}})),
+              (Pixels{0x80404040, 0xEDF5FF}));
 }
 
 TEST(PhotoFineTune, WhiteBalanceLeavesTheFiltersOwnSettingAlone) {
@@ -136,7 +120,7 @@ TEST(PhotoFineTune, WhiteBalanceLeavesTheFiltersOwnSettingAlone) {
     context.FilterPhotoAdjWhitebal = context.FilterWhiteBalancePaper = 1;
     context.paperColor = 0x000000;
     const DibOwner picture = MakePicture(1, 1, 24, {0xC8C8C8});
-    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context).handle), (Pixels{0xFFFFFF}));
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context)), (Pixels{0xFFFFFF}));
     EXPECT_EQ(context.FilterWhiteBalancePaper, 1);
 }
 
