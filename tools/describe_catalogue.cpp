@@ -161,6 +161,8 @@ Json DescribeFilter(int32_t row, const Json &categories) {
     filter["category"] = categories[static_cast<size_t>(entry.category)];
     filter["accepts"] = DescribeAccepted(entry.flags);
     filter["alpha"] = DescribeAlpha(entry.flags);
+    filter["needsAlpha"] = (entry.flags & FilterNeedsSecond) != 0;
+    filter["available"] = entry.slots->FilterKernel != UnavailableKernel;
     filter["flags"] = entry.flags;
     filter["itemId"] = entry.itemId;
     filter["pageId"] = entry.pageId;

@@ -58,10 +58,13 @@ bool PlanTasks(const ApplyRequest &request, std::vector<Task> &tasks, Report &re
     return true;
 }
 
-std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const char *mode) {
+std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
     const std::string name = filter["name"];
-    std::string text = name + ": " + ErrorText(outcome.errorCode);
-    if (!Accepts(filter, mode)) text += " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
+    const std::string text = name + ": " + ErrorText(outcome.errorCode);
+    const char *mode = ModeName(picture.image);
+    if (!Accepts(filter, mode)) return text + " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
+    if (!filter["available"]) return text + " (this version cannot run it)";
+    if (filter["needsAlpha"] && !picture.alpha) return text + " (it takes pictures with alpha)";
     return text;
 }
 
@@ -80,11 +83,10 @@ TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const T
         return outcome;
     }
     if (!ReadPicture(task.input, request.limits, picture, report)) return finish(kUnreadable, report.error);
-    const char *mode = ModeName(picture.image);
     const auto start = std::chrono::steady_clock::now();
     const FilterOutcome filtered = ApplyFilter(library, picture, report);
     outcome.filterSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (!filtered.done) return finish(kFilterFailed, DescribeFailure(*request.settings.filter, filtered, mode));
+    if (!filtered.done) return finish(kFilterFailed, DescribeFailure(*request.settings.filter, filtered, picture));
     outcome.width = picture.image.width;
     outcome.height = picture.image.height;
     outcome.bits = picture.image.bits;

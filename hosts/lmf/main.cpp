@@ -110,7 +110,8 @@ int List(const Arguments &arguments) {
     }
     Print(Padded("FILTER", 28) + Padded("CATEGORY", 14) + "ACCEPTS\n");
     for (const Json &filter : filters)
-        Print(Padded(filter["name"], 28) + Padded(filter["category"], 14) + AcceptedModes(filter) + "\n");
+        Print(Padded(filter["name"], 28) + Padded(filter["category"], 14) + AcceptedModes(filter) +
+              (filter["available"] ? "" : " (not in this version)") + "\n");
     return kDone;
 }
 
