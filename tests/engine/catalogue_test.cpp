@@ -31,27 +31,20 @@ bool Offered(const std::string &name, const OfferRules &rules = {}) {
 TEST(Catalogue, RowsAreComplete) {
     std::set<std::string> names;
     std::set<int32_t> itemIds, pageIds;
-    uint32_t allFlags = 0;
     for (const FilterEntry &entry : FilterCatalogue) {
-        names.insert(entry.name);
-        itemIds.insert(entry.itemId);
-        pageIds.insert(entry.pageId);
-        allFlags |= entry.flags;
+        EXPECT_EQ(std::strpbrk(entry.name, "=,_;"), nullptr) << entry.name << " must survive the settings files";
+        EXPECT_TRUE(names.insert(entry.name).second) << entry.name;
+        EXPECT_TRUE(itemIds.insert(entry.itemId).second) << entry.name;
+        EXPECT_TRUE(pageIds.insert(entry.pageId).second) << entry.name;
         EXPECT_TRUE(entry.flags & FilterEnabled) << entry.name;
         EXPECT_TRUE(entry.category >= 0 && entry.category <= 7) << entry.name;
         const FilterSlots &slots = *entry.slots;
-        EXPECT_TRUE(slots.FilterKernel && slots.LoadSettings && slots.StoreSettings && slots.ResetDefaults &&
-                    slots.OnQuery)
-            << entry.name;
-        EXPECT_EQ(std::strpbrk(entry.name, "=,_;"), nullptr) << entry.name << " must survive the settings files";
+        EXPECT_TRUE(slots.FilterKernel && slots.LoadSettings && slots.StoreSettings) << entry.name;
+        EXPECT_TRUE(slots.ResetDefaults && slots.OnQuery) << entry.name;
     }
-    EXPECT_EQ(names.size(), 95u);
-    EXPECT_EQ(itemIds.size(), 95u);
     EXPECT_EQ(*itemIds.rbegin(), 94);
-    EXPECT_EQ(pageIds.size(), 95u);
     EXPECT_EQ(*pageIds.begin(), 9000);
     EXPECT_EQ(*pageIds.rbegin(), 9094);
-    EXPECT_EQ(allFlags, 0x3FFFFu);
     EXPECT_EQ(RowOf("Zoom Blur"), 94);
     EXPECT_EQ(FilterCatalogue[RowOf("Photo Fine-tune")].itemId, 11);
 }

@@ -29,12 +29,16 @@ const void *VariableOf(const PageControl &control) {
                                      : static_cast<const void *>(Settings.*control.text);
 }
 
-/// The key of a control's setting, or an empty text for a setting that is kept in no file.
+/// The row of a control's setting in the settings file, or null for a setting that is kept in no file.
+const ConfigEntry *FileRowOf(const PageControl &control) {
+    for (const ConfigEntry &row : ConfigTable)
+        if (row.variable == VariableOf(control)) return &row;
+    return nullptr;
+}
+
 std::string KeyOf(const PageControl &control) {
-    for (const ConfigEntry &row : ConfigTable) {
-        if (row.variable == VariableOf(control)) return row.key;
-    }
-    return "";
+    const ConfigEntry *row = FileRowOf(control);
+    return row != nullptr ? row->key : "";
 }
 
 /// Calls `visit(name, control)` for every control of a number that is kept in the settings file.
@@ -52,7 +56,7 @@ struct Pages : ::testing::Test {
     ~Pages() override { Settings = kept; }
 };
 
-TEST_F(Pages, EveryFilterSettingIsOnOnePage) {
+TEST_F(Pages, EveryFilterSettingIsOnOnePageAndOfItsType) {
     std::map<std::string, std::set<std::string>> pages;
     std::set<std::string> hidden, inNoFile, keys;
     ForEachControl([&](const FilterEntry &entry, const PageControl &control) {
@@ -62,6 +66,11 @@ TEST_F(Pages, EveryFilterSettingIsOnOnePage) {
         else
             pages[key].insert(entry.name);
         if (control.kind == ControlKind::None) hidden.insert(key);
+        const ConfigEntry *row = FileRowOf(control);
+        if (row == nullptr) return;
+        const bool text = control.kind == ControlKind::TextField || control.kind == ControlKind::FontButton;
+        EXPECT_EQ((row->type & kConfigText) != 0, text) << key;
+        EXPECT_TRUE(control.kind != ControlKind::CheckBox || row->type == kConfigBool) << key;
     });
     const auto *first = reinterpret_cast<const char *>(static_cast<FilterParameters *>(&Settings));
     for (const ConfigEntry &row : ConfigTable) {
@@ -102,17 +111,6 @@ TEST_F(Pages, DefaultsLieInTheirRanges) {
         if (control.kind != ControlKind::CheckBox) {
             EXPECT_GE(FactorySettings().*control.number, control.edit.min) << name;
             EXPECT_LE(FactorySettings().*control.number, control.edit.max) << name;
-        }
-    });
-}
-
-TEST_F(Pages, TypesOfTheFileFitTheControls) {
-    ForEachControl([&](const FilterEntry &, const PageControl &control) {
-        for (const ConfigEntry &row : ConfigTable) {
-            if (row.variable != VariableOf(control)) continue;
-            const bool text = control.kind == ControlKind::TextField || control.kind == ControlKind::FontButton;
-            EXPECT_EQ((row.type & kConfigText) != 0, text) << row.key;
-            EXPECT_TRUE(control.kind != ControlKind::CheckBox || row.type == kConfigBool) << row.key;
         }
     });
 }

@@ -221,28 +221,20 @@ TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
 
 // The road through program, ini file and library gives what the kernel gives when it is called with the same values.
 TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
-    PngFile small = ReadPng(kPhotograph);
-    small.height = 40;
-    small.samples.resize(size_t(small.width) * 40 * 3);
-    WritePng(In("a.png"), small);
-    std::reverse(small.samples.begin(), small.samples.end());
-    WritePng(In("b.png"), small);
-    Expect(0,
-           Run({"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60", "--out-dir", "out", "a.png",
-                "b.png"}),
-           "2 of 2 pictures written");
-    std::vector<uint32_t> pixels;
-    for (size_t i = 0; i < small.samples.size(); i += 3)
-        pixels.push_back(small.samples[i] | uint32_t(small.samples[i + 1]) << 8 | uint32_t(small.samples[i + 2]) << 16);
+    MakeGrey("a.png");
+    PngFile file;
+    file.width = file.height = 16;
+    for (int i = 0; i < 256; i++) file.samples.push_back(uint8_t(i * i * 7));
+    WritePng(In("b.png"), file);
+    Names arguments = {"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60"};
+    arguments.insert(arguments.end(), {"--out-dir", "out", "a.png", "b.png"});
+    Expect(0, Run(arguments), "2 of 2 pictures written");
     FilterContext context = MakeContext();
     context.FilterGaussianRadius = 200;
     context.FilterGaussianSigma = 60;
-    const DibOwner source = MakePicture(small.width, small.height, 24, pixels);
-    const DibOwner expected = RunKernel("Gaussian Blur", source.handle, &context);
-    Bytes samples;
-    for (const uint32_t pixel : PixelsOf(expected.handle))
-        for (const int shift : {0, 8, 16}) samples.push_back(uint8_t(pixel >> shift));
-    EXPECT_EQ(ReadPng(In("out/b.png")).samples, samples);
+    const DibOwner source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
+    const std::vector<uint32_t> expected = PixelsOf(RunKernel("Gaussian Blur", source.handle, &context).handle);
+    EXPECT_EQ(ReadPng(In("out/b.png")).samples, Bytes(expected.begin(), expected.end()));
 }
 
 } // namespace lmf::testing

@@ -306,14 +306,16 @@ TEST_F(LmfPictures, TiffInTilesPlanesAndSixteenBits) {
     constexpr int kWidth = 21, kHeight = 18, kTile = 16;
     for (const bool separate : {false, true}) {
         TIFF *tiff = TIFFOpen(In("in.tif").c_str(), "wb");
-        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, kWidth);
-        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, kHeight);
-        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16);
-        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
-        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-        TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
-        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, kTile);
-        TIFFSetField(tiff, TIFFTAG_TILELENGTH, kTile);
+        const std::pair<uint32_t, int> fields[] = {
+            {TIFFTAG_IMAGEWIDTH, kWidth},
+            {TIFFTAG_IMAGELENGTH, kHeight},
+            {TIFFTAG_BITSPERSAMPLE, 16},
+            {TIFFTAG_SAMPLESPERPIXEL, 3},
+            {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB},
+            {TIFFTAG_TILEWIDTH, kTile},
+            {TIFFTAG_TILELENGTH, kTile},
+            {TIFFTAG_PLANARCONFIG, separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG}};
+        for (const auto &[tag, value] : fields) TIFFSetField(tiff, tag, value);
         const auto sample = [](int x, int y, int c) { return uint16_t(x * 3001 + y * 500 + c * 77); };
         const int planes = separate ? 3 : 1;
         for (int plane = 0; plane < planes; plane++)
