@@ -60,29 +60,29 @@ TEST(Catalogue, FlagsThatStandForSeveralFilters) {
 TEST(Catalogue, OfferFollowsModeSwitchAndRestrictions) {
     struct Case {
         const char *filter;
-        int32_t mode;
-        bool first, both, hasSecond, offered;
-    };
-    const auto offered = [](const Case &c) {
-        return FilterIsOffered({}, c.mode, c.first, c.both, c.hasSecond, RowOf(c.filter));
+        int32_t mode, restrictions; ///< 1 the first alone, 2 the second alone, 3 both
+        bool offered;
     };
     const Case cases[] = {
-        {"Invert Colors", -1, false, false, true, false},
-        {"Invert Colors", 4, false, false, true, false},
-        {"Invert Colors", kModeMono, false, false, true, true},
-        {"Gamma", kModeMono, false, false, true, false},
-        {"Alpha shadow", kModeTrueColor, false, false, false, false},
-        {"Alpha shadow", kModeGrey, false, false, true, false},
-        {"Alpha shadow", kModeTrueColor, true, true, true, true},
-        {"Crop", kModeTrueColor, false, false, true, true},
-        {"Crop", kModeTrueColor, true, false, true, false},
-        {"Crop", kModeTrueColor, false, true, true, true},
-        {"Halftone", kModeTrueColor, true, false, true, true},
-        {"Halftone", kModeTrueColor, true, true, true, false},
-        {"Contrast and Brightness", kModeGrey, true, true, true, true},
-        {"Contrast and Brightness", kModePalette, true, false, true, false},
+        {"Flip", -1, 0, false},
+        {"Flip", 4, 0, false},
+        {"Flip", kModeMono, 0, true},
+        {"Gamma", kModeMono, 0, false},
+        {"Alpha shadow", kModeGrey, 0, false},
+        {"Alpha shadow", kModeTrueColor, 3, true},
+        {"Crop", kModeTrueColor, 0, true},
+        {"Crop", kModeTrueColor, 1, false},
+        {"Crop", kModeTrueColor, 2, true},
+        {"Halftone", kModeTrueColor, 1, true},
+        {"Halftone", kModeTrueColor, 3, false},
+        {"Contrast and Brightness", kModeGrey, 3, true},
+        {"Contrast and Brightness", kModePalette, 1, false},
     };
-    for (const Case &c : cases) EXPECT_EQ(offered(c), c.offered) << c.filter << c.mode << c.first << c.both;
+    for (const auto &[filter, mode, restrictions, expected] : cases) {
+        const bool offered = FilterIsOffered({}, mode, restrictions & 1, restrictions & 2, true, RowOf(filter));
+        EXPECT_EQ(offered, expected) << filter << " " << mode << " " << restrictions;
+    }
+    EXPECT_FALSE(Offered("Alpha shadow")) << "without a second picture";
     FilterEntry &gamma = FilterCatalogue[RowOf("Gamma")];
     EXPECT_TRUE(Offered("Gamma"));
     gamma.flags &= ~static_cast<uint32_t>(FilterEnabled);

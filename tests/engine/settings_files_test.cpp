@@ -5,9 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <map>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -27,9 +25,7 @@ namespace fs = std::filesystem;
 
 std::string Contents(const fs::path &path) {
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+    return std::string(std::istreambuf_iterator<char>(file), {});
 }
 
 void Put(const fs::path &path, const std::string &text) {
