@@ -19,12 +19,12 @@ TEST(AdjustPipeline, WithoutSwitchesThePictureItselfComesBack) {
 }
 
 TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
-    static const char *const kNames[] = {"Normalize",
-                                         "Color and Intensity",
-                                         "Contrast and Brightness",
-                                         "Hue Saturation Brightness",
-                                         "Sigmoidal Contrast",
-                                         "Equalize"};
+    const std::string names[] = {"Normalize",
+                                 "Color and Intensity",
+                                 "Contrast and Brightness", // in their order
+                                 "Hue Saturation Brightness",
+                                 "Sigmoidal Contrast",
+                                 "Equalize"};
     FilterContext context = ContextWith(
         {{&P::FilterRed, 190}, {&P::FilterContrast, 160}, {&P::FilterHSBHue, 220}, {&P::FilterEqualizeShadow, 150}});
     const DibOwner source = RandomPicture(23, 9, kModeTrueColor, 8);
@@ -33,7 +33,7 @@ TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
         DibOwner expected(CloneOf(source));
         for (uint32_t i = 0; i < 6; i++) {
             stages.isOn[i] = switches >> i & 1;
-            if (stages.isOn[i]) expected = RunKernel(kNames[i], expected.handle, &context, true);
+            if (stages.isOn[i]) expected = RunKernel(names[i], expected.handle, &context, true);
         }
         const int64_t blocks = LiveBlocks();
         const DibOwner result(AdjustPipeline(CloneOf(source), stages, &context));
@@ -77,10 +77,8 @@ TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {
         const DibOwner base(preview.base);
         int32_t width = 0, height = 0;
         ASSERT_TRUE(DibInfo(base.handle, &width, &height, nullptr, nullptr));
-        EXPECT_EQ(width, fit.baseWidth);
-        EXPECT_EQ(height, fit.baseHeight);
-        EXPECT_EQ(preview.x, fit.x);
-        EXPECT_EQ(preview.y, fit.y);
+        EXPECT_TRUE(width == fit.baseWidth && height == fit.baseHeight) << width << 'x' << height;
+        EXPECT_TRUE(preview.x == fit.x && preview.y == fit.y) << preview.x << ',' << preview.y;
         EXPECT_NE(base.handle, source.handle);
         EXPECT_EQ(SamePicture(base.handle, source.handle), width == fit.width);
     }

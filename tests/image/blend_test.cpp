@@ -10,27 +10,15 @@ static uint32_t BlendOne(uint32_t mode, uint32_t a, uint32_t b) {
 
 TEST(DibBlend, WorkedExamplesOfEveryMode) {
     // Three channels a time: base 200, 100, 255 against top 50, 180, 255, then base 0, 90, 127 against 0, 128, 127.
-    struct Case {
-        uint32_t red, green, blue;
-    };
-    static constexpr Case kFirst[] = {
-        {200, 100, 255}, {200, 180, 255}, {50, 100, 255}, {39, 70, 255},   {125, 140, 255}, {250, 255, 255},
-        {0, 25, 255},    {150, 80, 0},    {250, 230, 0},  {211, 210, 255}, {172, 139, 0},   {78, 164, 255},
-        {64, 172, 255},  {167, 141, 255}, {45, 204, 255}, {115, 169, 255}, {100, 104, 255}, {0, 255, 255},
-        {195, 133, 255}, {249, 255, 255}, {0, 35, 255},   {250, 255, 255}, {0, 25, 255}};
-    static constexpr Case kSecond[] = {{0, 90, 127},  {0, 128, 127}, {0, 90, 127},  {0, 45, 63},   {0, 109, 127},
-                                       {0, 218, 254}, {0, 0, 0},     {0, 38, 0},    {0, 218, 254}, {1, 174, 191},
-                                       {0, 128, 128}, {0, 91, 126},  {0, 109, 126}, {0, 90, 126},  {0, 90, 126},
-                                       {0, 90, 126},  {0, 90, 127},  {0, 0, 0},     {0, 63, 126},  {0, 181, 254},
-                                       {0, 0, 0},     {0, 218, 254}, {0, 0, 0}};
+    static constexpr Color kFirst[] = {0xFF64C8, 0xFFB4C8, 0xFF6432, 0xFF4627, 0xFF8C7D, 0xFFFFFA, 0xFF1900, 0x005096,
+                                       0x00E6FA, 0xFFD2D3, 0x008BAC, 0xFFA44E, 0xFFAC40, 0xFF8DA7, 0xFFCC2D, 0xFFA973,
+                                       0xFF6864, 0xFFFF00, 0xFF85C3, 0xFFFFF9, 0xFF2300, 0xFFFFFA, 0xFF1900};
+    static constexpr Color kSecond[] = {0x7F5A00, 0x7F8000, 0x7F5A00, 0x3F2D00, 0x7F6D00, 0xFEDA00, 0x000000, 0x002600,
+                                        0xFEDA00, 0xBFAE01, 0x808000, 0x7E5B00, 0x7E6D00, 0x7E5A00, 0x7E5A00, 0x7E5A00,
+                                        0x7F5A00, 0x000000, 0x7E3F00, 0xFEB500, 0x000000, 0xFEDA00, 0x000000};
     for (uint32_t mode = 0; mode < 23; mode++) {
-        const Case &one = kFirst[mode], &two = kSecond[mode];
-        EXPECT_EQ(BlendOne(mode, PackColor(200, 100, 255), PackColor(50, 180, 255)),
-                  PackColor(one.red, one.green, one.blue))
-            << mode;
-        EXPECT_EQ(BlendOne(mode, PackColor(0, 90, 127), PackColor(0, 128, 127)),
-                  PackColor(two.red, two.green, two.blue))
-            << mode;
+        EXPECT_EQ(BlendOne(mode, PackColor(200, 100, 255), PackColor(50, 180, 255)), kFirst[mode]) << mode;
+        EXPECT_EQ(BlendOne(mode, PackColor(0, 90, 127), PackColor(0, 128, 127)), kSecond[mode]) << mode;
     }
     EXPECT_EQ(BlendOne(23, 0x123456, 0xFFFFFF), 0x123456u);
     EXPECT_EQ(BlendOne(0xFFFFFFFF, 0x123456, 0xFFFFFF), 0x123456u);

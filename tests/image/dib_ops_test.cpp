@@ -16,10 +16,8 @@ TEST(DibCropRect, CopiesInsideAndReadsAllOnesOutside) {
                                  Rect{-9, 0, -4, 3}, Rect{INT32_MAX - 2, 0, INT32_MAX, 2}}) {
             DibOwner cut(DibCropRect(picture.handle, rect.left, rect.top, rect.right, rect.bottom));
             DibLock to(cut.handle);
-            ASSERT_TRUE(to);
-            ASSERT_EQ(to.view.bits, bits);
-            ASSERT_EQ(to.view.width, rect.right - rect.left);
-            ASSERT_EQ(to.view.height, rect.bottom - rect.top);
+            ASSERT_TRUE(to && to.view.bits == bits && to.view.width == rect.right - rect.left &&
+                        to.view.height == rect.bottom - rect.top);
             const uint32_t ones = bits == 32 ? kOutside : (1u << bits) - 1;
             ExpectPixels(cut, [&](int32_t x, int32_t y) {
                 const uint32_t pixel = DibGetPixel(from.image, rect.left + x, rect.top + y);
@@ -107,10 +105,6 @@ TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
     }
 }
 
-static uint32_t GreyOf(uint32_t color) {
-    return (color & 255) * 77 / 255 + (color >> 8 & 255) * 150 / 255 + (color >> 16 & 255) * 28 / 255;
-}
-
 static uint32_t MixBytes(uint32_t from, uint32_t to, uint32_t weight) {
     uint32_t mixed = 0;
     for (uint32_t shift : {0, 8, 16}) {
@@ -128,7 +122,8 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
         DibOwner picture = RandomDepth(width, height, bits, 6);
         DibLock from(picture.handle);
         const auto pixel = [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x, y); };
-        ExpectPixels(DibOwner(DibToGrey(picture.handle)), [&](int32_t x, int32_t y) { return GreyOf(pixel(x, y)); });
+        ExpectPixels(DibOwner(DibToGrey(picture.handle)),
+                     [&](int32_t x, int32_t y) { return static_cast<uint32_t>(WeightedGrey(pixel(x, y) & 0xFFFFFF)); });
         ExpectPixels(DibOwner(DibToRgb(picture.handle)), [&](int32_t x, int32_t y) { return pixel(x, y) & 0xFFFFFF; });
         ExpectPixels(DibOwner(DibAlphaToGrey(picture.handle)), [&](int32_t x, int32_t y) { return pixel(x, y) >> 24; });
         ExpectPixels(DibOwner(DibFlattenOnColor(picture.handle, paper)),
@@ -139,11 +134,9 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
             // Smaller than the picture: outside, the mask counts as full.
             DibOwner mask = RandomDepth(maskBits == 8 ? width : width - 9, height - 1, maskBits, 2);
             DibLock maskLock(mask.handle);
-            DibOwner tinted(DibTintByMask(picture.handle, mask.handle, paper));
-            if (bits == 32) {
-                EXPECT_EQ(tinted.handle, nullptr);
-                continue;
-            }
+            const DibOwner tinted(DibTintByMask(picture.handle, mask.handle, paper));
+            ASSERT_EQ(!tinted, bits == 32);
+            if (!tinted) continue;
             ExpectPixels(tinted, [&](int32_t x, int32_t y) {
                 return MixBytes(pixel(x, y), paper, DibGetPixel(maskLock.image, x, y) & 255);
             });
@@ -152,9 +145,7 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
 }
 
 TEST(DibConversions, IndexedPicturesGoThroughTheirTable) {
-    Palette768 palette{};
-    const uint8_t entries[] = {200, 1, 2, 0, 0, 255, 7, 8, 9};
-    std::copy(std::begin(entries), std::end(entries), palette.rgb);
+    const Palette768 palette{{200, 1, 2, 0, 0, 255, 7, 8, 9}};
     for (uint32_t bits : {4u, 8u}) {
         DibOwner picture = MakePalettePicture(3, 1, bits, palette, {0, 1, 2});
         EXPECT_EQ(PixelsOf(DibOwner(DibToRgb(picture.handle))), (Pixels{0x0201C8, 0xFF0000, 0x090807}));

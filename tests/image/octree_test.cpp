@@ -7,7 +7,7 @@ namespace lmf::testing {
 
 /// The slow, obvious tree: every pass walks all of it.
 struct SlowNode {
-    double pixels = 0, red = 0, green = 0, blue = 0, error = 0;
+    double pixels = 0, sums[3] = {}, error = 0;
     SlowNode *parent = nullptr;
     std::unique_ptr<SlowNode> child[8];
 };
@@ -40,9 +40,7 @@ struct SlowTree {
             root.error += node->error;
         }
         node->pixels += run;
-        node->red += static_cast<double>(RedOf(color)) * run;
-        node->green += static_cast<double>(GreenOf(color)) * run;
-        node->blue += static_cast<double>(BlueOf(color)) * run;
+        for (int32_t c = 0; c < 3; c++) node->sums[c] += static_cast<double>(color >> (8 * c) & 255) * run;
     }
     static void Merge(SlowNode *node) {
         for (auto &child : node->child) {
@@ -51,9 +49,7 @@ struct SlowTree {
             child.reset();
         }
         node->parent->pixels += node->pixels;
-        node->parent->red += node->red;
-        node->parent->green += node->green;
-        node->parent->blue += node->blue;
+        for (int32_t c = 0; c < 3; c++) node->parent->sums[c] += node->sums[c];
     }
     bool Pass(SlowNode *node) {
         for (auto &child : node->child) {
@@ -81,9 +77,7 @@ struct SlowTree {
         }
         if (node.pixels == 0) return;
         uint8_t *rgb = palette->rgb + (*count)++ * 3;
-        rgb[0] = static_cast<uint8_t>((node.red + node.pixels * 0.5) / node.pixels);
-        rgb[1] = static_cast<uint8_t>((node.green + node.pixels * 0.5) / node.pixels);
-        rgb[2] = static_cast<uint8_t>((node.blue + node.pixels * 0.5) / node.pixels);
+        for (int32_t c = 0; c < 3; c++) rgb[c] = static_cast<uint8_t>((node.sums[c] + node.pixels * 0.5) / node.pixels);
     }
 };
 
@@ -94,7 +88,7 @@ static void ExpectSlowPalette(DibHandle picture, uint32_t wanted) {
     for (int32_t y = lock.view.height - 1; y >= 0; y--) {
         for (int32_t x = 0, run = 1; x < lock.view.width; x += run) {
             const Color color = DibGetPixel(lock.image, x, y);
-            for (run = 1; x + run < lock.view.width && DibGetPixel(lock.image, x + run, y) == color;) run++;
+            for (run = 1; DibGetPixel(lock.image, x + run, y) == color;) run++;
             tree.Count(color, run, depth);
         }
     }
