@@ -21,7 +21,7 @@ TEST(AdjustPipeline, WithoutSwitchesThePictureItselfComesBack) {
 TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
     const std::string names[] = {"Normalize",
                                  "Color and Intensity",
-                                 "Contrast and Brightness", // in their order
+                                 "Contrast and Brightness",
                                  "Hue Saturation Brightness",
                                  "Sigmoidal Contrast",
                                  "Equalize"};

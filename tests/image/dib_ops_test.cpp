@@ -105,15 +105,6 @@ TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
     }
 }
 
-static uint32_t MixBytes(uint32_t from, uint32_t to, uint32_t weight) {
-    uint32_t mixed = 0;
-    for (uint32_t shift : {0, 8, 16}) {
-        const uint32_t share = (from >> shift & 255) * (255 - weight) / 255;
-        mixed |= (share + (to >> shift & 255) * weight / 255) << shift;
-    }
-    return mixed;
-}
-
 TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
     // Wide enough for whole vectors and a rest.
     const int32_t width = 301, height = 3;

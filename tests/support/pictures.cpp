@@ -75,6 +75,15 @@ bool SamePicture(const DibOwner &a, const DibOwner &b) {
     return SamePicture(a.handle, b.handle);
 }
 
+Color MixBytes(Color from, Color to, uint32_t weight) {
+    Color mixed = 0;
+    for (uint32_t shift : {0, 8, 16}) {
+        const uint32_t share = (from >> shift & 255) * (255 - weight) / 255;
+        mixed |= (share + (to >> shift & 255) * weight / 255) << shift;
+    }
+    return mixed;
+}
+
 FilterContext MakeContext(ImageMode mode) {
     FilterContext context{};
     context.mode = mode;

@@ -69,6 +69,9 @@ void ExpectPixels(const DibOwner &picture, Pixel pixel) {
     }
 }
 
+/// Two colours mixed, each channel with two truncating divisions: `weight` of 255 parts of `to`.
+Color MixBytes(Color from, Color to, uint32_t weight);
+
 /// A context with every filter's factory values, for pictures of `mode`; white paper.
 FilterContext MakeContext(ImageMode mode = kModeTrueColor);
 

@@ -89,13 +89,7 @@ TEST(RemoveAlpha, LaysThePictureOverThePaper) {
     context.paperColor = 0x20C0F0;
     DibLock from(wide.handle), alphas(mask.handle);
     ExpectPixels(RunKernel("Remove Alpha", wide.handle, &context), [&](int32_t x, int32_t y) {
-        const uint32_t weight = DibGetPixel(alphas.image, x, y), pixel = DibGetPixel(from.image, x, y);
-        uint32_t mixed = 0;
-        for (int32_t shift = 0; shift < 24; shift += 8) {
-            const uint32_t channel = pixel >> shift & 255, paper = context.paperColor >> shift & 255;
-            mixed |= (weight * channel / 255 + paper * (255 - weight) / 255) << shift;
-        }
-        return mixed;
+        return MixBytes(context.paperColor, DibGetPixel(from.image, x, y), DibGetPixel(alphas.image, x, y));
     });
 }
 

@@ -8,15 +8,13 @@ namespace lmf::testing {
 
 TEST(Resize, TakesTheRoadThatTheSettingsAskFor) {
     DibOwner source = RandomPicture(40, 30, kModeTrueColor, 6);
-    FilterContext context = MakeContext();
-    context.FilterResizeHorz = 50;
-    context.FilterResizeVert = 200;
-    context.FilterResizeFilter = 5;
-    context.FilterResizeWidth = 100;
-    context.FilterResizeDepth = 33;
+    FilterContext context = ContextWith({{&P::FilterResizeHorz, 50},
+                                         {&P::FilterResizeVert, 200},
+                                         {&P::FilterResizeFilter, 5},
+                                         {&P::FilterResizeWidth, 100},
+                                         {&P::FilterResizeDepth, 33}});
     const auto makes = [&](DibHandle expected) {
-        DibOwner owned(expected);
-        return SamePicture(RunKernel("Resize", source.handle, &context).handle, expected);
+        return SamePicture(RunKernel("Resize", source.handle, &context), DibOwner(expected));
     };
     EXPECT_TRUE(makes(DibScaleTo(source.handle, 20, 15, 5)));
     context.FilterResizeConstant = 0;

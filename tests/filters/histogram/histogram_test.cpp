@@ -57,10 +57,12 @@ static DibOwner SlowWhiteBalance(DibHandle source, const FilterContext &context)
         if (WeightedGrey(pixel) > WeightedGrey(reference)) reference = pixel;
     if (context.FilterWhiteBalancePaper) reference = context.paperColor;
     return ByPixel([reference](const DibLock &from, const FilterContext &, int32_t x, int32_t y) {
-        const Color pixel = DibGetPixel(from.image, x, y);
-        return PackColor(static_cast<uint32_t>(std::min(RedOf(pixel) + 255 - RedOf(reference), 255)),
-                         static_cast<uint32_t>(std::min(GreenOf(pixel) + 255 - GreenOf(reference), 255)),
-                         static_cast<uint32_t>(std::min(BlueOf(pixel) + 255 - BlueOf(reference), 255)));
+        uint32_t moved = 0;
+        for (int32_t shift = 0; shift < 24; shift += 8) {
+            const uint32_t channel = DibGetPixel(from.image, x, y) >> shift & 255;
+            moved |= std::min(channel + 255 - (reference >> shift & 255), 255u) << shift;
+        }
+        return moved;
     })(source, context);
 }
 
@@ -80,15 +82,13 @@ static Pixels FineTune(const Pixels &pixels, NumberField enable, NumberField val
 
 TEST(PhotoFineTune, NothingOnGivesACopy) {
     const DibOwner picture = RandomPicture(9, 9, kModeTrueColor, 3);
-    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle).handle, picture.handle));
-    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle,
-                                      {{&P::FilterPhotoAdjEnableTemp, 1},
-                                       {&P::FilterPhotoAdjEnableTint, 1},
-                                       {&P::FilterPhotoAdjEnableSat, 1},
-                                       {&P::FilterPhotoAdjEnableCont, 1},
-                                       {&P::FilterPhotoAdjEnableBright, 1},
-                                       {&P::FilterPhotoAdjEnableShadow, 1}}),
-                            picture))
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle), picture));
+    std::vector<Setting> steps;
+    for (NumberField enable :
+         {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
+          &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjEnableShadow})
+        steps.push_back({enable, 1});
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle, steps), picture))
         << "neutral values are no steps";
 }
 
