@@ -272,7 +272,7 @@ bool Encode(PngWriter &writer, std::FILE *file, const Picture &picture, const Pn
             png_write_row(png, writer.row.data());
         }
     }
-    png_write_end(png, info);
+    png_write_end(png, nullptr);
     return true;
 }
 

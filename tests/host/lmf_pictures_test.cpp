@@ -168,6 +168,13 @@ TEST_F(LmfPictures, FormatsWithoutAlphaOrDepthTakeWhatTheyCan) {
     Expect(4, Invert({"wide.png", "wide.webp"}), "WebP holds at most 16383");
 }
 
+TEST_F(LmfPictures, APhotographBecomesItsNegative) {
+    ExpectSilence(Invert({kPhotograph, "out.png"}));
+    const Bytes before = ReadRgba(kPhotograph), after = ReadRgba(In("out.png"));
+    ASSERT_EQ(before.size(), after.size());
+    for (size_t i = 0; i < before.size(); i++) ASSERT_EQ(after[i], i % 4 == 3 ? 255 : 255 - before[i]);
+}
+
 TEST_F(LmfPictures, ProfileAndExifTravelThroughAllFormats) {
     for (const bool big : {false, true}) {
         PngFile input = MakePng(kColor, 8);
@@ -187,6 +194,8 @@ TEST_F(LmfPictures, ProfileAndExifTravelThroughAllFormats) {
         std::fill_n(&expected[46], 4, uint8_t{0});
         std::fill_n(&expected[112], 6, uint8_t{0});
         EXPECT_EQ(ReadPng(In("c.png")).exif, expected);
+        const std::string written = ReadText(In("c.png"));
+        EXPECT_EQ(written.find("eXIf"), written.rfind("eXIf")) << "the block is there twice";
         const Bytes exif = ReadPng(In("out.png")).exif;
         const std::string rebuilt(exif.begin(), exif.end());
         const std::string exposure("\x9a\x82\x05\0\x01\0\0\0", 8);
