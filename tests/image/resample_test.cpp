@@ -1,8 +1,5 @@
 #include "image/resample.h"
 
-#include <cmath>
-
-#include "image/transpose.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
@@ -143,20 +140,6 @@ TEST(Resample, FitAspectTakesTheTighterSide) {
     int32_t width = 75, depth = 50;
     EXPECT_EQ(DibFitAspect(nullptr, &width, &depth), 0);
     EXPECT_EQ(width, 75);
-}
-
-TEST(Transpose, TilesAndRests) {
-    for (ptrdiff_t rows : {1, 15, 16, 33}) {
-        for (ptrdiff_t columns : {1, 16, 17, 50}) {
-            std::vector<uint8_t> from(static_cast<size_t>(rows * columns)), to(from.size());
-            for (size_t i = 0; i < from.size(); i++) from[i] = static_cast<uint8_t>(i * 7 + i / 256);
-            TransposeBytes(to.data(), rows, from.data(), columns, rows, columns);
-            for (size_t i = 0; i < from.size(); i++) {
-                const size_t row = i / static_cast<size_t>(columns), column = i % static_cast<size_t>(columns);
-                ASSERT_EQ(to[column * static_cast<size_t>(rows) + row], from[i]);
-            }
-        }
-    }
 }
 
 } // namespace lmf::testing
