@@ -48,6 +48,9 @@ struct Palette768 {
     Color At(uint32_t index) const { return rgb[index * 3] | rgb[index * 3 + 1] << 8 | rgb[index * 3 + 2] << 16; }
 };
 
+/// The colours of a mono picture where nothing else is asked for.
+inline constexpr Palette768 kBlackAndWhite = {{0, 0, 0, 255, 255, 255}};
+
 constexpr uint8_t RedOf(Color color) {
     return static_cast<uint8_t>(color);
 }
@@ -70,6 +73,10 @@ constexpr void StoreBgr(uint8_t *bgr, Color color) {
     bgr[2] = RedOf(color);
 }
 
+constexpr uint8_t ClampByte(int32_t value) {
+    return static_cast<uint8_t>(std::clamp(value, 0, 255));
+}
+
 /// The library's usual luminance, 0 to 255. Three truncating divisions: a neutral 100 gives 98.
 constexpr int32_t WeightedGrey(int32_t red, int32_t green, int32_t blue) {
     return red * 77 / 255 + green * 150 / 255 + blue * 28 / 255;
@@ -86,6 +93,10 @@ constexpr uint32_t ColorTableEntries(uint32_t bits) {
 /// that nobody can read.
 constexpr bool CanReadPixels(uint32_t bits) {
     return bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32;
+}
+/// Are pixels of this depth whole bytes, so that code can work on rows of bytes?
+constexpr bool HasBytePixels(uint32_t bits) {
+    return bits == 8 || bits == 24 || bits == 32;
 }
 /// Bytes from the start of the block to the first pixel row.
 constexpr uint32_t PixelOffset(uint32_t bits) {

@@ -11,11 +11,6 @@
 
 namespace lmf {
 
-/// Are pixels of this depth whole bytes, so that rows can be copied as bytes?
-static bool HasByteRows(uint32_t bits) {
-    return bits == 8 || bits == 24 || bits == 32;
-}
-
 /// Indexes first <= i < last of a span.
 struct Span {
     int64_t first;
@@ -40,7 +35,7 @@ DibHandle DibCropRect(DibHandle source, int32_t left, int32_t top, int32_t right
     DibLock to(result.handle);
     if (!to) return nullptr;
 
-    if (!HasByteRows(from.view.bits)) {
+    if (!HasBytePixels(from.view.bits)) {
         for (int32_t y = 0; y < to.view.height; y++) {
             for (int32_t x = 0; x < to.view.width; x++)
                 DibSetPixel(to.image, x, y, DibGetPixel(from.image, left + x, top + y));
@@ -84,7 +79,7 @@ DibHandle DibFlipHorizontal(DibHandle source) {
     if (!to) return nullptr;
     const int32_t width = from.view.width;
     for (int32_t y = 0; y < from.view.height; y++) {
-        if (HasByteRows(from.view.bits)) {
+        if (HasBytePixels(from.view.bits)) {
             ReversePixels(to.view.Row(y), from.view.Row(y), static_cast<size_t>(width), from.view.bits / 8);
             continue;
         }
@@ -101,7 +96,7 @@ static void FillInside(void *image, const DibView &view, Span columns, Span rows
     const auto top = static_cast<int32_t>(rows.first);
     for (int32_t x = first; x < last; x++) DibSetPixel(image, x, top, value);
     for (int32_t y = top + 1; y < rows.last; y++) {
-        if (HasByteRows(view.bits)) {
+        if (HasBytePixels(view.bits)) {
             std::memcpy(view.Row(y) + first * pixelBytes, view.Row(top) + first * pixelBytes,
                         static_cast<size_t>(columns.Length() * pixelBytes));
             continue;
@@ -141,7 +136,7 @@ int32_t DibCopyRect(void *to, int32_t toX, int32_t toY, const void *from, int32_
     const Span rows = Inside(Inside({0, height}, toY, toView.height), fromY, fromView.height);
     if (columns.Length() < 1) return 1;
     // Within one picture source and destination may overlap, where the order of the pixels counts.
-    const bool copyBytes = to != from && toView.bits == fromView.bits && HasByteRows(toView.bits);
+    const bool copyBytes = to != from && toView.bits == fromView.bits && HasBytePixels(toView.bits);
     const int64_t pixelBytes = toView.bits / 8;
     for (int64_t i = rows.first; i < rows.last; i++) {
         const auto toRow = static_cast<int32_t>(toY + i), fromRow = static_cast<int32_t>(fromY + i);
@@ -243,7 +238,7 @@ DibHandle DibToRgb(DibHandle source) {
     if (!from) return nullptr;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
-    if (from.view.bits == 1) palette = {{0, 0, 0, 255, 255, 255}};
+    if (from.view.bits == 1) palette = kBlackAndWhite;
     return ToRgbThrough(from, palette);
 }
 

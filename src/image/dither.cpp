@@ -10,12 +10,6 @@
 
 namespace lmf {
 
-static constexpr Palette768 kBlackAndWhite = {{0, 0, 0, 255, 255, 255}};
-
-static inline int32_t ClampByte(int32_t value) {
-    return std::clamp(value, 0, 255);
-}
-
 /// The share of a pixel's error that the next pixel of the row gets is at most this far from 0, in black and white.
 static constexpr int32_t kReach = 112;
 
@@ -109,14 +103,14 @@ static DibHandle DiffuseToMono(const DibLock &from, const Palette768 &palette, c
         if (!last && width % 4 == 0) {
             // The first pixel's share to the lower left lands one byte before the next row: without padding between
             // the rows that is the last pixel of its own.
-            grey[width - 1] = static_cast<uint8_t>(ClampByte(grey[width - 1] + 3 * tables.unit[kReach + grey[0]]));
+            grey[width - 1] = ClampByte(grey[width - 1] + 3 * tables.unit[kReach + grey[0]]);
         }
         DiffuseMonoRow(grey, width, tables, flags.data, units);
         PackMonoRow(to.view.MemoryRow(y), flags.data, width);
         if (last) break;
         // The second pixel sends nothing to the lower left.
         uint8_t *next = grey + rowLength;
-        const auto first = static_cast<uint8_t>(ClampByte(next[0] + 5 * units[0]));
+        const uint8_t first = ClampByte(next[0] + 5 * units[0]);
         SpreadMonoRow(next, units, width);
         next[0] = first;
     }

@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include "image/dither.h"
 #include "image/multiversion.h"
 #include "image/rows.h"
@@ -30,10 +28,10 @@ struct ThresholdRows {
     const uint8_t *Row(int32_t y) const { return thresholds.data + (y & 7) * width; }
 };
 
+/// Turns greys into flags.
 LMF_MULTIVERSION
-static void MonoRow(uint8_t *__restrict flags, const uint8_t *__restrict grey, const uint8_t *__restrict thresholds,
-                    int32_t width) {
-    for (int32_t x = 0; x < width; x++) flags[x] = grey[x] > thresholds[x];
+static void FlagAboveThresholds(uint8_t *__restrict grey, const uint8_t *__restrict thresholds, int32_t width) {
+    for (int32_t x = 0; x < width; x++) grey[x] = grey[x] > thresholds[x];
 }
 
 LMF_MULTIVERSION
@@ -63,44 +61,43 @@ static void Rgb332Row(uint8_t *__restrict indexes, const uint8_t *__restrict bgr
     }
 }
 
-DibHandle BayerMono(DibHandle picture) {
-    static constexpr Palette768 kBlackAndWhite = {{0, 0, 0, 255, 255, 255}};
+/// New picture of `bits` with this palette. makeRow(to, bgr, thresholds, scratch, width) writes a row of it; the
+/// scratch holds a byte a pixel and zeros behind.
+template <typename MakeRow>
+static DibHandle DitherRows(DibHandle picture, const Palette768 &palette, uint32_t bits, bool transposed,
+                            MakeRow makeRow) {
     DibLock from(picture);
     if (!from) return nullptr;
     const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreate(width, height, &kBlackAndWhite, 1));
+    DibOwner result(DibCreate(width, height, &palette, bits));
     DibLock to(result.handle);
     RgbRows rows(from);
-    const ThresholdRows thresholds(width, false);
-    BlockArray<uint8_t> grey(static_cast<uint64_t>(width)), flags(static_cast<uint64_t>(width) + 7);
-    if (!to || !rows || !thresholds.thresholds || !grey || !flags) return nullptr;
-    for (int32_t y = 0; y < height; y++) {
-        GreyRow(grey.data, rows.MemoryRow(y), width);
-        MonoRow(flags.data, grey.data, thresholds.Row(height - 1 - y), width);
-        PackMonoRow(to.view.MemoryRow(y), flags.data, width);
-    }
+    const ThresholdRows thresholds(width, transposed);
+    BlockArray<uint8_t> scratch(static_cast<uint64_t>(width) + 7);
+    if (!to || !rows || !thresholds.thresholds || !scratch) return nullptr;
+    for (int32_t y = 0; y < height; y++)
+        makeRow(to.view.MemoryRow(y), rows.MemoryRow(y), thresholds.Row(height - 1 - y), scratch.data, width);
     to.Unlock();
     return result.Release();
+}
+
+DibHandle BayerMono(DibHandle picture) {
+    return DitherRows(picture, kBlackAndWhite, 1, false,
+                      [](uint8_t *to, const uint8_t *bgr, const uint8_t *thresholds, uint8_t *flags, int32_t width) {
+                          GreyRow(flags, bgr, width);
+                          FlagAboveThresholds(flags, thresholds, width);
+                          PackMonoRow(to, flags, width);
+                      });
 }
 
 DibHandle BayerEight(DibHandle picture) {
     static constexpr Palette768 kCorners = {
         {0, 0, 0, 255, 0, 0, 0, 255, 0, 255, 255, 0, 0, 0, 255, 255, 0, 255, 0, 255, 255, 255, 255, 255}};
-    DibLock from(picture);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreate(width, height, &kCorners, 4));
-    DibLock to(result.handle);
-    RgbRows rows(from);
-    const ThresholdRows thresholds(width, false);
-    BlockArray<uint8_t> indexes(static_cast<uint64_t>(width) + 1);
-    if (!to || !rows || !thresholds.thresholds || !indexes) return nullptr;
-    for (int32_t y = 0; y < height; y++) {
-        EightRow(indexes.data, rows.MemoryRow(y), thresholds.Row(height - 1 - y), width);
-        PackNibbleRow(to.view.MemoryRow(y), indexes.data, width);
-    }
-    to.Unlock();
-    return result.Release();
+    return DitherRows(picture, kCorners, 4, false,
+                      [](uint8_t *to, const uint8_t *bgr, const uint8_t *thresholds, uint8_t *indexes, int32_t width) {
+                          EightRow(indexes, bgr, thresholds, width);
+                          PackNibbleRow(to, indexes, width);
+                      });
 }
 
 /// Entry 32 r + 4 g + b has level r of red, g of green and b of blue.
@@ -118,18 +115,10 @@ static constexpr Palette768 Rgb332Palette() {
 
 DibHandle BayerRgb332(DibHandle picture) {
     static constexpr Palette768 kPalette = Rgb332Palette();
-    DibLock from(picture);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreate(width, height, &kPalette, 8));
-    DibLock to(result.handle);
-    RgbRows rows(from);
-    const ThresholdRows thresholds(width, true);
-    if (!to || !rows || !thresholds.thresholds) return nullptr;
-    for (int32_t y = 0; y < height; y++)
-        Rgb332Row(to.view.MemoryRow(y), rows.MemoryRow(y), thresholds.Row(height - 1 - y), width);
-    to.Unlock();
-    return result.Release();
+    return DitherRows(picture, kPalette, 8, true,
+                      [](uint8_t *to, const uint8_t *bgr, const uint8_t *thresholds, uint8_t *, int32_t width) {
+                          Rgb332Row(to, bgr, thresholds, width);
+                      });
 }
 
 } // namespace lmf

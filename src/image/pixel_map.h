@@ -63,12 +63,7 @@ void MapPixels(const PixelPass &pass, PixelFunction pixel, RowFunction row24) {
 template <typename PixelFunction>
 void MapPixels(const PixelPass &pass, PixelFunction pixel) {
     MapPixels(pass, pixel, [&pixel](uint8_t *__restrict to, const uint8_t *__restrict from, size_t width) {
-        for (size_t i = 0; i < width * 3; i += 3) {
-            const Color color = pixel(PackColor(from[i + 2], from[i + 1], from[i]));
-            to[i] = BlueOf(color);
-            to[i + 1] = GreenOf(color);
-            to[i + 2] = RedOf(color);
-        }
+        for (size_t i = 0; i < width * 3; i += 3) StoreBgr(to + i, pixel(PackColor(from[i + 2], from[i + 1], from[i])));
     });
 }
 

@@ -190,7 +190,7 @@ DibHandle DibScale(DibHandle source, int32_t newWidth, int32_t newHeight, int32_
     DibOwner result(DibCreateLike(from, newWidth, newHeight));
     DibLock to(result.handle);
     if (!to) return nullptr;
-    if (bits == 8 || bits == 24 || bits == 32) {
+    if (HasBytePixels(bits)) {
         const double xFactor = std::max(static_cast<double>(newWidth) / width, 0.0001);
         const double yFactor = std::max(static_cast<double>(newHeight) / height, 0.0001);
         const bool horizontalFirst = IsHorizontalFirst(from.view, to.view);

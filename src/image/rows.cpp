@@ -12,6 +12,12 @@ void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t wi
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
 }
 
+void ReadGreyRow(uint8_t *grey, const DibLock &picture, int32_t y) {
+    if (picture.view.bits == 24) return GreyRow(grey, picture.view.Row(y), picture.view.width);
+    for (int32_t x = 0; x < picture.view.width; x++)
+        grey[x] = static_cast<uint8_t>(WeightedGrey(DibGetPixel(picture.image, x, y)));
+}
+
 LMF_MULTIVERSION
 static void DropAlphaRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width) {
     for (int32_t x = 0; x < width; x++) {

@@ -8,6 +8,10 @@ namespace lmf {
 /// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
 void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
 
+/// WeightedGrey of row y, counted from the top, at any depth. An index counts as the red of a pixel without green and
+/// blue.
+void ReadGreyRow(uint8_t *grey, const DibLock &picture, int32_t y);
+
 /// Packs one byte a pixel, 0 or 1, into the bits of a 1-bit row. `flags` has room for `width` rounded up to 8; what
 /// lies behind `width` must be 0.
 void PackMonoRow(uint8_t *row, const uint8_t *flags, int32_t width);

@@ -139,7 +139,8 @@ static void EnlargePixels(const DibLock &from, const DibLock &to, const BlockArr
     }
 }
 
-static bool HasByteRows(const DibLock &from) {
+/// Is there a fast form for the depth?
+static bool HasRowForm(const DibLock &from) {
     return from.view.bits == 8 || from.view.bits == 24;
 }
 
@@ -180,7 +181,7 @@ DibHandle DibShrinkVert(DibHandle source, int32_t percent) {
     BlockArray<uint32_t> sums(rowBytes + 1);
     if (!bins || !sums) return nullptr;
     FillBins(bins, to.view.height, from.view.height, percent);
-    if (HasByteRows(from)) {
+    if (HasRowForm(from)) {
         for (int32_t y = 0; y < to.view.height; y++) {
             for (int32_t i = 0; i < bins[y].count; i++) AddRow(sums.data, from.view.Row(bins[y].first + i), rowBytes);
             StoreMeans(to.view.Row(y), sums.data, rowBytes, bins[y].reciprocal);
@@ -201,7 +202,7 @@ DibHandle DibEnlargeHorz(DibHandle source, int32_t percent) {
     BlockArray<Mix> mixes(static_cast<uint64_t>(to.view.width));
     if (!mixes) return nullptr;
     FillMixes(mixes, to.view.width, from.view.width, percent);
-    if (HasByteRows(from)) {
+    if (HasRowForm(from)) {
         for (int32_t y = 0; y < to.view.height; y++)
             (from.view.bits == 24 ? EnlargeRow<3> : EnlargeRow<1>)(to.view.Row(y), from.view.Row(y), mixes.data,
                                                                    to.view.width);
@@ -222,7 +223,7 @@ DibHandle DibEnlargeVert(DibHandle source, int32_t percent) {
     if (!mixes) return nullptr;
     FillMixes(mixes, to.view.height, from.view.height, percent);
     const size_t rowBytes = static_cast<size_t>(from.view.width) * (from.view.bits / 8);
-    if (HasByteRows(from)) {
+    if (HasRowForm(from)) {
         for (int32_t y = 0; y < to.view.height; y++)
             MixRows(to.view.Row(y), from.view.Row(mixes[y].first), from.view.Row(mixes[y].second), mixes[y].firstShare,
                     mixes[y].secondShare, rowBytes);

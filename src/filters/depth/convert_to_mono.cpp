@@ -11,7 +11,6 @@ static constexpr PageControl kPage[] = {
 };
 
 static DibHandle ConvertToMonoKernel(DibHandle source, FilterContext *context) {
-    static constexpr Palette768 kBlackAndWhite = {{0, 0, 0, 255, 255, 255}};
     const MonoTone tone = {Settings.DitherBrightness, Settings.DitherContrast};
     DibOwner result(context->FilterConvertToMonoDither != 0
                         ? ErrorDiffuse(source, kBlackAndWhite, 1, tone)

@@ -67,8 +67,7 @@ static DibHandle RotateFreely(DibHandle source, int64_t tenths, FilterContext *c
     plan.fill = PaperFillValue(context->paperColor, context->mode, from.image);
     const bool interpolate =
         context->FilterRotateInterpolate != 0 && (context->mode == kModeTrueColor || context->mode == kModeGrey);
-    const uint32_t bits = from.view.bits;
-    const bool byShears = interpolate && context->FilterRotateShear != 0 && (bits == 8 || bits == 24 || bits == 32);
+    const bool byShears = interpolate && context->FilterRotateShear != 0 && HasBytePixels(from.view.bits);
     RotatedPicture rotated = byShears ? TurnAndShear(source, tenths, plan) : RotateDirect(from, plan, interpolate);
     if (!rotated.picture) return nullptr;
     BlockFree(context->auxImage);

@@ -121,8 +121,7 @@ RotatedPicture RotateDirect(const DibLock &from, const RotationPlan &plan, bool 
     RotationCanvas canvas(from, plan);
     if (!canvas) return {};
     const SourceMap map(plan, from.view);
-    const uint32_t bits = from.view.bits;
-    if (interpolate && (bits == 8 || bits == 24 || bits == 32))
+    if (interpolate && HasBytePixels(from.view.bits))
         MixRows(canvas, from.view, map);
     else
         PickRows(canvas, from, map);

@@ -81,8 +81,7 @@ static DibHandle OverlapHalves(const DibLock &from, int32_t mode) {
     DibOwner result(DibCreateLike(from, columns.side, rows.side));
     DibLock to(result.handle);
     if (!to || !columns.share || !rows.share) return nullptr;
-    const bool hasChannels = from.view.bits == 8 || from.view.bits == 24 || from.view.bits == 32;
-    if (hasChannels && mode != kModePalette && mode != kModeMono) {
+    if (HasBytePixels(from.view.bits) && mode != kModePalette && mode != kModeMono) {
         if (!MixHalves(to.view, from.view, columns, rows)) return nullptr;
     } else {
         ChooseHalves(to.image, from.image, columns, rows);

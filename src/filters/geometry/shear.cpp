@@ -103,7 +103,7 @@ static int32_t Widened(int32_t side, int32_t margin) {
 static DibHandle ShearKernel(DibHandle source, FilterContext *context) {
     DibLock from(source);
     // Indexes and bits cannot be blended; the catalogue lets no such picture through.
-    if (!from || (from.view.bits != 8 && from.view.bits != 24 && from.view.bits != 32)) return nullptr;
+    if (!from || !HasBytePixels(from.view.bits)) return nullptr;
     const Lean across(context->FilterShearDegreeX, from.view.height);
     DibOwner leaning(DibCreateLike(from, Widened(from.view.width, across.margin), from.view.height));
     DibLock middle(leaning.handle);

@@ -72,7 +72,7 @@ static void TurnHalf(const DibLock &to, const DibLock &from) {
     const int32_t width = from.view.width, height = from.view.height;
     const uint32_t bits = from.view.bits;
     for (int32_t y = 0; y < height; y++) {
-        if (bits == 8 || bits == 24 || bits == 32) {
+        if (HasBytePixels(bits)) {
             ReversePixels(to.view.MemoryRow(y), from.view.Row(y), static_cast<size_t>(width), bits / 8);
             continue;
         }

@@ -22,7 +22,7 @@ static int64_t ShiftOf(int32_t line, const FilterContext *context) {
 
 /// Bytes of a pixel, or 0 where pixels share bytes.
 static size_t PixelBytes(uint32_t bits) {
-    return bits == 8 || bits == 24 || bits == 32 ? bits / 8 : 0;
+    return HasBytePixels(bits) ? bits / 8 : 0;
 }
 
 static void WaveRows(const PixelPass &pass, const FilterContext *context) {

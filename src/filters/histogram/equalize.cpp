@@ -20,10 +20,6 @@ static int32_t ShiftOf(int32_t tone, int32_t shadow, int32_t highlight) {
     return tone > highlight ? (tone - highlight) >> 1 : 0;
 }
 
-static uint8_t ClampByte(int32_t value) {
-    return static_cast<uint8_t>(std::clamp(value, 0, 255));
-}
-
 LMF_MULTIVERSION
 static void ShiftRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width,
                      const int16_t *__restrict shifts) {

@@ -31,12 +31,7 @@ static bool CountGreys(const DibLock &picture, Histogram *histogram) {
     if (!grey) return false;
     Histogram counts[4] = {};
     for (int32_t y = 0; y < view.height; y++) {
-        if (view.bits == 24) {
-            GreyRow(grey.data, view.MemoryRow(y), view.width);
-        } else {
-            for (int32_t x = 0; x < view.width; x++)
-                grey[x] = static_cast<uint8_t>(WeightedGrey(DibGetPixel(picture.image, x, y)));
-        }
+        ReadGreyRow(grey.data, picture, y);
         CountRow(grey.data, view.width, counts);
     }
     for (int32_t i = 0; i < 256; i++)

@@ -39,10 +39,6 @@ static constexpr PageControl kPage[] = {
     CheckBox(1107, "White balance", &FilterParameters::FilterPhotoAdjWhitebal),
 };
 
-static uint32_t ClampByte(int32_t value) {
-    return static_cast<uint32_t>(std::clamp(value, 0, 255));
-}
-
 /// Hue in whole degrees, saturation and lightness from 0 to 1. The whole degrees lose a little at each pass.
 struct HslColour {
     int32_t hue;
@@ -170,8 +166,7 @@ static DibHandle ContrastStep(DibHandle picture, FilterContext *context) {
 
 static DibHandle BrightnessStep(DibHandle picture, FilterContext *context) {
     ToneTable table;
-    for (int32_t i = 0; i < 256; i++)
-        table.at[i] = static_cast<uint8_t>(ClampByte(context->FilterPhotoAdjBright - 127 + i));
+    for (int32_t i = 0; i < 256; i++) table.at[i] = ClampByte(context->FilterPhotoAdjBright - 127 + i);
     return ApplyToneTableByMode(picture, table, context);
 }
 

@@ -23,12 +23,7 @@ static bool FindBrightest(const DibLock &picture, Color *brightest) {
     uint8_t best = 0;
     *brightest = 0;
     for (int32_t y = 0; y < view.height; y++) {
-        if (view.bits == 24) {
-            GreyRow(grey.data, view.Row(y), view.width);
-        } else {
-            for (int32_t x = 0; x < view.width; x++)
-                grey[x] = static_cast<uint8_t>(WeightedGrey(DibGetPixel(picture.image, x, y)));
-        }
+        ReadGreyRow(grey.data, picture, y);
         const uint8_t *row = std::max_element(grey.data, grey.data + view.width);
         if (*row <= best) continue;
         best = *row;

@@ -14,7 +14,7 @@ static void BumpBytes(uint8_t *__restrict to, const uint8_t *__restrict above, c
     for (ptrdiff_t i = 0; i < count; i++) {
         const int32_t sum = -above[i - channels] - above[i] - here[i - channels] + here[i] + here[i + channels] +
                             below[i] + below[i + channels];
-        to[i] = static_cast<uint8_t>(std::clamp(sum, 0, 255));
+        to[i] = ClampByte(sum);
     }
 }
 
@@ -31,7 +31,7 @@ static uint32_t BumpPixel(const DibLock &from, int32_t x, int32_t y) {
         int32_t sum = 0;
         for (uint32_t pixel : plus) sum += pixel >> shift & 255;
         for (uint32_t pixel : minus) sum -= pixel >> shift & 255;
-        result |= static_cast<uint32_t>(std::clamp(sum, 0, 255)) << shift;
+        result |= static_cast<uint32_t>(ClampByte(sum)) << shift;
     }
     return result;
 }

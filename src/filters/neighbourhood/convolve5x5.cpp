@@ -21,7 +21,7 @@ struct TapSums {
     uint8_t Result(const Window5x5 &window, int32_t channel) const {
         const int32_t divisor = weight != 0 ? weight : window.divisor;
         const int32_t sum = std::max<int32_t>(channels[channel], 0);
-        return static_cast<uint8_t>(std::clamp(window.bias + sum / divisor, 0, 255));
+        return ClampByte(window.bias + sum / divisor);
     }
 };
 
@@ -93,7 +93,7 @@ static void DivideSums(uint8_t *__restrict to, const int16_t *__restrict sums, f
                        int32_t count) {
     for (int32_t i = 0; i < count; i++) {
         const auto sum = static_cast<float>(std::max<int32_t>(sums[i], 0));
-        to[i] = static_cast<uint8_t>(std::clamp(bias + static_cast<int32_t>(sum / divisor), 0, 255));
+        to[i] = ClampByte(bias + static_cast<int32_t>(sum / divisor));
     }
 }
 

@@ -204,10 +204,8 @@ static DibHandle Blur(DibHandle source, double radius, double sigma, int32_t cha
 }
 
 DibHandle GaussianBlurKernelRun(DibHandle source, const FilterContext *context) {
-    static constexpr int32_t kBytesOfMode[] = {3, 1};
-    const bool blurs = context->mode == kModeTrueColor || context->mode == kModeGrey;
-    return Blur(source, context->FilterGaussianRadius / 10.0, context->FilterGaussianSigma / 10.0,
-                blurs ? kBytesOfMode[context->mode] : 0);
+    const int32_t channels = context->mode == kModeTrueColor ? 3 : context->mode == kModeGrey ? 1 : 0;
+    return Blur(source, context->FilterGaussianRadius / 10.0, context->FilterGaussianSigma / 10.0, channels);
 }
 
 DibHandle GaussianBlurDirect(DibHandle source, int32_t radiusTenths, int32_t sigmaTenths) {

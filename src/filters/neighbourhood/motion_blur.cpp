@@ -77,11 +77,7 @@ static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &k
     if (!padded || !taps) return false;
     const size_t lineBytes = static_cast<size_t>(from.width) * 3;
     uint8_t *paperRow = padded.data + stride * from.height;
-    for (int64_t b = 0; b < stride; b += 3) {
-        paperRow[b] = BlueOf(paper);
-        paperRow[b + 1] = GreenOf(paper);
-        paperRow[b + 2] = RedOf(paper);
-    }
+    for (int64_t b = 0; b < stride; b += 3) StoreBgr(paperRow + b, paper);
     for (int32_t y = 0; y < from.height; y++) {
         uint8_t *row = padded.data + stride * y;
         std::memcpy(row, paperRow, static_cast<size_t>(before) * 3);

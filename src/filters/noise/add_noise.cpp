@@ -173,7 +173,7 @@ static void DrawSamples(const NoiseSource &noise, uint8_t *samples, size_t count
 LMF_MULTIVERSION
 static void AddToBytes(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
                        size_t count, int32_t bias) {
-    for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(std::clamp(from[i] + samples[i] + bias, 0, 255));
+    for (size_t i = 0; i < count; i++) to[i] = ClampByte(from[i] + samples[i] + bias);
 }
 
 /// Adds a sample and the bias to each pixel of three bytes.
@@ -182,8 +182,7 @@ static void AddToPixels(uint8_t *__restrict to, const uint8_t *__restrict from, 
                         size_t count, int32_t bias) {
     for (size_t i = 0; i < count; i++) {
         const int32_t noise = samples[i] + bias;
-        for (size_t channel = 0; channel < 3; channel++)
-            to[3 * i + channel] = static_cast<uint8_t>(std::clamp(from[3 * i + channel] + noise, 0, 255));
+        for (size_t channel = 0; channel < 3; channel++) to[3 * i + channel] = ClampByte(from[3 * i + channel] + noise);
     }
 }
 

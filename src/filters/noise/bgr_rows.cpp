@@ -9,12 +9,7 @@ void ReadBgrRow(const DibLock &from, int32_t y, uint8_t *bytes) {
         std::memcpy(bytes, from.view.Row(y), static_cast<size_t>(from.view.width) * 3);
         return;
     }
-    for (int32_t x = 0; x < from.view.width; x++, bytes += 3) {
-        const Color color = DibGetPixel(from.image, x, y);
-        bytes[0] = BlueOf(color);
-        bytes[1] = GreenOf(color);
-        bytes[2] = RedOf(color);
-    }
+    for (int32_t x = 0; x < from.view.width; x++, bytes += 3) StoreBgr(bytes, DibGetPixel(from.image, x, y));
 }
 
 void WriteBgrRow(const DibLock &to, int32_t y, const uint8_t *bytes) {

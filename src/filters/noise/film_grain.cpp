@@ -57,7 +57,7 @@ static void AddGrain(uint8_t *__restrict pixels, const uint8_t *__restrict grain
     for (size_t x = 0; x < count; x++) {
         for (size_t channel = 0; channel < 3; channel++) {
             uint8_t &level = pixels[3 * x + channel];
-            level = static_cast<uint8_t>(std::clamp(level + grain[x] - 128, 0, 255));
+            level = ClampByte(level + grain[x] - 128);
         }
     }
 }

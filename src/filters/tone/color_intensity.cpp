@@ -1,7 +1,5 @@
 // Color and Intensity: adds a number of its own to red, green and blue and one more to all three, 128 standing for 0.
 // Palette pictures have their colour table changed.
-#include <algorithm>
-
 #include "engine/slots.h"
 #include "image/pixel_map.h"
 
@@ -16,7 +14,7 @@ static constexpr PageControl kPage[] = {
 
 static ToneTable Raised(int32_t offset) {
     ToneTable table;
-    for (int32_t i = 0; i < 256; i++) table.at[i] = static_cast<uint8_t>(std::clamp(i + offset, 0, 255));
+    for (int32_t i = 0; i < 256; i++) table.at[i] = ClampByte(i + offset);
     return table;
 }
 

@@ -85,11 +85,8 @@ static void SepiaRow(uint8_t *__restrict to, const uint8_t *__restrict from, siz
     for (size_t i = 0; i < width * 3; i += 3) {
         const Share &blue = tables.blue[from[i]], &green = tables.green[from[i + 1]], &red = tables.red[from[i + 2]];
         const float light = green.light + red.light + blue.light;
-        const Color color =
-            tables.toned[static_cast<int32_t>(std::min(light, 255.0f))][red.grey + green.grey + blue.grey];
-        to[i] = BlueOf(color);
-        to[i + 1] = GreenOf(color);
-        to[i + 2] = RedOf(color);
+        const auto intensity = static_cast<int32_t>(std::min(light, 255.0f));
+        StoreBgr(to + i, tables.toned[intensity][red.grey + green.grey + blue.grey]);
     }
 }
 
