@@ -59,34 +59,28 @@ DibHandle DibCropRect(DibHandle source, int32_t left, int32_t top, int32_t right
 }
 
 DibHandle DibFlipVertical(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const DibView &from = pass.from.view, &to = pass.to.view;
     // Odd depths change on the way: their rows differ in length.
-    const auto rowBytes = static_cast<size_t>(std::min(from.view.stride, to.view.stride));
-    for (int32_t y = 0; y < from.view.height; y++) std::memcpy(to.view.MemoryRow(y), from.view.Row(y), rowBytes);
-    to.Unlock();
-    return result.Release();
+    const auto rowBytes = static_cast<size_t>(std::min(from.stride, to.stride));
+    for (int32_t y = 0; y < from.height; y++) std::memcpy(to.MemoryRow(y), from.Row(y), rowBytes);
+    return pass.Finish();
 }
 
 DibHandle DibFlipHorizontal(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    const int32_t width = from.view.width;
-    for (int32_t y = 0; y < from.view.height; y++) {
-        if (HasBytePixels(from.view.bits)) {
-            ReversePixels(to.view.Row(y), from.view.Row(y), static_cast<size_t>(width), from.view.bits / 8);
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    for (int32_t y = 0; y < from.height; y++) {
+        if (HasBytePixels(from.bits)) {
+            ReversePixels(to.Row(y), from.Row(y), static_cast<size_t>(from.width), from.bits / 8);
             continue;
         }
-        for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, width - 1 - x, y));
+        for (int32_t x = 0; x < from.width; x++)
+            DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, from.width - 1 - x, y));
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 /// Fills a rectangle that lies inside the picture, in whole-byte pixels or one by one.

@@ -8,22 +8,6 @@
 
 namespace lmf {
 
-static DibHandle MakeResult(const DibLock &from, ResultPalette kind) {
-    if (!from) return nullptr;
-    const DibView &view = from.view;
-    return kind == ResultPalette::OfSource ? DibCreateLike(from, view.width, view.height)
-                                           : DibCreate(view.width, view.height, nullptr, view.bits);
-}
-
-PixelPass::PixelPass(DibHandle source, ResultPalette palette)
-    : from(source), result(MakeResult(from, palette)), to(result.handle) {}
-
-DibHandle PixelPass::Finish() {
-    from.Unlock();
-    to.Unlock();
-    return result.Release();
-}
-
 static void LookUpInOrder(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count,
                           const ToneTable &table) {
     for (size_t i = 0; i < count; i++) to[i] = table.at[from[i]];

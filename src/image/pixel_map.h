@@ -1,7 +1,7 @@
 // Changes where each new pixel depends on the old pixel at its place alone.
 #pragma once
 
-#include "image/dib.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -13,25 +13,6 @@ struct ToneTable {
 /// A tone table for each channel.
 struct ChannelTables {
     ToneTable red, green, blue;
-};
-
-enum class ResultPalette : uint8_t {
-    OfSource, ///< the source's colour table
-    Black     ///< all entries 0
-};
-
-/// A locked source and the blank picture of its size and depth that becomes the result.
-struct PixelPass {
-    DibLock from;
-    DibOwner result;
-    DibLock to;
-
-    /// False afterwards where the source cannot be locked or the result cannot be made.
-    explicit PixelPass(DibHandle source, ResultPalette palette = ResultPalette::OfSource);
-
-    explicit operator bool() const { return static_cast<bool>(to); }
-    /// Ends both locks and gives the result to the caller.
-    [[nodiscard]] DibHandle Finish();
 };
 
 /// to[i] = table[from[i]].

@@ -3,7 +3,7 @@
 
 #include "filters/geometry/mirror.h"
 #include "filters/geometry/warp_sample.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -13,6 +13,7 @@ struct Ellipse {
     double xScale = 1, yScale = 1; ///< what a pixel of distance counts
     double radius;                 ///< in scaled pixels
 
+    /// Distances of a column and of a row from the centre, in scaled pixels.
     double Dx(int32_t x) const { return (x - cx) * xScale; }
     double Dy(int32_t y) const { return (y - cy) * yScale; }
 };

@@ -6,7 +6,7 @@
 #include "engine/slots.h"
 #include "filters/geometry/mirror.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

@@ -8,7 +8,7 @@
 #include "filters/geometry/four_taps.h"
 #include "filters/geometry/mirror.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

@@ -36,9 +36,11 @@ struct SourceMap {
 
     SourceMap(const RotationPlan &plan, const DibView &from);
 
+    /// Where row y of the result comes from.
     SourceRow Row(int32_t y) const;
     /// The part of a row whose centres lie in the source, less `inset` at each edge.
     Range PartInside(const SourceRow &row, int64_t inset) const;
+    /// Both parts of row y; `whole` lies inside `covered`.
     RowParts PartsOf(int32_t y) const;
 };
 

@@ -4,7 +4,7 @@
 
 #include "common/random.h"
 #include "engine/slots.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 #include "platform/system.h"
 
 namespace lmf {

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "engine/slots.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

@@ -2,6 +2,7 @@
 // missing neighbour is the pixel's own row or column. There are no settings.
 #include "engine/slots.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -49,16 +50,12 @@ static void BumpRow(const DibLock &to, const DibLock &from, int32_t y) {
 }
 
 static DibHandle BumpKernel(DibHandle source, FilterContext *) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    const ImageMode mode = DibClassify(nullptr, from.image);
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const ImageMode mode = DibClassify(nullptr, pass.from.image);
     if (mode == kModeTrueColor || mode == kModeGrey)
-        for (int32_t y = 0; y < from.view.height; y++) BumpRow(to, from, y);
-    to.Unlock();
-    return result.Release();
+        for (int32_t y = 0; y < pass.from.view.height; y++) BumpRow(pass.to, pass.from, y);
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kBump = MakeSlots(BumpKernel);

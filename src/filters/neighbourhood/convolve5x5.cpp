@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -179,17 +180,14 @@ static void ConvolveThroughPixels(void *to, const DibLock &from, const Window5x5
 }
 
 DibHandle Convolve5x5(DibHandle source, const Window5x5 &window) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    if (from.view.bits != 24 && from.view.bits != 8)
-        ConvolveThroughPixels(to.image, from, window);
-    else if (!ConvolveBytes(to.view, from.view, window))
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const uint32_t bits = pass.from.view.bits;
+    if (bits != 24 && bits != 8)
+        ConvolveThroughPixels(pass.to.image, pass.from, window);
+    else if (!ConvolveBytes(pass.to.view, pass.from.view, window))
         return nullptr;
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 } // namespace lmf

@@ -4,6 +4,7 @@
 
 #include "filters/neighbourhood/taps.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -103,21 +104,17 @@ static bool ConvolveStrips(const DibLock &to, const DibLock &from, int32_t order
 }
 
 DibHandle ConvolveSquare(DibHandle picture, int32_t order, const double *kernel, const FilterContext *context) {
-    DibLock from(picture);
-    if (!from) return nullptr;
-    if (order < 1 || order % 2 == 0 || order > from.view.width || order > from.view.height) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(picture);
+    if (!pass) return nullptr;
+    if (order < 1 || order % 2 == 0 || order > pass.from.view.width || order > pass.from.view.height) return nullptr;
 
     double sum = 0.0;
     for (int32_t i = 0; i < order * order; i++) sum += kernel[i];
     const double divisor = sum != 0.0 ? sum : 1.0;
     const int32_t channels = context->mode == kModeTrueColor ? 3 : 1;
     const bool walks = context->mode == kModeTrueColor || context->mode == kModeGrey;
-    if (walks && !ConvolveStrips(to, from, order, kernel, channels, divisor)) return nullptr;
-    to.Unlock();
-    return result.Release();
+    if (walks && !ConvolveStrips(pass.to, pass.from, order, kernel, channels, divisor)) return nullptr;
+    return pass.Finish();
 }
 
 } // namespace lmf

@@ -2,6 +2,7 @@
 // that is the result, without it only the ring that was gained stays 0. The bits count, whatever colours they stand
 // for.
 #include "engine/slots.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -35,14 +36,11 @@ static void TraceRow(const DibView &to, const DibView &from, int32_t y, bool fat
 }
 
 static DibHandle EdgeTraceAndFattenKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from || from.view.bits != 1) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    for (int32_t y = 0; y < from.view.height; y++) TraceRow(to.view, from.view, y, context->FilterEdgeTraceFatten != 0);
-    to.Unlock();
-    return result.Release();
+    PixelPass pass(source);
+    if (!pass || pass.from.view.bits != 1) return nullptr;
+    for (int32_t y = 0; y < pass.from.view.height; y++)
+        TraceRow(pass.to.view, pass.from.view, y, context->FilterEdgeTraceFatten != 0);
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kEdgeTraceAndFatten = MakeSlots<kPage>(EdgeTraceAndFattenKernel);

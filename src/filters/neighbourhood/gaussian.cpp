@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "filters/neighbourhood/taps.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -169,38 +170,35 @@ static bool BlurColumnsThroughPixels(void *image, const double *kernel, int32_t 
 
 /// `channels` is the number of bytes a pixel to blur, 0 for a copy.
 static DibHandle Blur(DibHandle source, double radius, double sigma, int32_t channels) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    const ptrdiff_t pixelBytes = std::min(from.view.stride, to.view.stride) * from.view.height;
-    std::memcpy(to.view.bottom, from.view.bottom, static_cast<size_t>(pixelBytes));
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    const ptrdiff_t shorter = std::min(from.stride, to.stride);
+    std::memcpy(to.bottom, from.bottom, static_cast<size_t>(shorter * from.height));
 
     if (channels > 0) {
         const double nominal = 2.0 * std::ceil(radius) + 1.0;
-        const int32_t side = std::min(from.view.width, from.view.height);
+        const int32_t side = std::min(from.width, from.height);
         BlurKernel kernel;
         const int32_t width =
             BuildGaussianKernel(nominal < side ? static_cast<int32_t>(nominal) : side, sigma, &kernel);
         const double *weights = kernel->data;
         // Depths whose rows are too short for a line of this many bytes a pixel keep their rows.
-        const ptrdiff_t lineBytes = static_cast<ptrdiff_t>(from.view.width) * channels;
-        if (lineBytes <= std::min(from.view.stride, to.view.stride)) {
-            for (int32_t y = 0; y < from.view.height; y++) {
+        const ptrdiff_t lineBytes = static_cast<ptrdiff_t>(from.width) * channels;
+        if (lineBytes <= shorter) {
+            for (int32_t y = 0; y < from.height; y++) {
                 if (channels == 3)
-                    BlurLineRgb(weights, width, from.view.Row(y), to.view.Row(y), from.view.width);
+                    BlurLineRgb(weights, width, from.Row(y), to.Row(y), from.width);
                 else
-                    BlurLineGrey(weights, width, from.view.Row(y), to.view.Row(y), from.view.width);
+                    BlurLineGrey(weights, width, from.Row(y), to.Row(y), from.width);
             }
         }
-        const bool plainBytes = width > 0 && to.view.bits == from.view.bits && to.view.bits == 8u * channels;
-        if (!(plainBytes ? BlurColumns(to.view, weights, width)
-                         : BlurColumnsThroughPixels(to.image, weights, width, channels)))
+        const bool plainBytes = width > 0 && to.bits == from.bits && to.bits == 8u * channels;
+        if (!(plainBytes ? BlurColumns(to, weights, width)
+                         : BlurColumnsThroughPixels(pass.to.image, weights, width, channels)))
             return nullptr;
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle GaussianBlurKernelRun(DibHandle source, const FilterContext *context) {

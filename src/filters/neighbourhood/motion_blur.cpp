@@ -7,6 +7,7 @@
 #include "engine/slots.h"
 #include "filters/neighbourhood/gaussian.h"
 #include "filters/neighbourhood/taps.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -103,11 +104,8 @@ static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &k
 }
 
 static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
 
     const int32_t radius = context->FilterMotionBlurRadius;
     const double sigma = context->FilterMotionBlurSigma;
@@ -119,12 +117,11 @@ static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
     if (!shifts) return nullptr;
     FillShifts(&shifts, taps, context->FilterMotionBlurAngle);
 
-    if (from.view.bits != 24)
-        BlurThroughPixels(to.image, from, kernel, shifts.data, taps, context->paperColor);
-    else if (!BlurRows(to.view, from.view, kernel, shifts.data, taps, context->paperColor))
+    if (pass.from.view.bits != 24)
+        BlurThroughPixels(pass.to.image, pass.from, kernel, shifts.data, taps, context->paperColor);
+    else if (!BlurRows(pass.to.view, pass.from.view, kernel, shifts.data, taps, context->paperColor))
         return nullptr;
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kMotionBlur = MakeSlots<kPage>(MotionBlurKernel);

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "engine/slots.h"
+#include "image/pixel_pass.h"
 #include "image/resample.h"
 
 namespace lmf {
@@ -41,15 +42,12 @@ static uint32_t EdgeAt(const DibLock &from, int32_t x, int32_t y) {
 }
 
 static DibHandle FindEdges(DibHandle picture) {
-    DibLock from(picture);
-    if (!from) return nullptr;
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    for (int32_t y = 0; y < from.view.height; y++)
-        for (int32_t x = 0; x < from.view.width; x++) DibSetPixel(to.image, x, y, EdgeAt(from, x, y));
-    to.Unlock();
-    return result.Release();
+    PixelPass pass(picture);
+    if (!pass) return nullptr;
+    const DibView &view = pass.from.view;
+    for (int32_t y = 0; y < view.height; y++)
+        for (int32_t x = 0; x < view.width; x++) DibSetPixel(pass.to.image, x, y, EdgeAt(pass.from, x, y));
+    return pass.Finish();
 }
 
 DibHandle NeonKernel(DibHandle source, FilterContext *) {

@@ -2,11 +2,12 @@
 // is turned during the exposure. "Angle" is the length of the arc in degrees. The samples come from the picture being
 // written: rows above and pixels to the left are already blurred, which is part of the look.
 #include <cmath>
-#include <cstring>
 
 #include "engine/slots.h"
 #include "filters/neighbourhood/pixel_sum.h"
+#include "image/dib_ops.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -16,11 +17,25 @@ static constexpr PageControl kPage[] = {
 
 /// The arc in numbers that the whole picture shares. Lengths are in pixels.
 struct Arc {
-    double cx, cy;         ///< middle of the picture
-    double radius;         ///< from the middle to a corner
-    int32_t samples;       ///< on the whole arc, at least 2
-    const double *cosines; ///< of each sample's angle
-    const double *sines;
+    double cx, cy;                     ///< middle of the picture
+    double radius;                     ///< from the middle to a corner
+    int32_t samples;                   ///< on the whole arc, at least 2
+    BlockArray<double> cosines, sines; ///< of each sample's angle
+
+    Arc(const DibView &view, double angle)
+        : cx(view.width * 0.5), cy(view.height * 0.5), radius(std::sqrt(cx * cx + cy * cy)),
+          samples(std::max(static_cast<int32_t>(std::abs(std::sqrt(radius) * (angle * 4.0) + 2.0)), 2)),
+          cosines(static_cast<uint64_t>(samples)), sines(static_cast<uint64_t>(samples)) {
+        if (!*this) return;
+        const double theta = angle / (samples - 1);
+        for (int32_t i = 0; i < samples; i++) {
+            const double phi = i * theta - (samples - 1) * theta * 0.5;
+            cosines[i] = std::cos(phi);
+            sines[i] = std::sin(phi);
+        }
+    }
+    /// Was there memory for its tables?
+    explicit operator bool() const { return cosines && sines; }
 };
 
 /// How many samples of the arc are passed over each time at these places: all are taken far out, few near the middle.
@@ -124,40 +139,18 @@ static void BlurRows(const DibView &view, const Arc &arc, Color paper) {
 }
 
 static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreateLike(from, width, height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    for (int32_t y = 0; y < height; y++) {
-        if (from.view.bits == 24)
-            std::memcpy(to.view.Row(y), from.view.Row(y), static_cast<size_t>(width) * 3);
-        else
-            for (int32_t x = 0; x < width; x++) DibSetPixel(to.image, x, y, DibGetPixel(from.image, x, y));
-    }
-
-    const double angle = context->FilterRadialBlurAngle * 3.141592653589793 / 180;
-    const double cx = width * 0.5, cy = height * 0.5;
-    const double radius = std::sqrt(cx * cx + cy * cy);
-    const int32_t samples = std::max(static_cast<int32_t>(std::abs(std::sqrt(radius) * (angle * 4.0) + 2.0)), 2);
-    const double theta = angle / (samples - 1);
-    BlockArray<double> cosines(static_cast<uint64_t>(samples)), sines(static_cast<uint64_t>(samples));
-    if (!cosines || !sines) return nullptr;
-    for (int32_t i = 0; i < samples; i++) {
-        const double phi = i * theta - (samples - 1) * theta * 0.5;
-        cosines[i] = std::cos(phi);
-        sines[i] = std::sin(phi);
-    }
-
-    const Arc arc = {cx, cy, radius, samples, cosines.data, sines.data};
-    const bool smallEnough = to.view.stride * height <= INT32_MAX && samples <= kMostPixelsOfSum;
-    if (to.view.bits == 24 && smallEnough)
-        BlurRows(to.view, arc, context->paperColor);
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const DibView &to = pass.to.view;
+    const Arc arc(to, context->FilterRadialBlurAngle * 3.141592653589793 / 180);
+    if (!arc) return nullptr;
+    DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, to.width, to.height);
+    const bool smallEnough = to.stride * to.height <= INT32_MAX && arc.samples <= kMostPixelsOfSum;
+    if (to.bits == 24 && smallEnough)
+        BlurRows(to, arc, context->paperColor);
     else
-        BlurThroughPixels(to.image, arc, context->paperColor);
-    to.Unlock();
-    return result.Release();
+        BlurThroughPixels(pass.to.image, arc, context->paperColor);
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kRadialBlur = MakeSlots<kPage>(RadialBlurKernel);

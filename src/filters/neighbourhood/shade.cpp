@@ -6,6 +6,7 @@
 
 #include "engine/slots.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -120,20 +121,16 @@ static bool ShadePicture(const DibLock &to, const DibLock &from, const LightVect
 }
 
 static DibHandle ShadeKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
     // A relief takes three rows.
-    if (from.view.height < 3) return DibClone(source);
-    DibOwner result(DibCreateLike(from, from.view.width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    if (pass.from.view.height < 3) return DibClone(source);
     const double azimuth = context->FilterShadeAzimuth * std::numbers::pi / 180;
     const double elevation = context->FilterShadeElevation * std::numbers::pi / 180;
     const LightVector light{255 * std::cos(azimuth) * std::cos(elevation),
                             255 * std::sin(azimuth) * std::cos(elevation), 255 * std::sin(elevation)};
-    if (!ShadePicture(to, from, light, context->FilterShadeLevel != 0)) return nullptr;
-    to.Unlock();
-    return result.Release();
+    if (!ShadePicture(pass.to, pass.from, light, context->FilterShadeLevel != 0)) return nullptr;
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kShade = MakeSlots<kPage>(ShadeKernel);

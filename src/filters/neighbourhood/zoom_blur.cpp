@@ -4,6 +4,7 @@
 #include "engine/slots.h"
 #include "filters/neighbourhood/pixel_sum.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -73,12 +74,10 @@ static void BlurRow(uint8_t *to, int32_t width, const uint8_t *const *sampleRows
 }
 
 static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreateLike(from, width, height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source);
+    if (!pass) return nullptr;
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    const int32_t width = from.width, height = from.height;
 
     // The pixel itself is always a sample.
     const int32_t cycles = std::max(context->FilterZoomBlurCycles, 1);
@@ -88,18 +87,17 @@ static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
     FillSamples(&columns, width, cycles, step);
     FillSamples(&rows, height, cycles, step);
 
-    if (from.view.bits == 24 && cycles <= kMostPixelsOfSum) {
+    if (from.bits == 24 && cycles <= kMostPixelsOfSum) {
         const uint8_t *sampleRows[kMostPixelsOfSum];
         for (int32_t y = 0; y < height; y++) {
             for (int32_t i = 0; i < rows.inside[y]; i++)
-                sampleRows[i] = from.view.Row(rows.at[static_cast<int64_t>(y) * cycles + i]);
-            BlurRow(to.view.Row(y), width, sampleRows, rows.inside[y], columns.at.data, columns.inside.data, cycles);
+                sampleRows[i] = from.Row(rows.at[static_cast<int64_t>(y) * cycles + i]);
+            BlurRow(to.Row(y), width, sampleRows, rows.inside[y], columns.at.data, columns.inside.data, cycles);
         }
     } else {
-        BlurThroughPixels(to.image, from, columns, rows, cycles);
+        BlurThroughPixels(pass.to.image, pass.from, columns, rows, cycles);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kZoomBlur = MakeSlots<kPage>(ZoomBlurKernel);

@@ -6,7 +6,7 @@
 #include "common/random.h"
 #include "engine/slots.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

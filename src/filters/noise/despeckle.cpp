@@ -7,7 +7,7 @@
 #include "engine/slots.h"
 #include "filters/noise/bgr_rows.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

@@ -11,7 +11,7 @@
 #include "filters/noise/byte_network.h"
 #include "filters/noise/window_width.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

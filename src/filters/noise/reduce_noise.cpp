@@ -10,7 +10,7 @@
 #include "filters/noise/byte_network.h"
 #include "filters/noise/window_width.h"
 #include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 

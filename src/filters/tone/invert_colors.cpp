@@ -14,26 +14,23 @@ static void InvertBytes(uint8_t *__restrict to, const uint8_t *__restrict from, 
     for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(~from[i]);
 }
 
-static DibHandle InvertPalette(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
+/// Copies the pixels and inverts the palette that they go through.
+static void InvertPalette(const PixelPass &pass) {
     Palette768 palette;
-    const uint32_t entries = DibReadPalette(from.image, &palette);
-    InvertBytes(palette.rgb, Palette768(palette).rgb, entries * 3);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, from.view.bits));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    const auto bytes = static_cast<size_t>(std::min(to.view.stride, from.view.stride));
-    for (int32_t y = 0; y < from.view.height; y++) std::memcpy(to.view.MemoryRow(y), from.view.MemoryRow(y), bytes);
-    to.Unlock();
-    return result.Release();
+    const uint32_t entries = DibReadPalette(pass.from.image, &palette);
+    for (uint32_t i = 0; i < entries * 3; i++) palette.rgb[i] = static_cast<uint8_t>(~palette.rgb[i]);
+    DibWritePalette(pass.to.image, palette);
+    const DibView &from = pass.from.view, &to = pass.to.view;
+    const auto bytes = static_cast<size_t>(std::min(to.stride, from.stride));
+    for (int32_t y = 0; y < from.height; y++) std::memcpy(to.MemoryRow(y), from.MemoryRow(y), bytes);
 }
 
 static DibHandle InvertColorsKernel(DibHandle source, FilterContext *context) {
-    if (context->mode == kModePalette || context->mode == kModeMono) return InvertPalette(source);
     PixelPass pass(source);
     if (!pass) return nullptr;
-    if (context->mode == kModeGrey)
+    if (context->mode == kModePalette || context->mode == kModeMono)
+        InvertPalette(pass);
+    else if (context->mode == kModeGrey)
         MapPixels(pass, [](Color value) { return value ^ 0xFF; });
     else
         MapColors(pass, [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
