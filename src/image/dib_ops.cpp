@@ -218,7 +218,12 @@ DibHandle DibToGrey(DibHandle source) {
     return result.Release();
 }
 
-static DibHandle ToRgbThrough(const DibLock &from, const Palette768 &palette) {
+static DibHandle ToRgb(DibHandle source, bool plainMono) {
+    DibLock from(source);
+    if (!from) return nullptr;
+    Palette768 palette;
+    DibReadPalette(from.image, &palette);
+    if (plainMono && from.view.bits == 1) palette = kBlackAndWhite;
     DibOwner result(DibCreate(from.view.width, from.view.height, nullptr, 24));
     DibLock to(result.handle);
     if (!to) return nullptr;
@@ -228,20 +233,11 @@ static DibHandle ToRgbThrough(const DibLock &from, const Palette768 &palette) {
 }
 
 DibHandle DibToRgb(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    if (from.view.bits == 1) palette = kBlackAndWhite;
-    return ToRgbThrough(from, palette);
+    return ToRgb(source, true);
 }
 
 DibHandle ExpandToRgb(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    Palette768 palette;
-    DibReadPalette(from.image, &palette);
-    return ToRgbThrough(from, palette);
+    return ToRgb(source, false);
 }
 
 DibHandle DibAlphaToGrey(DibHandle source) {
