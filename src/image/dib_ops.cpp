@@ -185,12 +185,10 @@ static Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
 }
 
 DibHandle DibToGrey(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source, 8, &GreyRamp());
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width;
-    DibOwner result(DibCreateGrey(width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
     for (int32_t y = 0; y < from.view.height; y++) {
@@ -214,22 +212,18 @@ DibHandle DibToGrey(DibHandle source) {
             }
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 static DibHandle ToRgb(DibHandle source, bool plainMono) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source, 24, nullptr);
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     Palette768 palette;
     DibReadPalette(from.image, &palette);
     if (plainMono && from.view.bits == 1) palette = kBlackAndWhite;
-    DibOwner result(DibCreate(from.view.width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++) ReadRgbRow(to.view.MemoryRow(y), from, palette, y);
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibToRgb(DibHandle source) {
@@ -241,12 +235,10 @@ DibHandle ExpandToRgb(DibHandle source) {
 }
 
 DibHandle DibAlphaToGrey(DibHandle source) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source, 8, &GreyRamp());
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width;
-    DibOwner result(DibCreateGrey(width, from.view.height));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++) {
         const uint8_t *fromRow = from.view.Row(y);
         uint8_t *row = to.view.Row(y);
@@ -256,17 +248,14 @@ DibHandle DibAlphaToGrey(DibHandle source) {
             for (int32_t x = 0; x < width; x++) row[x] = AlphaOf(DibGetPixel(from.image, x, y));
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibFlattenOnColor(DibHandle source, Color background) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source, 24, nullptr);
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width;
-    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++) {
         uint8_t *row = to.view.Row(y);
         if (from.view.bits == 32) {
@@ -278,8 +267,7 @@ DibHandle DibFlattenOnColor(DibHandle source, Color background) {
             StoreBgr(row + static_cast<ptrdiff_t>(x) * 3, MixColorBytes(background, value, AlphaOf(value)));
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibFlattenOnPaper(DibHandle source, Color) {
@@ -289,13 +277,13 @@ DibHandle DibFlattenOnPaper(DibHandle source, Color) {
 }
 
 DibHandle DibTintByMask(DibHandle source, DibHandle mask, Color color) {
-    DibLock from(source), maskLock(mask);
-    if (!from || !maskLock || from.view.bits != 24) return nullptr;
+    PixelPass pass(source, 24, nullptr);
+    DibLock maskLock(mask);
+    if (!pass || !maskLock || pass.from.view.bits != 24) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width;
-    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
     BlockArray<uint8_t> weights(static_cast<uint64_t>(width));
-    if (!to || !weights) return nullptr;
+    if (!weights) return nullptr;
     for (int32_t y = 0; y < from.view.height; y++) {
         const uint8_t *maskRow = weights.data;
         if (maskLock.view.bits == 8 && maskLock.view.width >= width && y < maskLock.view.height) {
@@ -305,17 +293,14 @@ DibHandle DibTintByMask(DibHandle source, DibHandle mask, Color color) {
         }
         TintRow(to.view.Row(y), from.view.Row(y), maskRow, width, color);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibColorize(DibHandle source, Color level0, Color level255) {
-    DibLock from(source);
-    if (!from) return nullptr;
+    PixelPass pass(source, 24, nullptr);
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width;
-    DibOwner result(DibCreate(width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
     Color ramp[256];
     for (uint32_t i = 0; i < 256; i++) ramp[i] = MixColorBytes(level0, level255, static_cast<uint8_t>(i));
     for (int32_t y = 0; y < from.view.height; y++) {
@@ -328,8 +313,7 @@ DibHandle DibColorize(DibHandle source, Color level0, Color level255) {
                 StoreBgr(row + static_cast<ptrdiff_t>(x) * 3, ramp[DibGetPixel(from.image, x, y) & 255]);
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibAdjustHsv(DibHandle source, float hueOffset, float saturationScale, float valueScale) {

@@ -6,6 +6,7 @@
 #include "image/multiversion.h"
 #include "image/nearest_color.h"
 #include "image/palette.h"
+#include "image/pixel_pass.h"
 #include "image/rows.h"
 
 namespace lmf {
@@ -231,15 +232,15 @@ static void RemapColorRow(const uint8_t *bgr, int32_t width, NearestFinder *find
 }
 
 DibHandle RemapNearest(DibHandle picture, const Palette768 &palette, uint32_t bits) {
-    DibLock from(picture);
-    if (!from || bits < 1 || bits > 8) return nullptr;
+    if (bits < 1 || bits > 8) return nullptr;
+    PixelPass pass(picture, bits, &palette);
+    if (!pass) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreate(width, height, &palette, bits));
-    DibLock to(result.handle);
     RgbRows rows(from);
     NearestFinder finder(palette, 1 << bits);
     BlockArray<uint8_t> grey(static_cast<uint64_t>(width)), indexes(static_cast<uint64_t>(width) + 7);
-    if (!to || !rows || !finder || !grey || !indexes) return nullptr;
+    if (!rows || !finder || !grey || !indexes) return nullptr;
     uint8_t map[256] = {};
     if (from.view.bits <= 8) MapIndexes(from, palette, bits, map);
     for (int32_t y = 0; y < height; y++) {
@@ -253,28 +254,25 @@ DibHandle RemapNearest(DibHandle picture, const Palette768 &palette, uint32_t bi
         }
         StoreIndexes(to.view, y, indexes.data);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle ThresholdToMono(DibHandle picture, int32_t threshold) {
     uint32_t bits = 0;
     if (!DibInfo(picture, nullptr, nullptr, &bits, nullptr) || bits == 1) return nullptr;
     DibOwner greyPicture(DibToGrey(picture));
-    DibLock grey(greyPicture.handle);
-    if (!grey) return nullptr;
-    const int32_t width = grey.view.width;
-    DibOwner result(DibCreate(width, grey.view.height, &kBlackAndWhite, 1));
-    DibLock to(result.handle);
+    PixelPass pass(greyPicture.handle, 1, &kBlackAndWhite);
+    if (!pass) return nullptr;
+    const DibView &grey = pass.from.view;
+    const int32_t width = grey.width;
     BlockArray<uint8_t> flags(static_cast<uint64_t>(width) + 7);
-    if (!to || !flags) return nullptr;
+    if (!flags) return nullptr;
     const auto level = static_cast<int16_t>(std::clamp(threshold, -1, 255));
-    for (int32_t y = 0; y < grey.view.height; y++) {
-        FlagAbove(flags.data, grey.view.MemoryRow(y), width, level);
-        PackMonoRow(to.view.MemoryRow(y), flags.data, width);
+    for (int32_t y = 0; y < grey.height; y++) {
+        FlagAbove(flags.data, grey.MemoryRow(y), width, level);
+        PackMonoRow(pass.to.view.MemoryRow(y), flags.data, width);
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 } // namespace lmf

@@ -1,5 +1,6 @@
 #include "image/dither.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 #include "image/rows.h"
 
 namespace lmf {
@@ -66,19 +67,16 @@ static void Rgb332Row(uint8_t *__restrict indexes, const uint8_t *__restrict bgr
 template <typename MakeRow>
 static DibHandle DitherRows(DibHandle picture, const Palette768 &palette, uint32_t bits, bool transposed,
                             MakeRow makeRow) {
-    DibLock from(picture);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    DibOwner result(DibCreate(width, height, &palette, bits));
-    DibLock to(result.handle);
-    RgbRows rows(from);
+    PixelPass pass(picture, bits, &palette);
+    if (!pass) return nullptr;
+    const int32_t width = pass.from.view.width, height = pass.from.view.height;
+    RgbRows rows(pass.from);
     const ThresholdRows thresholds(width, transposed);
     BlockArray<uint8_t> scratch(static_cast<uint64_t>(width) + 7);
-    if (!to || !rows || !thresholds.thresholds || !scratch) return nullptr;
+    if (!rows || !thresholds.thresholds || !scratch) return nullptr;
     for (int32_t y = 0; y < height; y++)
-        makeRow(to.view.MemoryRow(y), rows.MemoryRow(y), thresholds.Row(height - 1 - y), scratch.data, width);
-    to.Unlock();
-    return result.Release();
+        makeRow(pass.to.view.MemoryRow(y), rows.MemoryRow(y), thresholds.Row(height - 1 - y), scratch.data, width);
+    return pass.Finish();
 }
 
 DibHandle BayerMono(DibHandle picture) {

@@ -12,6 +12,10 @@ static DibHandle MakeResult(const DibLock &from, ResultPalette kind) {
 PixelPass::PixelPass(DibHandle source, ResultPalette palette)
     : from(source), result(MakeResult(from, palette)), to(result.handle) {}
 
+PixelPass::PixelPass(DibHandle source, uint32_t depth, const Palette768 *palette)
+    : from(source), result(from ? DibCreate(from.view.width, from.view.height, palette, depth) : nullptr),
+      to(result.handle) {}
+
 DibHandle PixelPass::Finish() {
     from.Unlock();
     to.Unlock();

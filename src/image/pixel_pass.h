@@ -1,4 +1,4 @@
-// The frame of a filter whose result has the size and depth of its source.
+// The frame of a filter whose result has the size of its source.
 #pragma once
 
 #include "image/dib.h"
@@ -10,14 +10,17 @@ enum class ResultPalette : uint8_t {
     Black     ///< all entries 0
 };
 
-/// A locked source and the blank picture of its size and depth that becomes the result.
+/// A locked source and the blank picture of its size that becomes the result; false where the source cannot be locked
+/// or the result cannot be made.
 struct PixelPass {
     DibLock from;
     DibOwner result;
     DibLock to;
 
-    /// False afterwards where the source cannot be locked or the result cannot be made.
+    /// The result has the source's depth.
     explicit PixelPass(DibHandle source, ResultPalette palette = ResultPalette::OfSource);
+    /// The result has the depth and the palette that DibCreate makes of these.
+    PixelPass(DibHandle source, uint32_t depth, const Palette768 *palette);
 
     explicit operator bool() const { return static_cast<bool>(to); }
     /// Ends both locks and gives the result to the caller.

@@ -1,9 +1,9 @@
 // Remove Alpha: lays the picture over the paper colour by its second picture, 255 for opaque, and drops that. Where
 // the second picture is smaller, the picture counts as opaque. There are no settings.
 #include "engine/slots.h"
-#include "image/dib.h"
 #include "image/div255.h"
 #include "image/multiversion.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -33,11 +33,10 @@ static void LayPixelsOverPaper(const DibLock &to, const DibLock &from, const Dib
 }
 
 static DibHandle RemoveAlphaKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source), alpha(context->second);
-    if (!from || !alpha) return nullptr;
-    DibOwner result(DibCreate(from.view.width, from.view.height, nullptr, 24));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source, 24, nullptr);
+    DibLock alpha(context->second);
+    if (!pass || !alpha) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     const bool plainBytes = from.view.bits == 24 && alpha.view.bits == 8 && alpha.view.width >= from.view.width &&
                             alpha.view.height >= from.view.height;
     for (int32_t y = 0; y < from.view.height; y++) {
@@ -48,8 +47,7 @@ static DibHandle RemoveAlphaKernel(DibHandle source, FilterContext *context) {
     }
     BlockFree(context->secondResult);
     context->secondResult = nullptr;
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kRemoveAlpha = MakeSlots(RemoveAlphaKernel);

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "engine/slots.h"
-#include "image/dib.h"
+#include "image/pixel_pass.h"
 
 namespace lmf {
 
@@ -41,13 +41,12 @@ static int32_t PlaneValue(Color pixel, int32_t mode, int32_t removePercent) {
 }
 
 static DibHandle SplitChannelsKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source), second(context->second);
-    if (!from || (context->second != nullptr && !second)) return nullptr;
     const int32_t mode = std::clamp(context->FilterSplitMode, 0, static_cast<int32_t>(kAlpha));
     const Palette768 palette = PlanePalette(mode, context->FilterSplitTint != 0);
-    DibOwner result(DibCreate(from.view.width, from.view.height, &palette, 8));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
+    PixelPass pass(source, 8, &palette);
+    DibLock second(context->second);
+    if (!pass || (context->second != nullptr && !second)) return nullptr;
+    const DibLock &from = pass.from, &to = pass.to;
     for (int32_t y = 0; y < from.view.height; y++) {
         uint8_t *plane = to.view.Row(y);
         for (int32_t x = 0; x < from.view.width; x++) {
@@ -58,8 +57,7 @@ static DibHandle SplitChannelsKernel(DibHandle source, FilterContext *context) {
                 plane[x] = static_cast<uint8_t>(DibGetPixel(second.image, x, y));
         }
     }
-    to.Unlock();
-    return result.Release();
+    return pass.Finish();
 }
 
 extern constexpr FilterSlots kSplitChannels = MakeSlots<kPage>(SplitChannelsKernel);
