@@ -3,6 +3,7 @@
 // slowly it fades. Where the trail leaves the picture it meets the paper colour.
 #include <cmath>
 #include <cstring>
+#include <numbers>
 
 #include "engine/slots.h"
 #include "filters/neighbourhood/gaussian.h"
@@ -34,7 +35,7 @@ struct Shift {
 
 /// Where each weight takes its sample, on a line of `width` pixels in the direction of `degrees`.
 static void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees) {
-    const double angle = degrees * 3.141592653589793 / 180;
+    const double angle = degrees * std::numbers::pi / 180;
     const auto ox = static_cast<int32_t>(std::sin(angle) * width);
     const auto oy = static_cast<int32_t>(std::cos(angle) * width);
     const double length = std::sqrt(static_cast<double>(ox) * ox + static_cast<double>(oy) * oy);

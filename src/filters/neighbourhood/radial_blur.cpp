@@ -2,6 +2,7 @@
 // is turned during the exposure. "Angle" is the length of the arc in degrees. The samples come from the picture being
 // written: rows above and pixels to the left are already blurred, which is part of the look.
 #include <cmath>
+#include <numbers>
 
 #include "engine/slots.h"
 #include "filters/neighbourhood/pixel_sum.h"
@@ -142,7 +143,7 @@ static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     const DibView &to = pass.to.view;
-    const Arc arc(to, context->FilterRadialBlurAngle * 3.141592653589793 / 180);
+    const Arc arc(to, context->FilterRadialBlurAngle * std::numbers::pi / 180);
     if (!arc) return nullptr;
     DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, to.width, to.height);
     const bool smallEnough = to.stride * to.height <= INT32_MAX && arc.samples <= kMostPixelsOfSum;
