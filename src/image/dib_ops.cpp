@@ -113,7 +113,6 @@ int32_t DibFillRect(void *image, int32_t x, int32_t y, int32_t width, int32_t he
 
 int32_t DibFrameRect(void *image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
                      int32_t thickness) {
-    if (width < 1 || height < 1 || thickness < 1) return 1;
     // Each edge is a bar of its own; a frame thicker than the box passes the opposite edge.
     const int64_t far = thickness;
     FillClipped(image, x, y, far, height, value);
