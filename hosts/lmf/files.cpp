@@ -142,7 +142,8 @@ PrivateFolder::~PrivateFolder() {
 
 bool PrivateFolder::Make(Report &report) {
     const char *base = std::getenv("TMPDIR");
-    path = std::string(base && *base ? base : "/tmp") + "/lmf-XXXXXX";
+    std::error_code error;
+    path = std::filesystem::absolute(base && *base ? base : "/tmp", error).string() + "/lmf-XXXXXX";
     if (mkdtemp(path.data())) {
         Remember(gPrivateFolder, path);
         return true;
@@ -162,13 +163,6 @@ void CleanUpOnSignals() {
 bool FileExists(const std::string &path) {
     struct stat state;
     return lstat(path.c_str(), &state) == 0;
-}
-
-bool SameFile(const std::string &a, const std::string &b) {
-    struct stat first;
-    struct stat second;
-    return stat(a.c_str(), &first) == 0 && stat(b.c_str(), &second) == 0 && first.st_dev == second.st_dev &&
-           first.st_ino == second.st_ino;
 }
 
 bool MakeFolders(const std::string &path, Report &report) {

@@ -31,7 +31,7 @@ struct OutputFile {
 
 /// A folder of this run's own, removed with all that is in it.
 struct PrivateFolder {
-    std::string path;
+    std::string path; // absolute: the library passes over a settings folder that is not
 
     PrivateFolder() = default;
     PrivateFolder(const PrivateFolder &) = delete;
@@ -46,9 +46,6 @@ void CleanUpOnSignals();
 
 /// Whether a file of this name exists, of whatever kind.
 [[nodiscard]] bool FileExists(const std::string &path);
-
-/// Whether the two names lead to the same file.
-[[nodiscard]] bool SameFile(const std::string &a, const std::string &b);
 
 /// Makes a folder and those above it. A folder that is there already is fine.
 [[nodiscard]] bool MakeFolders(const std::string &path, Report &report);

@@ -13,6 +13,7 @@ namespace lmf::host {
 namespace {
 
 constexpr char kFolderName[] = "Quillon Works";
+constexpr size_t kLongestPath = 260; // a longer one counts as absent for the library, which then takes its defaults
 constexpr size_t kLongestLine = 258; // the library reads lines of up to 259 bytes, line end included
 
 // The characters that code page 1252 has at 0x80 to 0x9F; 0 marks the unused places.
@@ -212,8 +213,9 @@ bool InstallIni(const PrivateFolder &folder, const std::string &ini, Report &rep
     (void)symlink((config + "fontconfig").c_str(), (folder.path + "/fontconfig").c_str());
 
     const std::string inside = folder.path + "/" + kFolderName;
-    if (mkdir(inside.c_str(), 0700) != 0) return report.Fail(inside + ": " + SystemError());
     const std::string path = inside + "/LmfFiltrBatch.ini";
+    if (path.size() > kLongestPath) return report.Fail(path + ": too long a name for the library; set TMPDIR");
+    if (mkdir(inside.c_str(), 0700) != 0) return report.Fail(inside + ": " + SystemError());
     std::FILE *file = std::fopen(path.c_str(), "wbe");
     if (!file) return report.Fail(path + ": " + SystemError());
     const bool written = std::fwrite(ini.data(), 1, ini.size(), file) == ini.size();
@@ -225,7 +227,7 @@ bool InstallIni(const PrivateFolder &folder, const std::string &ini, Report &rep
 std::string UserIniPath() {
     const char *config = std::getenv("XDG_CONFIG_HOME");
     const char *home = std::getenv("HOME");
-    const std::string folder = config && *config ? config : std::string(home ? home : "") + "/.config";
+    const std::string folder = config && *config == '/' ? config : std::string(home ? home : "") + "/.config";
     return folder + (folder.ends_with('/') ? "" : "/") + kFolderName + "/LmfFiltr.ini";
 }
 
