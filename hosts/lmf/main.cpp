@@ -26,6 +26,12 @@ std::string Padded(std::string text, size_t width) {
     return text;
 }
 
+// Points to the help of the command whose usage line is the app's name: "lmf apply FILTER IN OUT".
+std::string HelpHint(const CLI::App &app) {
+    const std::string usage = app.get_name();
+    return ". See " + usage.substr(0, usage.find(' ', usage.find(' ') + 1)) + " --help";
+}
+
 // Reads the options of a command. What is no option is left in `rest` byte for byte: names of files pass no parser.
 // Gives true to go on; otherwise the program ends with `exitCode`.
 bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exitCode) {
@@ -39,7 +45,7 @@ bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exit
         if (help) {
             Print(app.help());
         } else {
-            Complain(std::string(error.what()) + ". See " + app.get_name() + " --help");
+            Complain(error.what() + HelpHint(app));
         }
         return false;
     }
@@ -48,7 +54,7 @@ bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exit
         if (!optionsEnded && argument == "--") {
             optionsEnded = true;
         } else if (!optionsEnded && argument.size() > 1 && argument[0] == '-') {
-            Complain("there is no option " + Printable(argument) + ". See " + app.get_name() + " --help");
+            Complain("there is no option " + Printable(argument) + HelpHint(app));
             exitCode = kUsage;
             return false;
         } else {
@@ -365,6 +371,7 @@ int Run(const Arguments &arguments) {
 int main(int count, char **arguments) {
     const int exitCode = lmf::host::Run({arguments + 1, arguments + count});
     // Output that could not be printed, on a full disk say, is a failure too.
-    if (std::fflush(stdout) != 0 && exitCode == lmf::host::kDone) return lmf::host::kUnwritable;
+    const bool printed = std::fflush(stdout) == 0 && !std::ferror(stdout);
+    if (!printed && exitCode == lmf::host::kDone) return lmf::host::kUnwritable;
     return exitCode;
 }
