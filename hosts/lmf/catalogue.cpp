@@ -36,18 +36,48 @@ size_t Distance(const std::string &a, const std::string &b) {
     return row.back();
 }
 
-// The part that all keys of the filter begin with, so that "FilterGaussianRadius" can be given as "Radius".
-std::string CommonPrefix(const Json &filter) {
-    std::string prefix;
-    bool first = true;
-    for (const Json &setting : filter["settings"]) {
-        const auto &key = setting["key"].get_ref<const std::string &>();
-        if (first) prefix = key;
-        first = false;
-        size_t equal = 0;
-        while (equal < prefix.size() && equal < key.size() && Lower(prefix[equal]) == Lower(key[equal])) ++equal;
-        prefix.resize(equal);
+bool StartsWord(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+// The closest of the names, the best first and at most three; none if nothing is near.
+std::vector<std::string> ClosestNames(std::string_view wanted, const std::vector<std::string> &names) {
+    const std::string lowered = Lowered(wanted);
+    std::vector<std::pair<size_t, std::string>> near;
+    for (const std::string &name : names) {
+        const std::string candidate = Lowered(name);
+        // The whole name, or one of its words, which counts a little less.
+        size_t distance = Distance(lowered, candidate);
+        bool close = distance <= std::max<size_t>(2, candidate.size() / 4);
+        for (size_t start = 0; start < candidate.size() && !close;) {
+            const size_t end = std::min(candidate.find(' ', start), candidate.size());
+            const std::string word = candidate.substr(start, end - start);
+            distance = Distance(lowered, word) + 1;
+            close = word.size() > 3 && distance <= 1 + word.size() / 3;
+            start = end + 1;
+        }
+        if (!close && lowered.size() >= 3 && candidate.find(lowered) != std::string::npos) {
+            distance = candidate.size();
+            close = true;
+        }
+        if (close) near.emplace_back(distance, name);
     }
+    std::stable_sort(near.begin(), near.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
+    std::vector<std::string> closest;
+    for (size_t i = 0; i < near.size() && i < 3; ++i) closest.push_back(near[i].second);
+    return closest;
+}
+
+// The part that all keys of the filter begin with, so that "FilterGaussianRadius" can be given as "Radius".
+// It ends where a word of each key begins, so that something is left of every key.
+std::string CommonPrefix(const Json &filter) {
+    const Json &settings = filter["settings"];
+    std::string prefix = settings.empty() ? "" : settings[0]["key"].get<std::string>();
+    const auto opens = [&](const Json &setting) {
+        const auto &key = setting["key"].get_ref<const std::string &>();
+        return prefix.size() < key.size() && key.starts_with(prefix) && StartsWord(key[prefix.size()]);
+    };
+    while (!prefix.empty() && !std::all_of(settings.begin(), settings.end(), opens)) prefix.pop_back();
     return prefix;
 }
 
@@ -55,7 +85,7 @@ std::string CommonPrefix(const Json &filter) {
 std::vector<std::string> NamesLike(std::string_view wanted, std::vector<std::string> keys, const std::string &prefix) {
     constexpr std::string_view kStart = "Filter";
     if (EqualInAnyCase(wanted.substr(0, kStart.size()), kStart)) return keys;
-    for (std::string &key : keys) key.erase(0, prefix.size() < key.size() ? prefix.size() : kStart.size());
+    for (std::string &key : keys) key.erase(0, prefix.size());
     return keys;
 }
 
@@ -63,8 +93,7 @@ std::vector<std::string> NamesLike(std::string_view wanted, std::vector<std::str
 bool EndsInWords(const std::string &key, std::string_view wanted) {
     if (wanted.empty() || wanted.size() >= key.size()) return false;
     const size_t start = key.size() - wanted.size();
-    const bool word = (key[start] >= 'A' && key[start] <= 'Z') || (key[start] >= '0' && key[start] <= '9');
-    return word && EqualInAnyCase(std::string_view(key).substr(start), wanted);
+    return StartsWord(key[start]) && EqualInAnyCase(std::string_view(key).substr(start), wanted);
 }
 
 } // namespace
@@ -127,33 +156,6 @@ std::string AcceptedModes(const Json &filter) {
     std::string modes;
     for (const Json &mode : filter["accepts"]) modes += (modes.empty() ? "" : ", ") + mode.get<std::string>();
     return modes;
-}
-
-std::vector<std::string> ClosestNames(std::string_view wanted, const std::vector<std::string> &names) {
-    const std::string lowered = Lowered(wanted);
-    std::vector<std::pair<size_t, std::string>> near;
-    for (const std::string &name : names) {
-        const std::string candidate = Lowered(name);
-        // The whole name, or one of its words, which counts a little less.
-        size_t distance = Distance(lowered, candidate);
-        bool close = distance <= std::max<size_t>(2, candidate.size() / 4);
-        for (size_t start = 0; start < candidate.size() && !close;) {
-            const size_t end = std::min(candidate.find(' ', start), candidate.size());
-            const std::string word = candidate.substr(start, end - start);
-            distance = Distance(lowered, word) + 1;
-            close = word.size() > 3 && distance <= 1 + word.size() / 3;
-            start = end + 1;
-        }
-        if (!close && lowered.size() >= 3 && candidate.find(lowered) != std::string::npos) {
-            distance = candidate.size();
-            close = true;
-        }
-        if (close) near.emplace_back(distance, name);
-    }
-    std::stable_sort(near.begin(), near.end(), [](const auto &a, const auto &b) { return a.first < b.first; });
-    std::vector<std::string> closest;
-    for (size_t i = 0; i < near.size() && i < 3; ++i) closest.push_back(near[i].second);
-    return closest;
 }
 
 std::string Suggestion(std::string_view wanted, const std::vector<std::string> &names) {

@@ -30,10 +30,8 @@ const Json *FindSetting(const Json &filter, std::string_view key, Report &report
 /// Gives "true color, grey" and so on: the modes that the filter accepts.
 std::string AcceptedModes(const Json &filter);
 
-/// Gives the closest of the names, the best first and at most three; none if nothing is near.
-std::vector<std::string> ClosestNames(std::string_view wanted, const std::vector<std::string> &names);
-
-/// Gives "; did you mean A or B?", or nothing if no name is near.
+/// Ends the sentence that says that there is nothing of the name `wanted`: "; did you mean A or B?" with up to three of
+/// `names`, or a full stop if none is near.
 std::string Suggestion(std::string_view wanted, const std::vector<std::string> &names);
 
 /// Whether two texts are equal but for the case of the letters A to Z.

@@ -34,8 +34,7 @@ bool Library::Load(std::string path, Report &report) {
     void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());
     doImageFilter = reinterpret_cast<decltype(doImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
-    getCopyright = reinterpret_cast<decltype(getCopyright)>(dlsym(library, "LMF16FILTERGetCopyright"));
-    if (!doImageFilter || !getCopyright) return report.Fail(path + " is not the filter library");
+    if (!doImageFilter) return report.Fail(path + " is not the filter library");
     return true;
 }
 

@@ -11,7 +11,6 @@ namespace lmf::host {
 /// The loaded library. It stays loaded until the program ends.
 struct Library {
     decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
-    decltype(&LMF16FILTERGetCopyright) getCopyright = nullptr;
 
     /// Loads it from `path`; an empty path means the environment's LMF_LIBRARY or, without it, the `lib` folder
     /// beside this program's own.
