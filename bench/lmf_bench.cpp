@@ -77,10 +77,15 @@ double TimeCopy(DibHandle picture) {
 }
 
 bool SetParameter(FilterContext *context, const std::string &assignment) {
-    const size_t equals = assignment.find('=');
-    if (equals == std::string::npos) return false;
+    const size_t equals = std::min(assignment.find('='), assignment.size());
     const std::string key = assignment.substr(0, equals);
-    const auto value = static_cast<int32_t>(std::strtol(assignment.c_str() + equals + 1, nullptr, 10));
+    int32_t value = 0;
+    int length = 0;
+    if (std::sscanf(assignment.c_str() + equals, "=%d%n", &value, &length) != 1 ||
+        assignment[equals + length] != '\0') {
+        std::fprintf(stderr, "lmf_bench: --set wants KEY=NUMBER, not %s\n", assignment.c_str());
+        return false;
+    }
     struct Field {
         const char *key;
         NumberField field;
@@ -131,8 +136,23 @@ bool SameName(const std::string &wanted, const char *name) {
            });
 }
 
+bool IsBuilt(const FilterEntry &entry) {
+    return entry.slots->FilterKernel != UnavailableKernel;
+}
+
+/// Is there a filter of this name that can run? Says so if not.
+bool CheckName(const std::string &wanted) {
+    for (const FilterEntry &entry : FilterCatalogue) {
+        if (!SameName(wanted, entry.name)) continue;
+        if (!IsBuilt(entry)) std::fprintf(stderr, "lmf_bench: %s: this version cannot run it\n", entry.name);
+        return IsBuilt(entry);
+    }
+    std::fprintf(stderr, "lmf_bench: there is no filter \"%s\"\n", wanted.c_str());
+    return false;
+}
+
 bool IsWanted(const Options &options, const FilterEntry &entry) {
-    if (entry.slots->FilterKernel == UnavailableKernel) return false;
+    if (!IsBuilt(entry)) return false;
     return options.filters.empty() || std::any_of(options.filters.begin(), options.filters.end(),
                                                   [&](const auto &name) { return SameName(name, entry.name); });
 }
@@ -140,7 +160,10 @@ bool IsWanted(const Options &options, const FilterEntry &entry) {
 /// @return false when a setting or a filter failed.
 bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode mode, bool *first) {
     DibOwner picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
-    if (!picture || !alpha) return false;
+    if (!picture || !alpha) {
+        std::fprintf(stderr, "lmf_bench: no memory for a picture of %s\n", options.size.c_str());
+        return false;
+    }
     bool good = true;
     for (const FilterEntry &entry : FilterCatalogue) {
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
@@ -155,13 +178,15 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
         for (const std::string &assignment : options.settings)
             if (!SetParameter(&context, assignment)) return false;
         const Measurement measured = Measure(entry, picture.handle, &context, options.repetitions);
-        good = good && measured.copies >= 0;
         const char *depth = mode == kModeGrey ? "grey" : "color";
+        if (measured.copies < 0) {
+            std::fprintf(stderr, "lmf_bench: %s (%s) failed\n", entry.name, depth);
+            good = false;
+            continue;
+        }
         if (options.json) {
             std::printf("%s  {\"filter\": \"%s\", \"picture\": \"%s\", \"ns_per_pixel\": %.4f, \"copies\": %.4f}",
                         *first ? "" : ",\n", entry.name, depth, measured.nsPerPixel, measured.copies);
-        } else if (measured.copies < 0) {
-            std::printf("%-28s %-6s failed\n", entry.name, depth);
         } else {
             std::printf("%-28s %-6s %9.3f ns/pixel %8.2f copies\n", entry.name, depth, measured.nsPerPixel,
                         measured.copies);
@@ -187,8 +212,11 @@ int main(int argc, char **argv) {
     app.add_flag("--json", options.json, "an array of results");
     CLI11_PARSE(app, argc, argv);
 
+    if (!std::all_of(options.filters.begin(), options.filters.end(), CheckName)) return 1;
     int32_t width = 0, height = 0;
-    if (std::sscanf(options.size.c_str(), "%dx%d", &width, &height) != 2 || width < 1 || height < 1) {
+    int length = 0;
+    if (std::sscanf(options.size.c_str(), "%dx%d%n", &width, &height, &length) != 2 ||
+        static_cast<size_t>(length) != options.size.size() || width < 1 || height < 1) {
         std::fprintf(stderr, "lmf_bench: --size wants WIDTHxHEIGHT, not %s\n", options.size.c_str());
         return 1;
     }
@@ -198,6 +226,6 @@ int main(int argc, char **argv) {
     if (options.json) std::printf("[\n");
     const bool color = options.onlyGrey || BenchMode(options, width, height, kModeTrueColor, &first);
     const bool grey = BenchMode(options, width, height, kModeGrey, &first);
-    if (options.json) std::printf("\n]\n");
-    return color && grey && !first ? 0 : 1;
+    if (options.json) std::printf("%s]\n", first ? "" : "\n");
+    return color && grey ? 0 : 1;
 }
