@@ -85,6 +85,11 @@ typedef struct HostHooks {
     char extension[261]; /* zero-terminated */
 } HostHooks;
 
+/* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */
+typedef void (*LmfView)(void *window, LmfHandle picture, void *hostValue); /* shows a picture */
+/* Asks the user for a name and saves the picture under it; `title` is what the picture is called. */
+typedef int32_t (*LmfSaveAs)(void *window, const char *title, LmfHandle picture, void *hostValue);
+
 /* The request of DoPhotographDarkroom. Fields marked "library" are the library's own while the call runs. */
 typedef struct DarkroomRequest {
     uint32_t reserved0;
@@ -95,8 +100,8 @@ typedef struct DarkroomRequest {
     LmfHandle result;  /* out, with flag 2; then the caller's */
     char title[264];
     LmfValidation validation; /* must not be null */
-    void (*view)(void *window, LmfHandle picture, void *hostValue);
-    int32_t (*saveAs)(void *window, const char *title, LmfHandle picture, void *hostValue);
+    LmfView view;
+    LmfSaveAs saveAs;
     uint32_t buttonStyle;
     uint32_t gradientSliders;
     uint32_t changed;    /* out: 1: a recipe was reconfigured */
@@ -122,16 +127,16 @@ typedef struct DarkroomRequest {
 /* The request of DoAdjust. Fields marked "library" are the library's own while the call runs. */
 typedef struct AdjustRequest {
     uint32_t reserved0;
-    uint32_t flags; /* 1: free-standing; 2: Ok box; 4, out: "Apply to duplicate"; 8: batch with "Dither"; 16: batch; 32:
-                       Dither */
+    uint32_t flags; /* 1: free-standing; 2: Ok box; 4, out: "Apply to duplicate" was on at Ok; 8: batch with the check
+                       "Dither"; 16: batch without; 32, in and out: "Dither" is on */
     void *owner;
-    LmfHandle picture;
-    LmfHandle second;
-    LmfHandle result; /* out, with flag 2; then the caller's */
+    LmfHandle picture; /* in: stays the host's; the library's while the call runs, and null after it */
+    LmfHandle second;  /* in: not changed; may be null */
+    LmfHandle result;  /* out, with flag 2; then the caller's */
     char title[264];
     LmfValidation validation; /* must not be null */
-    void (*view)(void *window, LmfHandle picture, void *hostValue);
-    int32_t (*saveAs)(void *window, const char *title, LmfHandle picture, void *hostValue);
+    LmfView view;
+    LmfSaveAs saveAs;
     uint32_t buttonStyle;
     uint32_t gradientSliders;
     uint64_t reserved1;
@@ -144,10 +149,12 @@ typedef struct AdjustRequest {
     uint32_t dirty;           /* library */
     uint32_t reserved3;
     void *context; /* library */
+    /* Gives the picture number `index` of a batch. */
     LmfHandle (*fetch)(void *hostHandle, void *hostValue, uint32_t index, uint32_t zero);
+    /* Takes the result of picture number `index` and gives 0 on failure. Index 0xFFFFFFFF and null end the batch. */
     int32_t (*store)(void *hostHandle, void *hostValue, uint32_t index, LmfHandle picture, uint32_t zero);
-    void *hostHandle;
-    uint32_t count; /* pictures in a batch */
+    void *hostHandle; /* handed to `fetch` and `store` */
+    uint32_t count;   /* pictures in a batch */
 } AdjustRequest;
 
 /** Runs a filter on a picture, in the master filter dialog or, with LMF_RUN_DIRECT, at once and without a window.
