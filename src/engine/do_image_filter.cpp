@@ -87,7 +87,9 @@ static void FillContext(FilterContext *context, void *owner, DibHandle source, D
 
 /// Until there is a window to open, only the direct path can run a filter.
 static uint32_t RunFilter(FilterContext *context) {
-    return CurrentCall.runFlags & kRunDirect ? ApplyFilterDirect(context) : 0;
+    if (CurrentCall.runFlags & kRunDirect) return ApplyFilterDirect(context);
+    context->errorCode = kErrorUnsupported;
+    return 0;
 }
 
 uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second, int32_t buttonStyle,
