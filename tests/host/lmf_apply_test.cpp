@@ -219,6 +219,17 @@ TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
     EXPECT_EQ(Run({"settings", "path"}, {{"XDG_CONFIG_HOME", "/c"}}).output, "/c/Quillon Works/LmfFiltr.ini\n");
 }
 
+// The library takes its defaults, and so another filter, where it does not accept the name of the settings folder.
+TEST_F(LmfApply, TheSettingsAreFoundUnderEveryTmpdirOrNothingRuns) {
+    MakeGrey("p.png", 10);
+    const std::string deep(240, 'x');
+    fs::create_directory(In(deep));
+    ExpectSilence(Run({"apply", "Invert Colors", "p.png", "o.png"}, {{"TMPDIR", "."}}));
+    EXPECT_EQ(ReadPng(In("o.png")).samples[0], 245);
+    Expect(3, Run({"apply", "Invert Colors", "p.png", "none.png"}, {{"TMPDIR", In(deep)}}), "TMPDIR");
+    EXPECT_FALSE(fs::exists(In("none.png")));
+}
+
 // The road through program, ini file and library gives what the kernel gives when it is called with the same values.
 TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     MakeGrey("a.png");
