@@ -195,6 +195,25 @@ void StoreSamples(const Picture &picture, int channel, int y, int x, int count, 
     }
 }
 
+// Stores one row of a strip or tile: `count` pixels from (x, y) on, of one plane or with all samples of a pixel
+// together.
+void StoreRow(const TiffShape &shape, const Picture &picture, int plane, int y, int x, int count, const uint8_t *in,
+              Bytes &samples) {
+    const bool separate = shape.planar == PLANARCONFIG_SEPARATE;
+    const int perPixel = separate ? 1 : shape.samples;
+    const size_t total = size_t(count) * size_t(perPixel);
+    UnpackSamples(in, shape.bits, total, samples.data());
+    if (shape.Grey() && plane == 0) {
+        const int highest = shape.bits >= 8 ? 255 : (1 << shape.bits) - 1;
+        const int factor = shape.bits == 2 ? 5 : 1;
+        const bool inverted = shape.photometric == PHOTOMETRIC_MINISWHITE;
+        for (size_t i = 0; i < total; i += size_t(perPixel))
+            samples[i] = uint8_t((inverted ? highest - samples[i] : samples[i]) * factor);
+    }
+    for (int s = 0; s < perPixel; ++s)
+        StoreSamples(picture, separate ? plane : s, y, x, count, samples.data() + s, perPixel);
+}
+
 // Reads strips or tiles; a strip is a tile as wide as the picture.
 bool ReadChunks(TIFF *tiff, const TiffShape &shape, Picture &picture) {
     const bool tiled = TIFFIsTiled(tiff);
@@ -215,8 +234,6 @@ bool ReadChunks(TIFF *tiff, const TiffShape &shape, Picture &picture) {
     const int planes = separate ? std::min<int>(shape.samples, shape.Colors() + 1) : 1;
     Bytes chunk(static_cast<size_t>(chunkBytes));
     Bytes samples(size_t(std::min(chunkWidth, shape.width)) * size_t(perPixel));
-    const uint8_t highest = uint8_t(shape.bits >= 8 ? 255 : (1 << shape.bits) - 1);
-    const int factor = shape.Grey() && shape.bits == 2 ? 5 : 1;
     for (int plane = 0; plane < planes; ++plane) {
         for (uint64_t top = 0; top < shape.height; top += chunkHeight) {
             for (uint64_t left = 0; left < shape.width; left += chunkWidth) {
@@ -229,18 +246,9 @@ bool ReadChunks(TIFF *tiff, const TiffShape &shape, Picture &picture) {
                 const uint32_t rows = std::min(chunkHeight, shape.height - y);
                 const uint32_t count = std::min(chunkWidth, shape.width - x);
                 if (got < tmsize_t(rows) * rowBytes) return false;
-                for (uint32_t r = 0; r < rows; ++r) {
-                    UnpackSamples(chunk.data() + tmsize_t(r) * rowBytes, shape.bits, size_t(count) * size_t(perPixel),
-                                  samples.data());
-                    if (shape.Grey() && plane == 0)
-                        for (size_t i = 0; i < size_t(count) * size_t(perPixel); i += size_t(perPixel))
-                            samples[i] = uint8_t(
-                                (shape.photometric == PHOTOMETRIC_MINISWHITE ? highest - samples[i] : samples[i]) *
-                                factor);
-                    for (int s = 0; s < perPixel; ++s)
-                        StoreSamples(picture, separate ? plane : s, int(y + r), int(x), int(count), samples.data() + s,
-                                     perPixel);
-                }
+                for (uint32_t r = 0; r < rows; ++r)
+                    StoreRow(shape, picture, plane, int(y + r), int(x), int(count),
+                             chunk.data() + tmsize_t(r) * rowBytes, samples);
             }
         }
     }
@@ -300,6 +308,18 @@ bool ReadConverted(TIFF *tiff, const TiffShape &shape, Picture &picture, Report 
     return true;
 }
 
+// A tile may be larger than its picture, and is read whole.
+bool CheckTiles(TIFF *tiff, const Limits &limits, Report &report) {
+    uint32_t width = 0;
+    uint32_t height = 0;
+    if (!TIFFIsTiled(tiff) || !TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &width) ||
+        !TIFFGetField(tiff, TIFFTAG_TILELENGTH, &height))
+        return true;
+    if (height == 0 || width <= limits.pixels / height) return true;
+    return report.Fail("the tiles are " + std::to_string(width) + " x " + std::to_string(height) +
+                       " pixels; the limit is " + std::to_string(limits.pixels) + " in all (--max-pixels)");
+}
+
 bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report) {
     std::string error;
     MemoryFile memory{file};
@@ -312,7 +332,7 @@ bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report)
     };
     if (!tiff) return fail();
     const TiffShape shape = ReadShape(tiff.get());
-    if (!CheckSize(shape.width, shape.height, limits, report)) return false;
+    if (!CheckSize(shape.width, shape.height, limits, report) || !CheckTiles(tiff.get(), limits, report)) return false;
     if (!TIFFLastDirectory(tiff.get())) report.Warn("the file has several pages; only the first is read");
     const bool read = IsPlain(shape) ? ReadPlain(tiff.get(), shape, picture, report)
                                      : ReadConverted(tiff.get(), shape, picture, report);
