@@ -124,6 +124,45 @@ Json Describe(const Task &task, const TaskOutcome &outcome) {
     return entry;
 }
 
+void Tell(const Task &task, const TaskOutcome &outcome, const Progress &progress) {
+    if (outcome.error.empty() && outcome.warnings.empty()) return;
+    progress.Clear();
+    const std::string input = Printable(task.input) + ": ";
+    for (const std::string &warning : outcome.warnings) Complain(input + "warning: " + warning);
+    if (!outcome.error.empty()) Complain(input + outcome.error);
+}
+
+void SumUp(size_t total, size_t failed, size_t skipped) {
+    std::string sum = std::to_string(total - failed - skipped) + " of " + std::to_string(total) + " pictures written";
+    if (skipped > 0) sum += ", " + std::to_string(skipped) + " skipped";
+    if (failed > 0) sum += ", " + std::to_string(failed) + " failed";
+    Complain(sum);
+}
+
+// Runs all tasks, whatever becomes of each.
+int RunTasks(const ApplyRequest &request, const Library &library, const std::vector<Task> &tasks) {
+    Json document;
+    document["filter"] = (*request.settings.filter)["name"];
+    document["pictures"] = Json::array();
+    int exitCode = kDone;
+    size_t failed = 0;
+    size_t skipped = 0;
+    const Progress progress(tasks.size());
+    for (size_t i = 0; i < tasks.size(); ++i) {
+        progress.Show(i, BaseName(tasks[i].input));
+        const TaskOutcome outcome = RunTaskSafely(request, library, tasks[i]);
+        Tell(tasks[i], outcome, progress);
+        if (exitCode == kDone) exitCode = outcome.code;
+        failed += outcome.code != kDone;
+        skipped += outcome.skipped;
+        document["pictures"].push_back(Describe(tasks[i], outcome));
+    }
+    progress.Clear();
+    if (tasks.size() > 1) SumUp(tasks.size(), failed, skipped);
+    if (request.json) std::printf("%s\n", document.dump(1, ' ', false, Json::error_handler_t::replace).c_str());
+    return exitCode;
+}
+
 } // namespace
 
 void Complain(const std::string &message) {
@@ -155,36 +194,7 @@ int Apply(const ApplyRequest &request) {
         Complain(report.error);
         return kFilterFailed;
     }
-
-    Json document;
-    document["filter"] = (*request.settings.filter)["name"];
-    document["pictures"] = Json::array();
-    int exitCode = kDone;
-    size_t failed = 0;
-    size_t skipped = 0;
-    const Progress progress(tasks.size());
-    for (size_t i = 0; i < tasks.size(); ++i) {
-        progress.Show(i, BaseName(tasks[i].input));
-        const TaskOutcome outcome = RunTaskSafely(request, library, tasks[i]);
-        if (!outcome.error.empty() || !outcome.warnings.empty()) progress.Clear();
-        for (const std::string &warning : outcome.warnings)
-            Complain(Printable(tasks[i].input) + ": warning: " + warning);
-        if (!outcome.error.empty()) Complain(Printable(tasks[i].input) + ": " + outcome.error);
-        if (outcome.code != kDone && exitCode == kDone) exitCode = outcome.code;
-        failed += outcome.code != kDone;
-        skipped += outcome.skipped;
-        document["pictures"].push_back(Describe(tasks[i], outcome));
-    }
-    progress.Clear();
-    if (!request.folder.empty() && tasks.size() > 1) {
-        std::string sum = std::to_string(tasks.size() - failed - skipped) + " of " + std::to_string(tasks.size()) +
-                          " pictures written";
-        if (skipped > 0) sum += ", " + std::to_string(skipped) + " skipped";
-        if (failed > 0) sum += ", " + std::to_string(failed) + " failed";
-        Complain(sum);
-    }
-    if (request.json) std::printf("%s\n", document.dump(1, ' ', false, Json::error_handler_t::replace).c_str());
-    return exitCode;
+    return RunTasks(request, library, tasks);
 }
 
 } // namespace lmf::host
