@@ -154,6 +154,8 @@ bool PrivateFolder::Make(Report &report) {
 }
 
 void CleanUpOnSignals() {
+    // A limit on the size of files shows as a write that fails.
+    std::signal(SIGXFSZ, SIG_IGN);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         // A program that was started to ignore the signal (nohup) goes on ignoring it.
         if (std::signal(signal, OnSignal) == SIG_IGN) std::signal(signal, SIG_IGN);
