@@ -25,7 +25,9 @@ struct OutputFile {
     OutputFile &operator=(const OutputFile &) = delete;
     ~OutputFile();
 
+    /// Opens the temporary file. Fails where the target is there and may not be written, or is no file.
     [[nodiscard]] bool Open(const std::string &path, Report &report);
+    /// Closes the file and gives it the target's name.
     [[nodiscard]] bool Commit(Report &report);
 };
 
@@ -38,6 +40,7 @@ struct PrivateFolder {
     PrivateFolder &operator=(const PrivateFolder &) = delete;
     ~PrivateFolder();
 
+    /// Makes the folder below TMPDIR, or below /tmp without one.
     [[nodiscard]] bool Make(Report &report);
 };
 

@@ -21,6 +21,7 @@ struct Report {
 
     /// Sets the error and gives false, so that a failure is one `return report.Fail(...)`.
     bool Fail(std::string text);
+    /// Adds a warning, unless it was given already.
     void Warn(std::string text);
 };
 
@@ -54,6 +55,7 @@ struct Bitmap {
 
     /// Gives the blue, green, red, 0 entries of the colour table; meaningful for depths up to 8.
     uint8_t *Palette() const { return bytes + 40; }
+    /// Gives the number of its entries; 0 for depths above 8.
     int Colors() const { return bits <= 8 ? 1 << bits : 0; }
 
     /// Gives row `y`, counted from the top of the picture.
@@ -100,6 +102,7 @@ enum class Order { kBgr, kRgb };
 
 /// Gives the layout that holds everything in the picture.
 [[nodiscard]] Layout FullLayout(const Picture &picture);
+/// Gives the number of samples of a pixel, 1 to 4.
 [[nodiscard]] int SamplesOf(Layout layout);
 
 /// Writes row `y` in a layout, one byte a sample. The grey layouts are for pictures with a grey palette.

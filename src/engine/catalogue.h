@@ -62,7 +62,7 @@ struct OfferRules {
 [[nodiscard]] bool FilterIsOffered(const OfferRules &rules, int32_t mode, bool restriction1, bool restriction2,
                                    bool hasSecond, int32_t row);
 
-/// Calls LoadSettings, StoreSettings or ResetDefaults of all rows.
+/// Calls LoadSettings of all rows, and so on.
 void LoadAllSettings(FilterContext *context);
 void StoreAllSettings(FilterContext *context);
 void ResetAllDefaults(FilterContext *context);

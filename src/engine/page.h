@@ -89,6 +89,7 @@ struct PageControl {
     }
 };
 
+/// A control of any kind for a number, with one range for bar, typing and loading.
 constexpr PageControl NumberControl(ControlKind kind, int32_t id, const char *label, NumberField field,
                                     ControlRange range) {
     PageControl control;
@@ -126,6 +127,7 @@ constexpr PageControl NumberEdit(int32_t id, const char *label, NumberField fiel
     return NumberControl(ControlKind::NumberEdit, id, label, field, range);
 }
 
+/// Number of entries in a list separated by ';'. Empty entries do not count.
 constexpr int32_t ListLength(const char *list) {
     int32_t entries = 0;
     for (bool inside = false; *list != '\0'; list++) {
@@ -149,7 +151,7 @@ constexpr PageControl FileCombo(int32_t id, const char *label, NumberField field
     return control;
 }
 
-/// Loading takes any non-zero value for set and keeps it as it is.
+/// Check box. Loading takes any non-zero value for set and keeps it as it is.
 constexpr PageControl CheckBox(int32_t id, const char *label, NumberField field) {
     return NumberControl(ControlKind::CheckBox, id, label, field, {0, 1}).Stored(INT32_MIN, INT32_MAX);
 }
@@ -161,10 +163,12 @@ constexpr PageControl RadioButton(int32_t id, const char *label, NumberField fie
     return control;
 }
 
+/// Button that shows a colour and opens the colour dialog.
 constexpr PageControl ColorButton(int32_t id, const char *label, NumberField field) {
     return NumberControl(ControlKind::ColorButton, id, label, field, {0, 0xFFFFFF});
 }
 
+/// A control of any kind for a text.
 constexpr PageControl TextControl(ControlKind kind, int32_t id, const char *label, TextFieldMember field) {
     PageControl control;
     control.kind = kind;
@@ -174,10 +178,12 @@ constexpr PageControl TextControl(ControlKind kind, int32_t id, const char *labe
     return control;
 }
 
+/// Button that shows the name of a font and opens the font dialog.
 constexpr PageControl FontButton(int32_t id, const char *label, TextFieldMember field) {
     return TextControl(ControlKind::FontButton, id, label, field);
 }
 
+/// Edit for a text.
 constexpr PageControl TextField(int32_t id, const char *label, TextFieldMember field) {
     return TextControl(ControlKind::TextField, id, label, field);
 }

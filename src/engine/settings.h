@@ -49,7 +49,9 @@ struct ConfigEntry {
     void *variable; ///< int32_t, or a SettingText for a row with kConfigText
     uint32_t type;
 
+    /// The value of a row without kConfigText.
     int32_t &Number() const { return *static_cast<int32_t *>(variable); }
+    /// The kTextSize bytes of a row with kConfigText.
     char *Text() const { return static_cast<char *>(variable); }
 };
 

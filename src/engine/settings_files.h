@@ -41,6 +41,7 @@ void ReadSettings(uint32_t runFlags);
 void WriteSettings(uint32_t runFlags);
 /// Reads the enable file into the FilterEnabled bits of the catalogue. Rows that it does not name keep theirs.
 void ReadEnableFile(uint32_t runFlags);
+/// Writes the FilterEnabled bits of all rows.
 void WriteEnableFile(uint32_t runFlags);
 
 /// A filter that was used, and when.

@@ -40,9 +40,13 @@ struct FilterSlots {
 /// The state of the licence exchange: set, since no host check is part of this build. Slots refuse while it is clear.
 extern int32_t ValidationState;
 
+/// The page's part of `Settings` into the context, each number limited to its control's stored range.
 void LoadPage(std::span<const PageControl> page, FilterContext *context);
+/// The page's part of the context into `Settings`.
 void StorePage(std::span<const PageControl> page, const FilterContext *context);
+/// The page's restore values into the context.
 void ResetPage(std::span<const PageControl> page, FilterContext *context);
+/// Answers a QueryCode from the table; see there for `a` and `b`. kQueryUnknown where the page has no answer.
 uint32_t QueryPage(std::span<const PageControl> page, uint32_t code, uintptr_t a, uintptr_t b);
 
 /// A kernel for rows whose arithmetic this build does not have: the run fails and nothing is touched.

@@ -13,6 +13,7 @@ using BlockHandle = LmfHandle;
 [[nodiscard]] BlockHandle BlockAlloc(uint64_t bytes);
 /// First byte of the block, stable until the last unlock; null for a null or empty block.
 [[nodiscard]] void *BlockLock(BlockHandle block);
+/// Undoes one BlockLock that gave an address.
 void BlockUnlock(BlockHandle block);
 /// Frees the block; null is ignored.
 void BlockFree(BlockHandle block);
