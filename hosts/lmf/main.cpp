@@ -28,7 +28,7 @@ std::string Padded(std::string text, size_t width) {
 
 // Points to the help of the command whose usage line is the app's name: "lmf apply FILTER IN OUT".
 std::string HelpHint(const CLI::App &app) {
-    const std::string usage = app.get_name();
+    const std::string &usage = app.get_name();
     return ". See " + usage.substr(0, usage.find(' ', usage.find(' ') + 1)) + " --help";
 }
 

@@ -60,7 +60,9 @@ static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
             uint32_t red = 0, green = 0, blue = 0, count = 0;
             int32_t step;
             FillSteps(&step, arc, x, 1, dy);
-            for (int32_t i = 0; i < arc.samples; i += step) {
+            // An arc has samples, so that the first is always taken.
+            int32_t i = 0;
+            do {
                 const auto sampleX = static_cast<int32_t>(arc.cosines[i] * dx + arc.cx - arc.sines[i] * dy + 0.5);
                 const auto sampleY = static_cast<int32_t>(arc.sines[i] * dx + arc.cy + arc.cosines[i] * dy + 0.5);
                 uint32_t pixel = DibGetPixel(image, sampleX, sampleY);
@@ -69,7 +71,8 @@ static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
                 green += GreenOf(pixel);
                 blue += BlueOf(pixel);
                 count++;
-            }
+                i += step;
+            } while (i < arc.samples);
             DibSetPixel(image, x, y, PackColor(red / count, green / count, blue / count));
         }
     }
