@@ -1,5 +1,6 @@
 // What each filter costs, in nanoseconds a pixel and in "copies". One copy is a memcpy of the same picture into memory
-// fresh from malloc, measured in turn with the filter, so that a ratio means the same on a busy machine.
+// fresh from malloc, measured in turn with the filter, so that a ratio means the same on a busy machine. The kernel is
+// timed, and the exported call with all that it does around the kernel.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -12,7 +13,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "engine/catalogue.h"
+#include "engine/apply.h"
+#include "engine/do_image_filter.h"
 
 namespace {
 
@@ -28,10 +30,9 @@ struct Options {
 };
 
 /// A scene with flat areas, gradients, edges and grain, the same on every run.
-DibOwner MakeScene(int32_t width, int32_t height, uint32_t bits) {
-    DibOwner scene(DibCreate(width, height, &GreyRamp(), bits));
-    DibLock lock(scene.handle);
-    if (!lock) return {};
+LockedDib MakeScene(int32_t width, int32_t height, uint32_t bits) {
+    LockedDib scene(DibCreate(width, height, &GreyRamp(), bits));
+    if (!scene) return scene;
     uint32_t noise = 1;
     for (int32_t y = 0; y < height; y++) {
         for (int32_t x = 0; x < width; x++) {
@@ -44,10 +45,9 @@ DibOwner MakeScene(int32_t width, int32_t height, uint32_t bits) {
             const auto level = [&](double tint) {
                 return static_cast<uint32_t>(std::clamp(base * tint + wave + grain, 0.0, 255.0));
             };
-            DibSetPixel(lock.image, x, y, PackColor(level(1.0), level(0.85), level(0.6)));
+            DibSetPixel(scene.View(), x, y, PackColor(level(1.0), level(0.85), level(0.6)));
         }
     }
-    lock.Unlock();
     return scene;
 }
 
@@ -63,20 +63,20 @@ double Median(std::vector<double> times) {
     return times[times.size() / 2];
 }
 
-double TimeCopy(DibHandle picture) {
-    DibLock lock(picture);
-    const uint64_t size = BlockSize(picture);
+double TimeCopy(const ReadView &picture) {
+    const auto size = static_cast<size_t>(picture.stride) * static_cast<size_t>(picture.height);
     void *fresh = nullptr;
     const double time = Nanoseconds([&] {
         fresh = std::malloc(size);
-        if (fresh != nullptr) std::memcpy(fresh, lock.image, size);
+        if (fresh != nullptr) std::memcpy(fresh, picture.bottom, size);
         asm volatile("" : : "r"(fresh) : "memory");
     });
     std::free(fresh);
     return time;
 }
 
-bool SetParameter(FilterContext *context, const std::string &assignment) {
+/// Sets one of the process's settings, or the paper colour.
+bool SetParameter(const std::string &assignment) {
     const size_t equals = std::min(assignment.find('='), assignment.size());
     const std::string key = assignment.substr(0, equals);
     int32_t value = 0;
@@ -86,48 +86,51 @@ bool SetParameter(FilterContext *context, const std::string &assignment) {
         std::fprintf(stderr, "lmf_bench: --set wants KEY=NUMBER, not %s\n", assignment.c_str());
         return false;
     }
-    struct Field {
-        const char *key;
-        NumberField field;
-    };
-    static const Field kFields[] = {
-#define FILTER_INT(key, value) {#key, &FilterParameters::key},
-#define FILTER_BOOL(key, value) {#key, &FilterParameters::key},
-#define CONTEXT_INT(key, value) {#key, &FilterParameters::key},
-#include "engine/settings.def"
-    };
+    const ConfigEntry *parameter = FindParameter(key);
     if (key == "paper") {
-        context->paperColor = static_cast<Color>(value);
-        return true;
+        Settings.PaperColor = value;
+    } else if (parameter != nullptr && parameter->number != nullptr) {
+        parameter->Number() = value;
+    } else {
+        std::fprintf(stderr, "lmf_bench: %s: no setting of this name\n", key.c_str());
+        return false;
     }
-    for (const Field &candidate : kFields) {
-        if (key != candidate.key) continue;
-        context->*candidate.field = value;
-        return true;
-    }
-    std::fprintf(stderr, "lmf_bench: %s: no setting of this name\n", key.c_str());
-    return false;
+    return true;
 }
 
 struct Measurement {
-    double nsPerPixel;
-    double copies;
+    double nsPerPixel; ///< of the kernel; negative when it failed
+    double copies;     ///< of the kernel
+    double callCopies; ///< of the exported call
 };
 
-/// Times the kernel in turn with copies; a negative result means that the kernel failed.
-Measurement Measure(const FilterEntry &entry, DibHandle picture, FilterContext *context, int repetitions) {
-    std::vector<double> runs, copies;
+/// The exported call, which reads no settings where there are no files.
+bool Call(int32_t row, DibHandle picture, DibHandle second) {
+    HostRecord record = {0xFFFFFF, static_cast<uint32_t>(row), 0, nullptr};
+    const auto pass = [](void *, const char *) -> int32_t { return 1; };
+    if (!DoImageFilter({nullptr, &picture, pass, &second, 0, 0, LMF_RUN_DIRECT, &record, nullptr, 0, 0, nullptr}))
+        return false;
+    BlockFree(picture);
+    BlockFree(second);
+    return true;
+}
+
+/// Times the kernel and the exported call in turn with copies.
+Measurement Measure(int32_t row, const LockedDib &picture, DibHandle second, FilterContext &context, int repetitions) {
+    std::vector<double> runs, calls, copies;
     for (int i = 0; i < repetitions; i++) {
         copies.push_back(TimeCopy(picture));
         DibHandle result = nullptr;
-        runs.push_back(Nanoseconds([&] { result = entry.slots->FilterKernel(picture, context); }));
-        if (result == nullptr) return {-1, -1};
+        runs.push_back(Nanoseconds([&] { result = RunFilter(row, picture, context.mode, context); }));
+        if (result == nullptr) return {-1, -1, -1};
         BlockFree(result);
-        BlockFree(context->auxImage);
-        context->auxImage = nullptr;
+        FreePictures(context);
+        bool called = false;
+        calls.push_back(Nanoseconds([&] { called = Call(row, picture.owner.handle, second); }));
+        if (!called) return {-1, -1, -1};
     }
-    const double pixels = static_cast<double>(context->width) * context->height;
-    return {Median(runs) / pixels, Median(runs) / Median(copies)};
+    const double pixels = static_cast<double>(context.width) * context.height, copy = Median(copies);
+    return {Median(runs) / pixels, Median(runs) / copy, Median(calls) / copy};
 }
 
 bool SameName(const std::string &wanted, const char *name) {
@@ -137,7 +140,7 @@ bool SameName(const std::string &wanted, const char *name) {
 }
 
 bool IsBuilt(const FilterEntry &entry) {
-    return entry.slots->FilterKernel != UnavailableKernel;
+    return entry.filter->FilterKernel != nullptr;
 }
 
 /// Is there a filter of this name that can run? Says so if not.
@@ -159,25 +162,24 @@ bool IsWanted(const Options &options, const FilterEntry &entry) {
 
 /// @return false when a setting or a filter failed.
 bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode mode, bool *first) {
-    DibOwner picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
+    const LockedDib picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
     if (!picture || !alpha) {
         std::fprintf(stderr, "lmf_bench: no memory for a picture of %s\n", options.size.c_str());
         return false;
     }
     bool good = true;
-    for (const FilterEntry &entry : FilterCatalogue) {
+    for (int32_t row = 0; row < kFilterCount; row++) {
+        const FilterEntry &entry = FilterCatalogue[row];
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
         FilterContext context{};
         context.mode = mode;
         context.width = width;
         context.height = height;
-        context.source = picture.handle;
-        if (entry.flags & FilterNeedsSecond) context.second = alpha.handle;
-        context.paperColor = 0xFFFFFF;
-        LoadAllSettings(&context);
-        for (const std::string &assignment : options.settings)
-            if (!SetParameter(&context, assignment)) return false;
-        const Measurement measured = Measure(entry, picture.handle, &context, options.repetitions);
+        context.source = picture.owner.handle;
+        if (entry.flags & FilterNeedsSecond) context.second = alpha.owner.handle;
+        context.paperColor = static_cast<Color>(Settings.PaperColor);
+        LoadAllSettings(context);
+        const Measurement measured = Measure(row, picture, context.second, context, options.repetitions);
         const char *depth = mode == kModeGrey ? "grey" : "color";
         if (measured.copies < 0) {
             std::fprintf(stderr, "lmf_bench: %s (%s) failed\n", entry.name, depth);
@@ -185,11 +187,13 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
             continue;
         }
         if (options.json) {
-            std::printf("%s  {\"filter\": \"%s\", \"picture\": \"%s\", \"ns_per_pixel\": %.4f, \"copies\": %.4f}",
-                        *first ? "" : ",\n", entry.name, depth, measured.nsPerPixel, measured.copies);
+            std::printf("%s  {\"filter\": \"%s\", \"picture\": \"%s\", \"ns_per_pixel\": %.4f, \"copies\": %.4f, "
+                        "\"call_copies\": %.4f}",
+                        *first ? "" : ",\n", entry.name, depth, measured.nsPerPixel, measured.copies,
+                        measured.callCopies);
         } else {
-            std::printf("%-28s %-6s %9.3f ns/pixel %8.2f copies\n", entry.name, depth, measured.nsPerPixel,
-                        measured.copies);
+            std::printf("%-28s %-6s %9.3f ns/pixel %8.2f copies, called %8.2f\n", entry.name, depth,
+                        measured.nsPerPixel, measured.copies, measured.callCopies);
         }
         std::fflush(stdout);
         *first = false;
@@ -212,7 +216,11 @@ int main(int argc, char **argv) {
     app.add_flag("--json", options.json, "an array of results");
     CLI11_PARSE(app, argc, argv);
 
-    if (!std::all_of(options.filters.begin(), options.filters.end(), CheckName)) return 1;
+    // No folder of settings: the factory values count, and what --set changes.
+    setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
+    if (!std::all_of(options.filters.begin(), options.filters.end(), CheckName) ||
+        !std::all_of(options.settings.begin(), options.settings.end(), SetParameter))
+        return 1;
     int32_t width = 0, height = 0;
     int length = 0;
     if (std::sscanf(options.size.c_str(), "%dx%d%n", &width, &height, &length) != 2 ||

@@ -43,20 +43,138 @@ enum {
 };
 
 /* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code
- * (an index into the texts of LMF_ERROR_TEXTS) at this byte offset and touches nothing else of it. */
+ * (an LMF_ERROR_) at this byte offset and touches nothing else of it. */
 #define LMF_BATCH_ERROR_OFFSET 568
+
+/* The filters in the order of the catalogue: X(ENUMERATOR, "name"). LMF_FILTER_ADD_ALPHA is row 0, and so on; rows
+ * never change. */
+/* clang-format off */
+#define LMF_FILTERS(X) \
+    X(ADD_ALPHA, "Add Alpha") \
+    X(ADD_NOISE, "Add noise") \
+    X(ALPHA_SHADOW, "Alpha shadow") \
+    X(AVERAGE, "Average") \
+    X(BAYER_DITHER, "Bayer Dither") \
+    X(BIG_SCREEN, "Big Screen") \
+    X(BLACK_THRESHOLD, "Black Threshold") \
+    X(BUMP, "Bump") \
+    X(CANVAS, "Canvas") \
+    X(CAPTION, "Caption") \
+    X(CHANNELS, "Channels") \
+    X(COLOR_AND_INTENSITY, "Color and Intensity") \
+    X(CONTRAST_AND_BRIGHTNESS, "Contrast and Brightness") \
+    X(CONVERT_TO_256_COLORS, "Convert to 256 Colors") \
+    X(CONVERT_TO_GREY, "Convert to Grey") \
+    X(CONVERT_TO_MONO, "Convert to Mono") \
+    X(CONVERT_TO_RGB, "Convert to RGB") \
+    X(CORNERS, "Corners") \
+    X(CROP, "Crop") \
+    X(DESPECKLE, "Despeckle") \
+    X(EDGE_TRACE_AND_FATTEN, "Edge Trace and Fatten") \
+    X(EMBOSS, "Emboss") \
+    X(EDGE_ENHANCEMENT, "Edge Enhancement") \
+    X(EQUALIZE, "Equalize") \
+    X(EXPLODE, "Explode") \
+    X(FACE_DETECTION, "Face Detection") \
+    X(FADE, "Fade") \
+    X(FILM_GRAIN, "Film Grain") \
+    X(FLIP, "Flip") \
+    X(FRAME, "Frame") \
+    X(GAMMA, "Gamma") \
+    X(GAUSSIAN_BLUR, "Gaussian Blur") \
+    X(GLASS_BLOCK, "Glass Block") \
+    X(HALFTONE, "Halftone") \
+    X(HEXAGON, "Hexagon") \
+    X(HUE_SATURATION_BRIGHTNESS, "Hue Saturation Brightness") \
+    X(IMPACT, "Impact") \
+    X(IMPLODE, "Implode") \
+    X(INVERT_CHANNELS, "Invert Channels") \
+    X(INVERT_COLORS, "Invert Colors") \
+    X(JIGSAW, "Jigsaw") \
+    X(LENS_CORRECTION, "Lens Correction") \
+    X(LENS_FLARE, "Lens Flare") \
+    X(LIGHT_BOX, "Light Box") \
+    X(MATT, "Matt") \
+    X(MEDIAN, "Median") \
+    X(MOONLIGHT, "Moonlight") \
+    X(MOTION_BLUR, "Motion Blur") \
+    X(NEON, "Neon") \
+    X(NORMALIZE, "Normalize") \
+    X(OBSCURE, "Obscure") \
+    X(OIL_PAINTING, "Oil Painting") \
+    X(PAPER_CURL, "Paper Curl") \
+    X(PHOTO_FINE_TUNE, "Photo Fine-tune") \
+    X(PLASTIC, "Plastic") \
+    X(POSITION_ONLY, "Position Only") \
+    X(POSTERIZE, "Posterize") \
+    X(PREPRESS, "Prepress") \
+    X(RADIAL_BLUR, "Radial Blur") \
+    X(RAISE, "Raise") \
+    X(RASTER, "Raster") \
+    X(RED_EYE_REDUCTION, "Red-eye Reduction") \
+    X(REDUCE_NOISE, "Reduce noise") \
+    X(REFLECTION, "Reflection") \
+    X(RESIZE, "Resize") \
+    X(REMOVE_ALPHA, "Remove Alpha") \
+    X(RIPPLE, "Ripple") \
+    X(ROTATE, "Rotate") \
+    X(ROUND, "Round") \
+    X(SEAMLESS, "Seamless") \
+    X(SEPIA, "Sepia") \
+    X(SHADE, "Shade") \
+    X(SHADOW, "Shadow") \
+    X(SHAPE_MASK, "Shape mask") \
+    X(SHARDS, "Shards") \
+    X(SHARPEN, "Sharpen") \
+    X(SHEAR, "Shear") \
+    X(SIGMOIDAL_CONTRAST, "Sigmoidal Contrast") \
+    X(SOCIAL_MEDIA, "Social Media") \
+    X(SOLARIZE, "Solarize") \
+    X(SPLIT_CHANNELS, "Split channels") \
+    X(STARS, "Stars") \
+    X(STITCH, "Stitch") \
+    X(SWIRL, "Swirl") \
+    X(TILE, "Tile") \
+    X(TORN_EDGES, "Torn Edges") \
+    X(TRIM, "Trim") \
+    X(UNSHARP_MASK, "Unsharp Mask") \
+    X(VIGNETTE, "Vignette") \
+    X(WATER_DROPS, "Water Drops") \
+    X(WATERMARK, "Watermark") \
+    X(WAVES, "Waves") \
+    X(WHITE_BALANCE, "White Balance") \
+    X(WHITE_THRESHOLD, "White Threshold") \
+    X(ZOOM_BLUR, "Zoom Blur")
+/* clang-format on */
+#define LMF_FILTER_ENUMERATOR(id, name) LMF_FILTER_##id,
+enum { LMF_FILTERS(LMF_FILTER_ENUMERATOR) LMF_FILTER_COUNT };
+#undef LMF_FILTER_ENUMERATOR
 
 /* The start index that stands for "the filter that was applied last". */
 #define LMF_FILTER_LAST 0xFFFFFFFFu
 
-/* Error codes in their order. The filter path sets 0, 4, 5 and 6; the rest are shared with hosts. */
-#define LMF_ERROR_TEXTS                                                                                                \
-    {                                                                                                                  \
-        "Ok", "Error opening file", "Corrupted file", "Error reading file", "Function cancelled",                      \
-            "Unsupported function", "Memory error", "Information error", "Unsupported format", "Error renaming file",  \
-            "Error creating file", "Error writing file", "Too many colors", "Unsuitable image", "Resource error",      \
-            "Library error"                                                                                            \
-    }
+/* Error codes and their texts in order: X(ENUMERATOR, "text"). The filter path sets LMF_ERROR_OK, _CANCELLED,
+ * _UNSUPPORTED and _MEMORY; the rest are shared with hosts. */
+#define LMF_ERRORS(X)                                                                                                  \
+    X(OK, "Ok")                                                                                                        \
+    X(OPEN, "Error opening file")                                                                                      \
+    X(CORRUPTED, "Corrupted file")                                                                                     \
+    X(READ, "Error reading file")                                                                                      \
+    X(CANCELLED, "Function cancelled")                                                                                 \
+    X(UNSUPPORTED, "Unsupported function")                                                                             \
+    X(MEMORY, "Memory error")                                                                                          \
+    X(INFORMATION, "Information error")                                                                                \
+    X(FORMAT, "Unsupported format")                                                                                    \
+    X(RENAME, "Error renaming file")                                                                                   \
+    X(CREATE, "Error creating file")                                                                                   \
+    X(WRITE, "Error writing file")                                                                                     \
+    X(COLORS, "Too many colors")                                                                                       \
+    X(UNSUITABLE, "Unsuitable image")                                                                                  \
+    X(RESOURCE, "Resource error")                                                                                      \
+    X(LIBRARY, "Library error")
+#define LMF_ERROR_ENUMERATOR(id, text) LMF_ERROR_##id,
+enum { LMF_ERRORS(LMF_ERROR_ENUMERATOR) LMF_ERROR_COUNT };
+#undef LMF_ERROR_ENUMERATOR
 
 /* One half of the licence exchange. The library never calls it; it must not be null. */
 typedef int32_t (*LmfValidation)(void *owner, const char *text);

@@ -10,7 +10,7 @@
 #include <png.h>
 
 #include "common/random.h"
-#include "engine/catalogue.h"
+#include "engine/apply.h"
 
 namespace {
 
@@ -46,9 +46,8 @@ Paint Landscape(double x, double y) {
     return water ? Mix(paint, {30, 60, 90}, 0.35) : paint;
 }
 
-DibOwner DrawLandscape() {
-    DibOwner scene(DibCreate(kWidth, kHeight, nullptr, 24));
-    DibLock lock(scene.handle);
+LockedDib DrawLandscape() {
+    LockedDib scene(DibCreate(kWidth, kHeight, nullptr, 24));
     for (int32_t y = 0; y < kHeight; y++) {
         for (int32_t x = 0; x < kWidth; x++) {
             const Paint paint = Landscape((x + 0.5) / kWidth, (y + 0.5) / kHeight);
@@ -56,37 +55,34 @@ DibOwner DrawLandscape() {
             const auto byte = [&](double level) {
                 return static_cast<uint32_t>(std::clamp(level + grain, 0.0, 255.0));
             };
-            DibSetPixel(lock.image, x, y, PackColor(byte(paint.red), byte(paint.green), byte(paint.blue)));
+            DibSetPixel(scene.View(), x, y, PackColor(byte(paint.red), byte(paint.green), byte(paint.blue)));
         }
     }
-    lock.Unlock();
     return scene;
 }
 
-DibOwner RunFilter(const char *name, DibHandle scene) {
+LockedDib RunOn(const ReadView &scene, const char *name) {
     FilterContext context{};
     context.width = kWidth;
     context.height = kHeight;
-    context.source = scene;
     context.paperColor = 0xFFFFFF;
-    LoadAllSettings(&context);
-    for (const FilterEntry &entry : FilterCatalogue) {
-        if (std::strcmp(entry.name, name) != 0) continue;
-        DibOwner result(entry.slots->FilterKernel(scene, &context));
-        BlockFree(context.auxImage);
+    LoadAllSettings(context);
+    for (int32_t row = 0; row < kFilterCount; row++) {
+        if (std::strcmp(FilterCatalogue[row].name, name) != 0) continue;
+        LockedDib result(RunFilter(row, scene, kModeTrueColor, context));
+        FreePictures(context);
         return result;
     }
-    return {};
+    return LockedDib();
 }
 
 /// Copies a picture of any depth into the cell at (left, top), as far as it fits.
-void LayOut(std::vector<uint8_t> *sheet, int32_t sheetWidth, int32_t left, int32_t top, DibHandle picture) {
-    DibLock lock(picture);
+void LayOut(std::vector<uint8_t> *sheet, int32_t sheetWidth, int32_t left, int32_t top, const ReadView &picture) {
     Palette768 palette;
-    const uint32_t entries = DibReadPalette(lock.image, &palette);
-    for (int32_t y = 0; y < std::min(kHeight, lock.view.height); y++) {
-        for (int32_t x = 0; x < std::min(kWidth, lock.view.width); x++) {
-            const uint32_t pixel = DibGetPixel(lock.image, x, y);
+    const uint32_t entries = DibReadPalette(picture, &palette);
+    for (int32_t y = 0; y < std::min(kHeight, picture.height); y++) {
+        for (int32_t x = 0; x < std::min(kWidth, picture.width); x++) {
+            const uint32_t pixel = DibGetPixel(picture, x, y);
             const Color color = entries > 0 ? palette.At(pixel) : pixel;
             uint8_t *to =
                 sheet->data() +
@@ -108,17 +104,17 @@ int main(int argc, char **argv) {
     const int32_t cells = argc - 2, rows = (cells + kColumns - 1) / kColumns;
     const int32_t width = kColumns * (kWidth + kGap) + kGap, height = rows * (kHeight + kGap) + kGap;
     std::vector<uint8_t> sheet(static_cast<size_t>(width) * static_cast<size_t>(height) * 3, 255);
-    const DibOwner scene = DrawLandscape();
+    const LockedDib scene = DrawLandscape();
     for (int32_t cell = 0; cell < cells; cell++) {
         const char *name = argv[cell + 2];
         const bool source = std::strcmp(name, "Source") == 0;
-        const DibOwner result = source ? DibOwner(DibClone(scene.handle)) : RunFilter(name, scene.handle);
+        const LockedDib result = source ? LockedDib(DibClone(scene)) : RunOn(scene, name);
         if (!result) {
             std::fprintf(stderr, "contact_sheet: %s: no result\n", name);
             return 1;
         }
         LayOut(&sheet, width, kGap + cell % kColumns * (kWidth + kGap), kGap + cell / kColumns * (kHeight + kGap),
-               result.handle);
+               result);
     }
     png_image image{};
     image.version = PNG_IMAGE_VERSION;

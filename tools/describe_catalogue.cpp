@@ -3,6 +3,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
@@ -13,41 +14,12 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct NumberKey {
-    const char *key;
-    NumberField field;
-    bool isBool;
-    bool stored; ///< false: the setting lives in no file
-};
-
-struct TextKey {
-    const char *key;
-    TextFieldMember field;
-};
-
-constexpr NumberKey kNumberKeys[] = {
-#define FILTER_INT(key, value) {#key, &FilterParameters::key, false, true},
-#define FILTER_BOOL(key, value) {#key, &FilterParameters::key, true, true},
-#define CONTEXT_INT(key, value) {#key, &FilterParameters::key, false, false},
-#include "engine/settings.def"
-};
-
-constexpr TextKey kTextKeys[] = {
-#define FILTER_INT(key, value)
-#define FILTER_TEXT(key, value) {#key, &FilterParameters::key},
-#include "engine/settings.def"
-};
-
-const NumberKey *KeyOf(NumberField field) {
-    for (const NumberKey &row : kNumberKeys)
-        if (row.field == field) return &row;
-    return nullptr;
+const ConfigEntry *ParameterOf(const PageControl &control) {
+    return control.number != nullptr ? FindParameter(control.number) : FindParameter(control.text);
 }
 
-const TextKey *KeyOf(TextFieldMember field) {
-    for (const TextKey &row : kTextKeys)
-        if (row.field == field) return &row;
-    return nullptr;
+bool IsKeyless(const ConfigEntry &parameter) {
+    return &parameter >= kKeylessSettings.data() && &parameter < kKeylessSettings.data() + kKeylessSettings.size();
 }
 
 const char *TypeOf(const PageControl &control, bool isBool) {
@@ -69,9 +41,21 @@ const char *TypeOf(const PageControl &control, bool isBool) {
 }
 
 const char *NameOf(ControlKind kind) {
-    static constexpr const char *kNames[] = {"none",         "slider",       "number edit", "combo box", "check box",
-                                             "radio button", "color button", "font button", "text field"};
+    static constexpr const char *kNames[] = {"none",       "slider",       "number edit",  "combo box",
+                                             "check box",  "radio button", "color button", "font button",
+                                             "text field", "button",       "static",       "picture"};
     return kNames[static_cast<size_t>(kind)];
+}
+
+const char *NameOf(Unit unit) {
+    static constexpr const char *kNames[] = {"",     "pixels", "percent",     "degrees", "levels",
+                                             "seed", "points", "millimetres", "kelvin",  "times"};
+    return kNames[static_cast<size_t>(unit)];
+}
+
+const char *NameOf(Shown shown) {
+    static constexpr const char *kNames[] = {"plain", "tenths", "hundredths", "offset"};
+    return kNames[static_cast<size_t>(shown)];
 }
 
 Json ListEntries(std::string_view list) {
@@ -85,7 +69,7 @@ Json ListEntries(std::string_view list) {
 }
 
 void AddNumber(Json &setting, const PageControl &control, bool isBool) {
-    const int32_t value = FactorySettings().*control.number;
+    const int32_t value = kFactorySettings.*control.number;
     const int32_t restore = RestoreValueOf(control);
     if (std::string_view(TypeOf(control, isBool)) == "boolean") {
         setting["default"] = value != 0;
@@ -94,41 +78,42 @@ void AddNumber(Json &setting, const PageControl &control, bool isBool) {
     }
     setting["default"] = value;
     setting["restore"] = restore;
-    setting["min"] = control.stored.min;
-    setting["max"] = control.stored.max;
-    if (!(control.edit == control.stored)) setting["typed"] = {control.edit.min, control.edit.max};
-    if (!(control.bar == control.edit)) setting["bar"] = {control.bar.min, control.bar.max};
-    if (control.shown == Shown::Hundredths) setting["shown"] = "hundredths";
-    if (control.shown == Shown::Offset) {
-        setting["shown"] = "offset";
-        setting["offset"] = control.offset;
-    }
+    const auto [bar, typed, stored] = std::tuple(control.limits.Bar(), control.limits.Typed(), control.limits.Stored());
+    setting["min"] = stored.min;
+    setting["max"] = stored.max;
+    if (!(typed == stored)) setting["typed"] = {typed.min, typed.max};
+    if (!(bar == typed)) setting["bar"] = {bar.min, bar.max};
+    if (control.shown != Shown::Plain) setting["shown"] = NameOf(control.shown);
+    if (control.offset != 0) setting["offset"] = control.offset;
+    if (control.unit != Unit::None) setting["unit"] = NameOf(control.unit);
+    if (control.perUnit != 1) setting["perUnit"] = control.perUnit;
     if (control.list) setting["entries"] = ListEntries(control.list);
 }
 
 /// One control becomes one setting, but for the radio buttons: each adds its entry to the setting that they share.
 /// @return false when the control's setting has no key
 bool AddControl(Json &settings, const PageControl &control) {
-    const NumberKey *number = control.number ? KeyOf(control.number) : nullptr;
-    const TextKey *text = control.text ? KeyOf(control.text) : nullptr;
-    if (!number && !text) return false;
-    const char *key = number ? number->key : text->key;
+    const ConfigEntry *parameter = ParameterOf(control);
+    if (!parameter) return false;
+    const bool isBool = parameter->type == kConfigBool;
     Json *known = nullptr;
     for (Json &setting : settings)
-        if (setting["key"] == key) known = &setting;
+        if (setting["key"] == parameter->key) known = &setting;
     const bool radio = control.kind == ControlKind::RadioButton;
     if (!known) {
         Json setting;
-        setting["key"] = key;
-        setting["type"] = TypeOf(control, number && number->isBool);
+        setting["key"] = parameter->key;
+        setting["type"] = TypeOf(control, isBool);
         setting["label"] = radio ? "" : control.label;
+        if (control.name) setting["name"] = control.name;
+        setting["help"] = control.help;
         setting["control"] = NameOf(control.kind);
         setting["id"] = control.id;
-        setting["stored"] = text || number->stored;
-        if (number) {
-            AddNumber(setting, control, number->isBool);
+        setting["stored"] = !IsKeyless(*parameter);
+        if (control.number) {
+            AddNumber(setting, control, isBool);
         } else {
-            setting["default"] = setting["restore"] = FactorySettings().*control.text;
+            setting["default"] = setting["restore"] = kFactorySettings.*control.text;
         }
         settings.push_back(std::move(setting));
         known = &settings.back();
@@ -162,13 +147,13 @@ Json DescribeFilter(int32_t row, const Json &categories) {
     filter["accepts"] = DescribeAccepted(entry.flags);
     filter["alpha"] = DescribeAlpha(entry.flags);
     filter["needsAlpha"] = (entry.flags & FilterNeedsSecond) != 0;
-    filter["available"] = entry.slots->FilterKernel != UnavailableKernel;
+    filter["available"] = entry.filter->FilterKernel != nullptr;
     filter["flags"] = entry.flags;
     filter["itemId"] = entry.itemId;
     filter["pageId"] = entry.pageId;
     filter["settings"] = Json::array();
-    for (const PageControl &control : entry.slots->page)
-        if (!AddControl(filter["settings"], control)) return nullptr;
+    for (const PageControl &control : entry.filter->page)
+        if (control.IsSetting() && !AddControl(filter["settings"], control)) return nullptr;
     return filter;
 }
 

@@ -11,7 +11,6 @@ namespace lmf::host {
 
 namespace {
 
-constexpr int kLibraryError = 15;
 
 // The block of a batch host. The library writes the error code into it and leaves the rest alone.
 struct BatchRecord {
@@ -39,8 +38,12 @@ bool Library::Load(std::string path, Report &report) {
 }
 
 const char *ErrorText(int code) {
-    static const char *const kTexts[] = LMF_ERROR_TEXTS;
-    return code >= 0 && code < int(std::size(kTexts)) ? kTexts[code] : kTexts[kLibraryError];
+    static const char *const kTexts[] = {
+#define LMF_ERROR_TEXT(id, text) text,
+        LMF_ERRORS(LMF_ERROR_TEXT)
+#undef LMF_ERROR_TEXT
+    };
+    return code >= 0 && code < LMF_ERROR_COUNT ? kTexts[code] : kTexts[LMF_ERROR_LIBRARY];
 }
 
 FilterOutcome ApplyFilter(const Library &library, Picture &picture, Report &report) {
@@ -49,12 +52,12 @@ FilterOutcome ApplyFilter(const Library &library, Picture &picture, Report &repo
     BatchRecord record;
     const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0,
                                                 LMF_RUN_DIRECT | LMF_RUN_BATCH, &record, nullptr, 0, 0, nullptr);
-    if (!done) return {false, record.errorCode == 0 ? kLibraryError : record.errorCode};
+    if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
     Bitmap result;
     Bitmap resultAlpha;
     const bool sound = AdoptBitmap(result, image);
     const bool soundAlpha = !second || (AdoptBitmap(resultAlpha, second) && resultAlpha.bits == 8);
-    if (!sound || !soundAlpha) return {false, kLibraryError};
+    if (!sound || !soundAlpha) return {false, LMF_ERROR_LIBRARY};
     picture.image = std::move(result);
     picture.alpha = std::move(resultAlpha);
     const bool fits = picture.alpha.width == picture.image.width && picture.alpha.height == picture.image.height;

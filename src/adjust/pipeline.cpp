@@ -3,45 +3,43 @@
 #include <algorithm>
 #include <utility>
 
-#include "image/resample.h"
+#include "engine/apply.h"
+#include "image/scale/resample.h"
 
 namespace lmf {
 
-extern const FilterSlots kNormalize, kColorAndIntensity, kContrastAndBrightness, kHueSaturationBrightness,
-    kSigmoidalContrast, kEqualize;
-
 const AdjustStage kAdjustStages[kAdjustStageCount] = {
-    {&kNormalize, 104, "Enable normalize"},
-    {&kColorAndIntensity, 105, "Enable color and intensity"},
-    {&kContrastAndBrightness, 106, "Enable contrast and brightness"},
-    {&kHueSaturationBrightness, 107, "Enable hue, saturation and brightness"},
-    {&kSigmoidalContrast, 108, "Enable sigmoidal contrast"},
-    {&kEqualize, 109, "Enable equalize"},
+    {LMF_FILTER_NORMALIZE, 104, "Enable normalize"},
+    {LMF_FILTER_COLOR_AND_INTENSITY, 105, "Enable color and intensity"},
+    {LMF_FILTER_CONTRAST_AND_BRIGHTNESS, 106, "Enable contrast and brightness"},
+    {LMF_FILTER_HUE_SATURATION_BRIGHTNESS, 107, "Enable hue, saturation and brightness"},
+    {LMF_FILTER_SIGMOIDAL_CONTRAST, 108, "Enable sigmoidal contrast"},
+    {LMF_FILTER_EQUALIZE, 109, "Enable equalize"},
 };
 
-DibHandle AdjustPipeline(DibHandle picture, const AdjustStageSet &stages, FilterContext *context) {
-    DibOwner current(picture);
+DibHandle AdjustPipeline(DibHandle picture, const AdjustStageSet &stages, FilterContext &context) {
+    LockedDib current(picture);
     for (int32_t i = 0; i < kAdjustStageCount; i++) {
-        if (!stages.isOn[i]) continue;
-        DibOwner changed(kAdjustStages[i].filter->FilterKernel(current.handle, context));
+        if (!stages.isOn[i] || !current) continue;
+        LockedDib changed(RunFilter(kAdjustStages[i].row, current, kModeTrueColor, context));
         if (changed) current = std::move(changed);
     }
-    return current.Release();
+    current.lock.Unlock();
+    return current.owner.Release();
 }
 
-AdjustPreview AdjustPreviewBase(DibHandle source, int32_t frameWidth, int32_t frameHeight) {
-    int32_t width = 0, height = 0;
-    if (!DibInfo(source, &width, &height, nullptr, nullptr)) return {};
-    DibOwner base;
-    if (width <= frameWidth && height <= frameHeight) {
-        base.Reset(DibClone(source));
+AdjustPreview AdjustPreviewBase(const ReadView &source, int32_t frameWidth, int32_t frameHeight) {
+    LockedDib base;
+    if (source.width <= frameWidth && source.height <= frameHeight) {
+        base = LockedDib(DibClone(source));
     } else {
-        const auto percent =
-            static_cast<int32_t>(std::min(int64_t{frameWidth} * 100 / width, int64_t{frameHeight} * 100 / height));
-        base.Reset(DibScalePercent(source, percent, percent, kWindowAutomatic));
+        const auto percent = static_cast<int32_t>(
+            std::min(int64_t{frameWidth} * 100 / source.width, int64_t{frameHeight} * 100 / source.height));
+        base = LockedDib(DibScalePercent(source, percent, percent, kWindowAutomatic));
     }
-    if (!DibInfo(base.handle, &width, &height, nullptr, nullptr)) return {};
-    return {base.Release(), (frameWidth - width) / 2, (frameHeight - height) / 2};
+    if (!base) return {};
+    const int32_t x = (frameWidth - base.View().width) / 2, y = (frameHeight - base.View().height) / 2;
+    return {base.Release(), x, y};
 }
 
 } // namespace lmf

@@ -1,15 +1,15 @@
 // The chain of six tone filters behind Adjust. It needs no window: a picture, six switches and the filters' parameters.
 #pragma once
 
-#include "engine/slots.h"
+#include "engine/catalogue.h"
 
 namespace lmf {
 
 inline constexpr int32_t kAdjustStageCount = 6;
 
 struct AdjustStage {
-    const FilterSlots *filter; ///< kernel and page of the stage
-    int32_t switchId;          ///< control that enables the stage
+    int32_t row;      ///< of the catalogue
+    int32_t switchId; ///< control that enables the stage
     const char *switchText;
 };
 
@@ -23,9 +23,9 @@ struct AdjustStageSet {
 
 /// Runs the enabled stages one after the other. A stage that fails leaves the picture as it was.
 /// @param picture  of 24 or 32 bits; this function frees it once a stage has replaced it
-/// @param context  the filters' parameters, with `mode` 0
+/// @param context  the filters' parameters
 /// @return the last picture, owned by the caller; `picture` itself where no stage replaced it.
-[[nodiscard]] DibHandle AdjustPipeline(DibHandle picture, const AdjustStageSet &stages, FilterContext *context);
+[[nodiscard]] DibHandle AdjustPipeline(DibHandle picture, const AdjustStageSet &stages, FilterContext &context);
 
 /// The picture that previews run on, and where it stands in its frame.
 struct AdjustPreview {
@@ -34,6 +34,6 @@ struct AdjustPreview {
 };
 
 /// A copy of the source, reduced to whole percents where it is larger than a frame of these inner sizes.
-[[nodiscard]] AdjustPreview AdjustPreviewBase(DibHandle source, int32_t frameWidth, int32_t frameHeight);
+[[nodiscard]] AdjustPreview AdjustPreviewBase(const ReadView &source, int32_t frameWidth, int32_t frameHeight);
 
 } // namespace lmf

@@ -1,6 +1,6 @@
 #include "common/random.h"
 
-#include "image/multiversion.h"
+#include "common/multiversion.h"
 
 namespace lmf {
 

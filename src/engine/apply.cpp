@@ -1,55 +1,68 @@
 #include "engine/apply.h"
 
-#include "engine/catalogue.h"
-
 namespace lmf {
 
-static uint32_t Fail(FilterContext *context, ErrorCode code) {
-    context->errorCode = code;
-    return 0;
+DibHandle RunFilter(int32_t row, const ReadView &source, int32_t mode, FilterContext &context) {
+    const FilterKernelFunction kernel = FilterCatalogue[row].filter->FilterKernel;
+    if (kernel == nullptr) return nullptr;
+    LimitAllSettings(context);
+    const int32_t modeOfRun = context.mode;
+    context.mode = mode;
+    DibHandle result = kernel(source, context);
+    context.mode = modeOfRun;
+    return result;
 }
 
-/// Runs the kernel on a private clone of `picture`.
-static DibHandle RunOnClone(const FilterEntry &entry, DibHandle picture, FilterContext *context) {
-    DibOwner working(DibClone(picture));
-    return working ? entry.slots->FilterKernel(working.handle, context) : nullptr;
+namespace {
+
+/// Is the second picture to move as the picture did?
+bool MovesSecond(uint32_t flags) {
+    return (flags & (FilterAcceptsGrey | FilterRunsSecond)) && !(flags & FilterKeepsSecond);
 }
 
-/// Moves the second picture with the first. A failure is silent: the second result then stays as it was.
-static void RunSecond(const FilterEntry &entry, FilterContext *context) {
-    const int32_t mode = context->mode;
-    context->mode = kModeGrey;
-    if (DibHandle moved = RunOnClone(entry, context->second, context)) {
-        BlockFree(context->secondResult);
-        context->secondResult = moved;
+/// What becomes of the second picture, once the kernel has had its say.
+void FinishSecond(uint32_t flags, FilterContext &context) {
+    const DibReadLock second(context.second);
+    if (MovesSecond(flags) && second) {
+        if (DibHandle moved = RunFilter(context.filterIndex, second.view, kModeGrey, context))
+            ReplaceSecond(context, moved);
     }
-    context->mode = mode;
+    if (flags & FilterDropsSecond) ReplaceSecond(context, nullptr);
+    if (!context.secondIsReplaced) ReplaceSecond(context, DibClone(context.second));
+}
+
+int32_t RunOnce(FilterContext &context) {
+    BlockFree(context.auxImage);
+    context.auxImage = nullptr;
+    const DibReadLock source(context.source);
+    if (!source) return LMF_ERROR_MEMORY;
+    context.secondIsReplaced = false;
+    LockedDib result(RunFilter(context.filterIndex, source.view, context.mode, context));
+    if (!result) return LMF_ERROR_MEMORY;
+    context.resultWidth = result.View().width;
+    context.resultHeight = result.View().height;
+    BlockFree(context.result);
+    context.result = result.Release();
+    FinishSecond(FilterCatalogue[context.filterIndex].flags, context);
+    return LMF_ERROR_OK;
+}
+
+} // namespace
+
+int32_t ApplyFilter(FilterContext &context) {
+    context.errorCode = RunOnce(context);
+    return context.errorCode;
 }
 
 uint32_t ApplyFilterDirect(FilterContext *context) {
-    BlockFree(context->auxImage);
-    context->auxImage = nullptr;
-    if (context->filterIndex < 0 || context->filterIndex >= kFilterCount) return Fail(context, kErrorUnsupported);
-    const FilterEntry &entry = FilterCatalogue[context->filterIndex];
-    if (!FilterAccepts(entry, context->mode)) return Fail(context, kErrorUnsupported);
-
-    DibHandle result = RunOnClone(entry, context->source, context);
-    if (result == nullptr) return Fail(context, kErrorMemory);
-    BlockFree(context->result);
-    context->result = result;
-
-    const bool runsSecond =
-        (entry.flags & (FilterAcceptsGrey | FilterRunsSecond)) && !(entry.flags & FilterKeepsSecond);
-    if (context->second != nullptr && runsSecond) RunSecond(entry, context);
-    if (entry.flags & FilterDropsSecond) {
-        BlockFree(context->secondResult);
-        context->secondResult = nullptr;
+    const bool isRow = context->filterIndex >= 0 && context->filterIndex < kFilterCount;
+    if (!isRow || !FilterAccepts(FilterCatalogue[context->filterIndex], context->mode)) {
+        BlockFree(context->auxImage);
+        context->auxImage = nullptr;
+        context->errorCode = LMF_ERROR_UNSUPPORTED;
+        return 0;
     }
-
-    if (!DibInfo(result, &context->resultWidth, &context->resultHeight, nullptr, nullptr))
-        return Fail(context, kErrorMemory);
-    context->errorCode = kErrorOk;
-    return 1;
+    return ApplyFilter(*context) == LMF_ERROR_OK;
 }
 
 } // namespace lmf

@@ -3,7 +3,8 @@
 
 #include <cstdint>
 
-#include "engine/slots.h"
+#include "engine/filter.h"
+#include "lmf16filter.h"
 
 namespace lmf {
 
@@ -34,15 +35,15 @@ inline constexpr const char *kCategoryList = "Artistic;Blur;Color;Effect;Image;N
 
 struct FilterEntry {
     const char *name;
-    const FilterSlots *slots;
-    int32_t category;               ///< index into kCategoryList
-    uint32_t flags;                 ///< FilterEnabled is the one bit that changes
-    int32_t itemId;                 ///< stable number for hosts, 0 to 94
-    int32_t pageId;                 ///< resource id of the page; 0: none
-    BlockHandle controls = nullptr; ///< zero-terminated ids of the page's controls while the dialog is open
+    const Filter *filter;
+    int32_t category; ///< index into kCategoryList
+    uint32_t flags;   ///< FilterEnabled is the one bit that changes
+    int32_t itemId;   ///< stable number for hosts, 0 to 94
+    int32_t pageId;   ///< resource id of the page; 0: none
 };
 
-inline constexpr int32_t kFilterCount = 95;
+inline constexpr int32_t kFilterCount = LMF_FILTER_COUNT;
+static_assert(kFilterCount == 95);
 
 extern FilterEntry FilterCatalogue[kFilterCount];
 
@@ -62,9 +63,23 @@ struct OfferRules {
 [[nodiscard]] bool FilterIsOffered(const OfferRules &rules, int32_t mode, bool restriction1, bool restriction2,
                                    bool hasSecond, int32_t row);
 
-/// Calls LoadSettings of all rows, and so on.
-void LoadAllSettings(FilterContext *context);
-void StoreAllSettings(FilterContext *context);
-void ResetAllDefaults(FilterContext *context);
+/// Every page's part of `Settings` into the context, limited, and what follows from the picture.
+void LoadAllSettings(FilterContext &context);
+/// Every page's part of the context into `Settings`.
+void StoreAllSettings(const FilterContext &context);
+/// Every page's restore values into the context.
+void ResetAllDefaults(FilterContext &context);
+/// Limits every page's numbers in the context. A kernel may read the settings of another page too.
+void LimitAllSettings(FilterContext &context);
+
+/// Where a control stands.
+struct ControlPlace {
+    int32_t id;
+    int32_t row; ///< of the catalogue
+    const PageControl *control;
+};
+
+/// The control with this id of any page, or null; ids are unique over all pages.
+[[nodiscard]] const ControlPlace *FindControl(int32_t id);
 
 } // namespace lmf

@@ -1,6 +1,7 @@
 #include "engine/do_image_filter.h"
 
 #include <cstring>
+#include <utility>
 
 #include "common/random.h"
 #include "engine/apply.h"
@@ -10,120 +11,108 @@
 
 namespace lmf {
 
-HostCall CurrentCall;
+namespace {
 
-static void KeepCall(int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags, const char *browserPath,
-                     uint32_t browserMask, const HostHooks *hooks) {
-    CurrentCall = {};
-    CurrentCall.hooks = hooks;
-    CurrentCall.runFlags = runFlags;
-    CurrentCall.buttonStyle = buttonStyle;
-    CurrentCall.gradientSliders = gradientSliders;
-    CurrentCall.browserMask = browserMask;
-    if (browserPath != nullptr) std::strncpy(CurrentCall.browserPath, browserPath, sizeof CurrentCall.browserPath - 1);
-}
+/// Set, since no host check is part of this build.
+constexpr bool kValidationState = true;
 
-static bool PassesHostFields(uint32_t runFlags) {
-    return (runFlags & (kRunDaubery | kRunPaint)) != 0;
+bool PassesHostFields(uint32_t runFlags) {
+    return (runFlags & (LMF_RUN_DAUBERY | LMF_RUN_PAINT)) != 0;
 }
 
 /// The kinds of host that leave the choice of filters to the user; for others they stay as they are.
-static constexpr uint32_t kReadsEnableFile = kRunStandard | kRunDaubery | kRunReelsmith | kRunFrameloom;
+constexpr uint32_t kReadsEnableFile = LMF_RUN_STANDARD | LMF_RUN_DAUBERY | LMF_RUN_REELSMITH | LMF_RUN_FRAMELOOM;
 
-static void ReadFiles() {
-    ReadSettings(CurrentCall.runFlags);
-    if (CurrentCall.runFlags & kReadsEnableFile) ReadEnableFile(CurrentCall.runFlags);
+void ReadFiles(uint32_t runFlags) {
+    ReadSettings(runFlags);
+    if (runFlags & kReadsEnableFile) ReadEnableFile(runFlags);
 }
 
-static void WriteFiles() {
-    if (CurrentCall.runFlags != 0) WriteEnableFile(CurrentCall.runFlags);
-    if (!(CurrentCall.runFlags & kRunDirect)) WriteSettings(CurrentCall.runFlags);
+void WriteFiles(uint32_t runFlags) {
+    if (runFlags != 0) WriteEnableFile(runFlags);
+    if (!(runFlags & LMF_RUN_DIRECT)) WriteSettings(runFlags);
 }
 
 /// The host's wishes before the run.
 /// @return the row to start with.
-static uint32_t ReadHostRecord(const HostRecord *record) {
+uint32_t ReadHostRecord(const HostRecord *record, uint32_t runFlags) {
     if (record == nullptr) return LMF_FILTER_LAST;
-    if (PassesHostFields(CurrentCall.runFlags)) {
+    if (PassesHostFields(runFlags)) {
         Settings.PaperColor = static_cast<int32_t>(record->paperColor);
         Settings.FilterApplyToDuplicate = record->applyToDuplicate;
     }
     return record->filterIndex;
 }
 
-static void WriteHostRecord(HostRecord *record, const FilterContext &context) {
+void WriteHostRecord(HostRecord *record, uint32_t runFlags, const FilterContext &context) {
     if (record == nullptr) return;
     record->filterIndex = static_cast<uint32_t>(context.filterIndex);
-    if (PassesHostFields(CurrentCall.runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
+    if (PassesHostFields(runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
 }
 
-/// Frees at the end of the scope what is still the context's own.
-struct ContextOwner {
-    FilterContext *context;
-
-    explicit ContextOwner(FilterContext *owned) : context(owned) {}
-    ContextOwner(const ContextOwner &) = delete;
-    ContextOwner &operator=(const ContextOwner &) = delete;
-    ~ContextOwner() {
-        BlockFree(context->result);
-        BlockFree(context->secondResult);
-        BlockFree(context->auxImage);
-    }
+/// A context that frees at the end of the scope what is still its own.
+struct OwningContext : FilterContext {
+    OwningContext() : FilterContext{} {}
+    OwningContext(const OwningContext &) = delete;
+    OwningContext &operator=(const OwningContext &) = delete;
+    ~OwningContext() { FreePictures(*this); }
 };
 
-static void FillContext(FilterContext *context, void *owner, DibHandle source, DibHandle second, uint32_t startIndex,
-                        int32_t hostReserved) {
-    context->ownerWindow = owner;
-    context->source = source;
-    context->second = second;
-    context->filterIndex = startIndex == LMF_FILTER_LAST ? Settings.CurrentFilter : static_cast<int32_t>(startIndex);
-    context->zoomA = context->zoomB = 100;
-    context->mode = DibClassify(source);
-    context->result = DibClone(source);
-    context->secondResult = DibClone(second);
-    context->paperColor = static_cast<Color>(Settings.PaperColor);
-    context->hostReserved = hostReserved;
+/// @return false where the source cannot be read.
+bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandle second, uint32_t startIndex,
+                 int32_t hostReserved) {
+    context.ownerWindow = owner;
+    context.source = source;
+    context.second = second;
+    context.filterIndex = startIndex == LMF_FILTER_LAST ? Settings.CurrentFilter : static_cast<int32_t>(startIndex);
+    context.mode = DibClassify(source);
+    context.paperColor = static_cast<Color>(Settings.PaperColor);
+    context.ditherBrightness = Settings.DitherBrightness;
+    context.ditherContrast = Settings.DitherContrast;
+    context.hostReserved = hostReserved;
+    if (!DibInfo(source, &context.width, &context.height, nullptr, nullptr)) return false;
+    context.resultWidth = context.width;
+    context.resultHeight = context.height;
+    LoadAllSettings(context);
+    return true;
 }
 
 /// Until there is a window to open, only the direct path can run a filter.
-static uint32_t RunFilter(FilterContext *context) {
-    if (CurrentCall.runFlags & kRunDirect) return ApplyFilterDirect(context);
-    context->errorCode = kErrorUnsupported;
+uint32_t Run(uint32_t runFlags, FilterContext &context) {
+    if (runFlags & LMF_RUN_DIRECT) return ApplyFilterDirect(&context);
+    context.errorCode = LMF_ERROR_UNSUPPORTED;
     return 0;
 }
 
-uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second, int32_t buttonStyle,
-                       int32_t gradientSliders, uint32_t runFlags, void *hostRecord, const char *browserPath,
-                       uint32_t browserMask, int32_t hostReserved, const HostHooks *hooks) {
-    if (picture == nullptr || second == nullptr) return 0;
+} // namespace
+
+uint64_t DoImageFilter(const HostCall &call) {
+    if (call.picture == nullptr || call.second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
-    KeepCall(buttonStyle, gradientSliders, runFlags, browserPath, browserMask, hooks);
-    ReadFiles();
+    ReadFiles(call.runFlags);
 
-    const bool batch = (runFlags & kRunBatch) != 0;
-    auto *record = batch ? nullptr : static_cast<HostRecord *>(hostRecord);
-    FilterContext context{};
-    const ContextOwner contextOwner(&context);
-    FillContext(&context, owner, *picture, *second, ReadHostRecord(record), hostReserved);
-    if (ValidationState == 0 || !DibInfo(context.source, &context.width, &context.height, nullptr, nullptr) ||
-        !DibInfo(context.result, &context.resultWidth, &context.resultHeight, nullptr, nullptr))
+    const bool batch = (call.runFlags & LMF_RUN_BATCH) != 0;
+    auto *record = batch ? nullptr : static_cast<HostRecord *>(call.hostRecord);
+    OwningContext context;
+    const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
+    if (!kValidationState ||
+        !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved))
         return 0;
-    LoadAllSettings(&context);
-    if (callback == nullptr) return 0;
+    if (call.callback == nullptr) return 0;
 
-    const uint32_t done = RunFilter(&context);
-    if (batch && hostRecord != nullptr)
-        std::memcpy(static_cast<uint8_t *>(hostRecord) + LMF_BATCH_ERROR_OFFSET, &context.errorCode, sizeof(int32_t));
+    const uint32_t done = Run(call.runFlags, context);
+    if (batch && call.hostRecord != nullptr)
+        std::memcpy(static_cast<uint8_t *>(call.hostRecord) + LMF_BATCH_ERROR_OFFSET, &context.errorCode,
+                    sizeof(int32_t));
     if (done != 0) {
         Settings.CurrentFilter = context.filterIndex;
         Settings.PaperColor = static_cast<int32_t>(context.paperColor);
-        *picture = context.result;
-        *second = context.secondResult;
-        context.result = context.secondResult = nullptr;
-        WriteHostRecord(record, context);
+        *call.picture = std::exchange(context.result, nullptr);
+        *call.second = std::exchange(context.secondResult, nullptr);
+        WriteHostRecord(record, call.runFlags, context);
     }
-    StoreAllSettings(&context);
-    WriteFiles();
+    StoreAllSettings(context);
+    WriteFiles(call.runFlags);
     return done;
 }
 

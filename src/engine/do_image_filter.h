@@ -8,23 +8,24 @@
 
 namespace lmf {
 
-/// What a host passed for the length of its call.
+/// The arguments of LMF16FILTERDoImageFilter, which documents them, in their order.
 struct HostCall {
-    const HostHooks *hooks;
-    uint32_t runFlags;
+    void *owner;
+    LmfHandle *picture;
+    LmfValidation callback;
+    LmfHandle *second;
     int32_t buttonStyle;
     int32_t gradientSliders;
+    uint32_t runFlags;
+    void *hostRecord;
+    const char *browserPath;
     uint32_t browserMask;
-    char browserPath[261];
+    int32_t hostReserved;
+    const HostHooks *hooks;
 };
 
-/// The host call in progress, or the last one.
-extern HostCall CurrentCall;
-
-/// See LMF16FILTERDoImageFilter, whose arguments these are.
+/// Runs the host's call.
 /// @return 1, or 0 with nothing written through `picture` and `second`.
-uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second, int32_t buttonStyle,
-                       int32_t gradientSliders, uint32_t runFlags, void *hostRecord, const char *browserPath,
-                       uint32_t browserMask, int32_t hostReserved, const HostHooks *hooks);
+uint64_t DoImageFilter(const HostCall &call);
 
 } // namespace lmf

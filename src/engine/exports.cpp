@@ -11,8 +11,8 @@ uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValidation
                                   int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags, void *hostRecord,
                                   const char *browserPath, uint32_t browserMask, int32_t hostReserved,
                                   const HostHooks *hooks) {
-    return lmf::DoImageFilter(owner, picture, callback, second, buttonStyle, gradientSliders, runFlags, hostRecord,
-                              browserPath, browserMask, hostReserved, hooks);
+    return lmf::DoImageFilter({owner, picture, callback, second, buttonStyle, gradientSliders, runFlags, hostRecord,
+                               browserPath, browserMask, hostReserved, hooks});
 }
 
 uint64_t LMF16FILTERDoPhotographDarkroom(DarkroomRequest *) {

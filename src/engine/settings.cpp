@@ -1,47 +1,58 @@
 #include "engine/settings.h"
 
+#include <algorithm>
+
 #include "engine/build_date.h"
 
 namespace lmf {
 
-static constexpr void SetText(char *text, const char *value) {
-    for (size_t i = 0; i < kTextSize; i++) {
-        text[i] = *value;
-        if (*value != '\0') value++;
-    }
-}
-
-static constexpr SettingsStore MakeFactorySettings() {
-    SettingsStore settings{};
-#define FILTER_INT(key, value) settings.key = value;
-#define FILTER_BOOL(key, value) settings.key = value;
-#define FILTER_TEXT(key, value) SetText(settings.key, value);
-#define GENERAL_INT(key, value) settings.key = value;
-#define GENERAL_BOOL(key, value) settings.key = value;
-#define GENERAL_TEXT(key, value) SetText(settings.key, value);
-#define GENERAL_DATE(key, value) SetText(settings.key, value);
-#define CONTEXT_INT(key, value) settings.key = value;
-#include "engine/settings.def"
+static constexpr SettingsStore StartSettings() {
+    SettingsStore settings = kFactorySettings;
+    for (size_t i = 0; kBuildDate[i] != '\0'; i++) settings.BuildDate[i] = kBuildDate[i];
     return settings;
 }
 
-constinit SettingsStore Settings = MakeFactorySettings();
-
-const SettingsStore &FactorySettings() {
-    static constexpr SettingsStore kFactory = MakeFactorySettings();
-    return kFactory;
-}
+constinit SettingsStore Settings = StartSettings();
 
 const ConfigEntry ConfigTable[kConfigRows] = {
-#define FILTER_INT(key, value) {#key, &Settings.key, kConfigInt},
-#define FILTER_BOOL(key, value) {#key, &Settings.key, kConfigBool},
-#define FILTER_TEXT(key, value) {#key, Settings.key, kConfigText},
+#define FILTER_INT(key, value) {#key, &Settings.key, kConfigInt, &FilterParameters::key},
+#define FILTER_BOOL(key, value) {#key, &Settings.key, kConfigBool, &FilterParameters::key},
+#define FILTER_TEXT(key, value) {#key, Settings.key, kConfigText, nullptr, &FilterParameters::key},
 #define GENERAL_INT(key, value) {#key, &Settings.key, kConfigInt},
 #define GENERAL_BOOL(key, value) {#key, &Settings.key, kConfigBool},
 #define GENERAL_TEXT(key, value) {#key, Settings.key, kConfigText},
 #define GENERAL_DATE(key, value) {#key, Settings.key, kConfigText | kConfigWriteOnly},
 #include "engine/settings.def"
 };
+
+static const ConfigEntry kKeylessRows[] = {
+#define CONTEXT_INT(key, value) {#key, &Settings.key, kConfigInt, &FilterParameters::key},
+#include "engine/settings.def"
+};
+const std::span<const ConfigEntry> kKeylessSettings = kKeylessRows;
+
+template <typename Matches>
+static const ConfigEntry *FindRow(Matches matches) {
+    for (const std::span<const ConfigEntry> table : {std::span<const ConfigEntry>(ConfigTable), kKeylessSettings}) {
+        const auto row = std::find_if(table.begin(), table.end(), [&](const ConfigEntry &entry) {
+            return (entry.number != nullptr || entry.text != nullptr) && matches(entry);
+        });
+        if (row != table.end()) return &*row;
+    }
+    return nullptr;
+}
+
+const ConfigEntry *FindParameter(std::string_view key) {
+    return FindRow([&](const ConfigEntry &entry) { return key == entry.key; });
+}
+
+const ConfigEntry *FindParameter(NumberField number) {
+    return FindRow([&](const ConfigEntry &entry) { return entry.number == number; });
+}
+
+const ConfigEntry *FindParameter(TextMember text) {
+    return FindRow([&](const ConfigEntry &entry) { return entry.text == text; });
+}
 
 static consteval int CountRows(uint32_t type) {
     int count = 0;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace lmf {
 
@@ -29,11 +30,28 @@ struct SettingsStore : FilterParameters {
 #include "engine/settings.def"
 };
 
+using NumberField = int32_t FilterParameters::*;
+using TextMember = SettingText FilterParameters::*;
+
+/// The factory defaults. The build's date is not part of them: see ConfigTable.
+inline constexpr SettingsStore kFactorySettings = [] {
+    SettingsStore settings{};
+    const auto setText = [](char *text, const char *value) {
+        while (*value != '\0') *text++ = *value++;
+    };
+#define FILTER_INT(key, value) settings.key = value;
+#define FILTER_BOOL(key, value) settings.key = value;
+#define FILTER_TEXT(key, value) setText(settings.key, value);
+#define GENERAL_INT(key, value) settings.key = value;
+#define GENERAL_BOOL(key, value) settings.key = value;
+#define GENERAL_TEXT(key, value) setText(settings.key, value);
+#define CONTEXT_INT(key, value) settings.key = value;
+#include "engine/settings.def"
+    return settings;
+}();
+
 /// The variables that the settings files are read into and written from; they start at the factory defaults.
 extern SettingsStore Settings;
-
-/// The factory defaults.
-const SettingsStore &FactorySettings();
 
 /// Bits of ConfigEntry.type.
 enum ConfigType : uint32_t {
@@ -48,6 +66,8 @@ struct ConfigEntry {
     const char *key;
     void *variable; ///< int32_t, or a SettingText for a row with kConfigText
     uint32_t type;
+    NumberField number = nullptr; ///< the field of a filter's number, null for texts and general settings
+    TextMember text = nullptr;    ///< the field of a filter's text
 
     /// The value of a row without kConfigText.
     int32_t &Number() const { return *static_cast<int32_t *>(variable); }
@@ -59,5 +79,13 @@ inline constexpr size_t kConfigRows = 354;
 
 /// The settings in the order of the settings file.
 extern const ConfigEntry ConfigTable[kConfigRows];
+/// The filters' parameters that live in no file, in the same form.
+extern const std::span<const ConfigEntry> kKeylessSettings;
+
+/// The row of a filter's parameter in one of the two tables above, by its key or by its field; null where there is
+/// none.
+[[nodiscard]] const ConfigEntry *FindParameter(std::string_view key);
+[[nodiscard]] const ConfigEntry *FindParameter(NumberField number);
+[[nodiscard]] const ConfigEntry *FindParameter(TextMember text);
 
 } // namespace lmf

@@ -6,6 +6,7 @@
 #include "common/random.h"
 #include "common/text.h"
 #include "engine/catalogue.h"
+#include "lmf16filter.h"
 #include "platform/system.h"
 
 namespace lmf {
@@ -103,10 +104,10 @@ const SettingsFileSet &SettingsFilesFor(uint32_t runFlags) {
         uint32_t runFlags;
         SettingsFileSet files;
     } kHosts[] = {
-        {kRunDaubery, {"DauberyFiltr.ini", "DauberyFiltrEnable.ini", "DauberyFiltrList.txt"}},
-        {kRunReelsmith | kRunFrameloom,
+        {LMF_RUN_DAUBERY, {"DauberyFiltr.ini", "DauberyFiltrEnable.ini", "DauberyFiltrList.txt"}},
+        {LMF_RUN_REELSMITH | LMF_RUN_FRAMELOOM,
          {"AnimationFilter.ini", "AnimationFilterEnable.ini", "AnimationFilterList.txt"}},
-        {kRunBatch, {"LmfFiltrBatch.ini", "LmfFiltrEnableBatch.ini", "LmfFiltrListBatch.txt"}},
+        {LMF_RUN_BATCH, {"LmfFiltrBatch.ini", "LmfFiltrEnableBatch.ini", "LmfFiltrListBatch.txt"}},
     };
     static constexpr SettingsFileSet kStandard = {"LmfFiltr.ini", "LmfFiltrEnable.ini", "LmfFiltrList.txt"};
     for (const auto &host : kHosts) {

@@ -3,7 +3,7 @@
 // Obscure is the side of the cells that coarsen a face, in pixels; Mask blur the softness of the mask's edge and of the
 // blur; Mask opacity how much of the paper colour covers the rest; Line size the width of a frame in pixels; Round how
 // round the corners of a rectangle are, in percent.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
@@ -14,13 +14,13 @@ static constexpr const char *kFunctions =
     "Mask faces alpha (rectangular);Show faces alpha (elliptical);Mask faces alpha (elliptical)";
 
 static constexpr PageControl kPage[] = {
-    Combo(440, "Function:", &FilterParameters::FilterFaceDetectOption, kFunctions).Edit(0, INT32_MAX),
-    Slider(441, "Obscure:", &FilterParameters::FilterFaceDetectObscure, {2, 16}),
-    Slider(442, "Mask blur:", &FilterParameters::FilterFaceDetectBlur, {0, 65}),
-    Slider(443, "Mask opacity:", &FilterParameters::FilterFaceDetectOpacity, {8, 255}),
-    Slider(444, "Line size:", &FilterParameters::FilterFaceDetectLineSize, {1, 64}),
-    Slider(445, "Round:", &FilterParameters::FilterFaceDetectRound, {0, 100}),
+    Combo(440, "Function:", &P::FilterFaceDetectOption, kFunctions).Edit(0, INT32_MAX),
+    Slider(441, "Obscure:", &P::FilterFaceDetectObscure, {2, 16}),
+    Slider(442, "Mask blur:", &P::FilterFaceDetectBlur, {0, 65}),
+    Slider(443, "Mask opacity:", &P::FilterFaceDetectOpacity, {8, 255}),
+    Slider(444, "Line size:", &P::FilterFaceDetectLineSize, {1, 64}),
+    Slider(445, "Round:", &P::FilterFaceDetectRound, {0, 100}),
 };
-extern constexpr FilterSlots kFaceDetection = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kFaceDetection = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -3,22 +3,22 @@
 // label on a wider stroke in Key color, Heavy key line thrice as wide. Auto-rotate turns the label on tall
 // pictures. Opacity is that of the whole mark. The ends of the cross are round, unless the settings file says
 // otherwise.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    TextField(671, "Text:", &FilterParameters::FilterPosonlyString),
-    FontButton(670, "Font:", &FilterParameters::FilterPosonlyFontname),
-    CheckBox(672, "Bold", &FilterParameters::FilterPosonlyBold),
-    CheckBox(673, "Italic", &FilterParameters::FilterPosonlyItal),
-    ColorButton(674, "Key color", &FilterParameters::FilterPosonlyKeyColor),
-    CheckBox(675, "Key line", &FilterParameters::FilterPosonlyKeyLine),
-    CheckBox(676, "Heavy key line", &FilterParameters::FilterPosonlyBigline),
-    CheckBox(678, "Auto-rotate", &FilterParameters::FilterPosonlyAutorotate),
-    Slider(677, "Opacity:", &FilterParameters::FilterPosonlyOpacity, {32, 255}),
-    HiddenBool(&FilterParameters::FilterPosonlyRound),
+    TextField(671, "Text:", &P::FilterPosonlyString),
+    FontButton(670, "Font:", &P::FilterPosonlyFontname),
+    CheckBox(672, "Bold", &P::FilterPosonlyBold),
+    CheckBox(673, "Italic", &P::FilterPosonlyItal),
+    ColorButton(674, "Key color", &P::FilterPosonlyKeyColor),
+    CheckBox(675, "Key line", &P::FilterPosonlyKeyLine),
+    CheckBox(676, "Heavy key line", &P::FilterPosonlyBigline),
+    CheckBox(678, "Auto-rotate", &P::FilterPosonlyAutorotate),
+    Slider(677, "Opacity:", &P::FilterPosonlyOpacity, {32, 255}),
+    HiddenBool(&P::FilterPosonlyRound),
 };
-extern constexpr FilterSlots kPositionOnly = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kPositionOnly = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -1,12 +1,12 @@
 // Red-eye Reduction: finds eyes with the face finder beside the library and takes the red out of pupils that a flash
 // has lit. Threshold is how much stronger than green and blue the red must be to count, in thousandths.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(730, "Threshold:", &FilterParameters::FilterRRedeyeThreshold, {250, 2250}),
+    Slider(730, "Threshold:", &P::FilterRRedeyeThreshold, {250, 2250}),
 };
-extern constexpr FilterSlots kRedEyeReduction = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kRedEyeReduction = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

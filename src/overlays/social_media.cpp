@@ -4,7 +4,7 @@
 // blurred copy of it, with or without a shadow. Two colours, shape, angle and place in percent make the gradient; Hue,
 // Sat and Bri recolour the softened parts and Blur softens them. Key line draws a line around the picture, in pixels.
 // The shadow has a margin, an offset, a softness and an opacity.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
@@ -14,29 +14,29 @@ static constexpr const char *kProcesses =
     "Shadow large background";
 
 static constexpr PageControl kPage[] = {
-    FileCombo(1160, "Destination:", &FilterParameters::FilterSocialMediaDestination),
-    Combo(1161, "Process:", &FilterParameters::FilterSocialMediaProcess, kProcesses),
-    ColorButton(1162, "Solid / Start", &FilterParameters::FilterSocialMediaColor1),
-    ColorButton(1163, "End", &FilterParameters::FilterSocialMediaColor2),
-    Combo(1164, "Gradient:", &FilterParameters::FilterSocialMediaGradientType, "Linear;Conic;Spherical;Cubic"),
-    Slider(1165, "Gradient angle:", &FilterParameters::FilterSocialMediaGradientAngle, {0, 359}),
-    Slider(1166, "Gradient X:", &FilterParameters::FilterSocialMediaGradientX, {1, 99}),
-    Slider(1167, "Gradient Y:", &FilterParameters::FilterSocialMediaGradientY, {1, 99}),
-    CheckBox(1168, "Key line", &FilterParameters::FilterSocialMediaKeylineEnable),
-    Slider(1169, "Key line size:", &FilterParameters::FilterSocialMediaKeylineSize, {1, 30}),
-    ColorButton(1170, "Keyline", &FilterParameters::FilterSocialMediaKeylineColor),
-    NumberEdit(1171, "Hue:", &FilterParameters::FilterSocialMediaHSBHue, {0, 360}),
-    NumberEdit(1172, "Sat:", &FilterParameters::FilterSocialMediaHSBSat, {0, 200}),
-    NumberEdit(1173, "Bri:", &FilterParameters::FilterSocialMediaHSBBri, {0, 200}),
-    NumberEdit(1174, "Blur:", &FilterParameters::FilterSocialMediaBlur, {0, 100}),
-    Slider(1176, "Shadow mrgn.:", &FilterParameters::FilterSocialMediaFrameMargin, {1, 50}),
-    CheckBox(1175, "Shadow", &FilterParameters::FilterSocialMediaShadowEnable),
-    Slider(1177, "Shadow off.:", &FilterParameters::FilterSocialMediaShadowOffset, {0, 10}),
-    Slider(1178, "Shadow soft.:", &FilterParameters::FilterSocialMediaShadowSoftness, {0, 20}),
-    Slider(1179, "Shadow opac.:", &FilterParameters::FilterSocialMediaShadowOpacity, {1, 255}),
-    ColorButton(1180, "Shadow", &FilterParameters::FilterSocialMediaShadowColor),
-    HiddenNumber(&FilterParameters::FilterSocialMediaFrameSize, {INT32_MIN, INT32_MAX}),
+    ComboFrom(ListSource::Destinations, 1160, "Destination:", &P::FilterSocialMediaDestination),
+    Combo(1161, "Process:", &P::FilterSocialMediaProcess, kProcesses),
+    ColorButton(1162, "Solid / Start", &P::FilterSocialMediaColor1),
+    ColorButton(1163, "End", &P::FilterSocialMediaColor2),
+    Combo(1164, "Gradient:", &P::FilterSocialMediaGradientType, "Linear;Conic;Spherical;Cubic"),
+    Slider(1165, "Gradient angle:", &P::FilterSocialMediaGradientAngle, {0, 359}),
+    Slider(1166, "Gradient X:", &P::FilterSocialMediaGradientX, {1, 99}),
+    Slider(1167, "Gradient Y:", &P::FilterSocialMediaGradientY, {1, 99}),
+    CheckBox(1168, "Key line", &P::FilterSocialMediaKeylineEnable),
+    Slider(1169, "Key line size:", &P::FilterSocialMediaKeylineSize, {1, 30}),
+    ColorButton(1170, "Keyline", &P::FilterSocialMediaKeylineColor),
+    NumberEdit(1171, "Hue:", &P::FilterSocialMediaHSBHue, {0, 360}),
+    NumberEdit(1172, "Sat:", &P::FilterSocialMediaHSBSat, {0, 200}),
+    NumberEdit(1173, "Bri:", &P::FilterSocialMediaHSBBri, {0, 200}),
+    NumberEdit(1174, "Blur:", &P::FilterSocialMediaBlur, {0, 100}),
+    Slider(1176, "Shadow mrgn.:", &P::FilterSocialMediaFrameMargin, {1, 50}),
+    CheckBox(1175, "Shadow", &P::FilterSocialMediaShadowEnable),
+    Slider(1177, "Shadow off.:", &P::FilterSocialMediaShadowOffset, {0, 10}),
+    Slider(1178, "Shadow soft.:", &P::FilterSocialMediaShadowSoftness, {0, 20}),
+    Slider(1179, "Shadow opac.:", &P::FilterSocialMediaShadowOpacity, {1, 255}),
+    ColorButton(1180, "Shadow", &P::FilterSocialMediaShadowColor),
+    HiddenNumber(&P::FilterSocialMediaFrameSize, {INT32_MIN, INT32_MAX}),
 };
-extern constexpr FilterSlots kSocialMedia = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kSocialMedia = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

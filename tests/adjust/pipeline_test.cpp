@@ -4,17 +4,17 @@
 
 namespace lmf::testing {
 
-static DibHandle CloneOf(const DibOwner &picture) {
-    return DibClone(picture.handle);
+static DibHandle CloneOf(const LockedDib &picture) {
+    return DibClone(picture);
 }
 
 TEST(AdjustPipeline, WithoutSwitchesThePictureItselfComesBack) {
-    const DibOwner source = MakePicture(2, 1, 32, {0x80112233, 0xFF445566});
+    const LockedDib source = MakePicture(2, 1, 32, {0x80112233, 0xFF445566});
     FilterContext context = MakeContext();
     const DibHandle clone = CloneOf(source);
-    const DibOwner result(AdjustPipeline(clone, {}, &context));
-    EXPECT_EQ(result.handle, clone);
-    EXPECT_TRUE(SamePicture(result.handle, source.handle));
+    const LockedDib result(AdjustPipeline(clone, {}, &context));
+    EXPECT_EQ(result, clone);
+    EXPECT_TRUE(SamePicture(result, source));
     EXPECT_EQ(AdjustPipeline(nullptr, {{true, true, true, true, true, true}}, &context), nullptr);
 }
 
@@ -27,37 +27,37 @@ TEST(AdjustPipeline, RunsTheNamedFiltersInTheirOrder) {
                                  "Equalize"};
     FilterContext context = ContextWith(
         {{&P::FilterRed, 190}, {&P::FilterContrast, 160}, {&P::FilterHSBHue, 220}, {&P::FilterEqualizeShadow, 150}});
-    const DibOwner source = RandomPicture(23, 9, kModeTrueColor, 8);
+    const LockedDib source = RandomPicture(23, 9, kModeTrueColor, 8);
     for (uint32_t switches = 1; switches < 64; switches++) {
         AdjustStageSet stages;
-        DibOwner expected(CloneOf(source));
+        LockedDib expected(CloneOf(source));
         for (uint32_t i = 0; i < 6; i++) {
             stages.isOn[i] = switches >> i & 1;
-            if (stages.isOn[i]) expected = RunKernel(names[i], expected.handle, &context, true);
+            if (stages.isOn[i]) expected = RunKernel(names[i], expected, &context, true);
         }
         const int64_t blocks = LiveBlocks();
-        const DibOwner result(AdjustPipeline(CloneOf(source), stages, &context));
-        ASSERT_TRUE(SamePicture(result.handle, expected.handle)) << switches;
+        const LockedDib result(AdjustPipeline(CloneOf(source), stages, &context));
+        ASSERT_TRUE(SamePicture(result, expected)) << switches;
         ASSERT_EQ(LiveBlocks(), blocks + 1) << "pictures between the stages must be freed";
     }
 }
 
 TEST(AdjustPipeline, AFailedStageIsPassedOver) {
-    const DibOwner source = RandomPicture(5, 4, kModeTrueColor, 3);
+    const LockedDib source = RandomPicture(5, 4, kModeTrueColor, 3);
     FilterContext context = MakeContext();
     const AdjustStageSet stages{{false, true, true}};
     DibHandle clone = CloneOf(source);
     // Nothing can be allocated: both stages fail and the picture survives.
     FailAllocationAfter(0);
-    DibOwner result(AdjustPipeline(clone, stages, &context));
+    LockedDib result(AdjustPipeline(clone, stages, &context));
     FailAllocationAfter(-1);
-    EXPECT_EQ(result.handle, clone);
-    EXPECT_TRUE(SamePicture(result.handle, source.handle));
+    EXPECT_EQ(result, clone);
+    EXPECT_TRUE(SamePicture(result, source));
     // Grey pictures make Color and Intensity refuse; the contrast still runs.
     context.mode = kModeGrey;
-    const DibOwner grey = MakePicture(1, 1, 8, {128});
+    const LockedDib grey = MakePicture(1, 1, 8, {128});
     result.Reset(AdjustPipeline(CloneOf(grey), stages, &context));
-    EXPECT_EQ(PixelsOf(result.handle), (Pixels{129}));
+    EXPECT_EQ(PixelsOf(result), (Pixels{129}));
 }
 
 TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {
@@ -72,15 +72,15 @@ TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {
         {30, 90, 30, 45, 15, 45, 7, 0},
     };
     for (const Case &fit : kCases) {
-        const DibOwner source = RandomPicture(fit.width, fit.height, kModeTrueColor, 2);
-        const AdjustPreview preview = AdjustPreviewBase(source.handle, fit.frameWidth, fit.frameHeight);
-        const DibOwner base(preview.base);
+        const LockedDib source = RandomPicture(fit.width, fit.height, kModeTrueColor, 2);
+        const AdjustPreview preview = AdjustPreviewBase(source, fit.frameWidth, fit.frameHeight);
+        const LockedDib base(preview.base);
         int32_t width = 0, height = 0;
-        ASSERT_TRUE(DibInfo(base.handle, &width, &height, nullptr, nullptr));
+        ASSERT_TRUE(DibInfo(base, &width, &height, nullptr, nullptr));
         EXPECT_TRUE(width == fit.baseWidth && height == fit.baseHeight) << width << 'x' << height;
         EXPECT_TRUE(preview.x == fit.x && preview.y == fit.y) << preview.x << ',' << preview.y;
-        EXPECT_NE(base.handle, source.handle);
-        EXPECT_EQ(SamePicture(base.handle, source.handle), width == fit.width);
+        EXPECT_NE(base, source);
+        EXPECT_EQ(SamePicture(base, source), width == fit.width);
     }
     EXPECT_EQ(AdjustPreviewBase(nullptr, 10, 10).base, nullptr);
     EXPECT_EQ(AdjustPreviewBase(RandomPicture(300, 2, kModeTrueColor, 2).handle, 2, 2).base, nullptr);

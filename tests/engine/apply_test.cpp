@@ -8,16 +8,16 @@
 namespace lmf::testing {
 
 TEST(Apply, SaysWhyItRefuses) {
-    const DibOwner mono = RandomPicture(4, 4, kModeMono, 1), color = RandomPicture(4, 4, kModeTrueColor, 1);
+    const LockedDib mono = RandomPicture(4, 4, kModeMono, 1), color = RandomPicture(4, 4, kModeTrueColor, 1);
     struct Case {
         int32_t row;
         DibHandle source;
         ErrorCode expected;
     };
-    const Case cases[] = {{RowOf("Gamma"), mono.handle, kErrorUnsupported},
-                          {-1, color.handle, kErrorUnsupported},
-                          {kFilterCount, color.handle, kErrorUnsupported},
-                          {1 << 30, color.handle, kErrorUnsupported},
+    const Case cases[] = {{RowOf("Gamma"), mono, kErrorUnsupported},
+                          {-1, color, kErrorUnsupported},
+                          {kFilterCount, color, kErrorUnsupported},
+                          {1 << 30, color, kErrorUnsupported},
                           {RowOf("Invert Colors"), nullptr, kErrorMemory}};
     for (const Case &c : cases) {
         const DirectRun run(c.row, c.source);
@@ -33,12 +33,12 @@ TEST(Apply, FiltersThatNeedASecondPictureCountAsColorCapable) {
 }
 
 TEST(Apply, APointFilterLeavesTheSecondPictureAlone) {
-    const DibOwner color = RandomPicture(5, 4, kModeTrueColor, 1), alpha = RandomPicture(5, 4, kModeGrey, 2);
-    const DirectRun run(RowOf("Invert Colors"), color.handle, alpha.handle);
+    const LockedDib color = RandomPicture(5, 4, kModeTrueColor, 1), alpha = RandomPicture(5, 4, kModeGrey, 2);
+    const DirectRun run(RowOf("Invert Colors"), color, alpha);
     ASSERT_TRUE(run.good);
     EXPECT_EQ(run.context.errorCode, kErrorOk);
-    EXPECT_NE(run.context.secondResult, alpha.handle);
-    EXPECT_TRUE(SamePicture(run.context.secondResult, alpha.handle));
+    EXPECT_NE(run.context.secondResult, alpha);
+    EXPECT_TRUE(SamePicture(run.context.secondResult, alpha));
     EXPECT_EQ(run.context.mode, kModeTrueColor);
 }
 

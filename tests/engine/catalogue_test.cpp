@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "image/dib.h"
+#include "image/core/dib.h"
 #include "support/pictures.h"
 
 namespace lmf {

@@ -11,7 +11,8 @@ struct DirectRun {
     FilterContext context;
     bool good;
 
-    DirectRun(int32_t row, DibHandle source, DibHandle second = nullptr, const FilterContext &start = MakeContext())
+    DirectRun(int32_t row, const ReadView &source, DibHandle second = nullptr,
+              const FilterContext &start = MakeContext())
         : context(start) {
         context.filterIndex = row;
         context.source = source;

@@ -20,7 +20,7 @@ using testing::MakeContext;
 template <typename Visit>
 void ForEachControl(Visit visit) {
     for (const FilterEntry &entry : FilterCatalogue) {
-        for (const PageControl &control : entry.slots->page) visit(entry, control);
+        for (const PageControl &control : entry.filter->page) visit(entry, control);
     }
 }
 
@@ -103,14 +103,14 @@ TEST_F(Pages, ControlIdsAreUniqueOverAllPages) {
 
 TEST_F(Pages, DefaultsLieInTheirRanges) {
     ForEachNumber([](const std::string &name, const PageControl &control) {
-        EXPECT_LE(control.edit.min, control.edit.max) << name;
-        EXPECT_LE(control.stored.min, control.edit.min) << name;
-        EXPECT_GE(control.stored.max, control.edit.max) << name;
-        EXPECT_GE(RestoreValueOf(control), control.stored.min) << name;
-        EXPECT_LE(RestoreValueOf(control), control.stored.max) << name;
+        EXPECT_LE(control.limits.Typed().min, control.limits.Typed().max) << name;
+        EXPECT_LE(control.limits.Stored().min, control.limits.Typed().min) << name;
+        EXPECT_GE(control.limits.Stored().max, control.limits.Typed().max) << name;
+        EXPECT_GE(RestoreValueOf(control), control.limits.Stored().min) << name;
+        EXPECT_LE(RestoreValueOf(control), control.limits.Stored().max) << name;
         if (control.kind != ControlKind::CheckBox) {
-            EXPECT_GE(FactorySettings().*control.number, control.edit.min) << name;
-            EXPECT_LE(FactorySettings().*control.number, control.edit.max) << name;
+            EXPECT_GE(kFactorySettings.*control.number, control.limits.Typed().min) << name;
+            EXPECT_LE(kFactorySettings.*control.number, control.limits.Typed().max) << name;
         }
     });
 }
@@ -123,11 +123,11 @@ TEST_F(Pages, CombosAndRadioButtonsNameAllTheirValues) {
         EXPECT_EQ(control.list != nullptr, control.kind == ControlKind::Combo) << key;
         if (control.list != nullptr) {
             EXPECT_EQ(std::strstr(control.list, ";;"), nullptr) << key;
-            EXPECT_EQ(control.edit.min, 0) << key;
-            if (control.stored.max == INT32_MAX)
+            EXPECT_EQ(control.limits.Typed().min, 0) << key;
+            if (control.limits.Stored().max == INT32_MAX)
                 openLists.insert(key);
             else
-                EXPECT_EQ(control.edit.max, ListLength(control.list) - 1) << key;
+                EXPECT_EQ(control.limits.Typed().max, ListLength(control.list) - 1) << key;
         }
         if (control.kind == ControlKind::RadioButton) {
             EXPECT_TRUE(pressed[key].first.insert(control.pressedValue).second) << key;
@@ -144,18 +144,18 @@ TEST_F(Pages, CombosAndRadioButtonsNameAllTheirValues) {
 }
 
 TEST_F(Pages, RestoringGivesTheFactoryValuesButForFour) {
-    Settings = FactorySettings();
+    Settings = kFactorySettings;
     FilterContext loaded{}, restored{};
     LoadAllSettings(&loaded);
     ResetAllDefaults(&restored);
     ForEachControl([&](const FilterEntry &entry, const PageControl &control) {
         if (control.text == nullptr) return;
-        EXPECT_STREQ(restored.*control.text, FactorySettings().*control.text) << entry.name;
-        EXPECT_STREQ(loaded.*control.text, FactorySettings().*control.text) << entry.name;
+        EXPECT_STREQ(restored.*control.text, kFactorySettings.*control.text) << entry.name;
+        EXPECT_STREQ(loaded.*control.text, kFactorySettings.*control.text) << entry.name;
     });
     std::map<std::string, int32_t> different;
     ForEachNumber([&](const std::string &name, const PageControl &control) {
-        EXPECT_EQ(loaded.*control.number, FactorySettings().*control.number) << name;
+        EXPECT_EQ(loaded.*control.number, kFactorySettings.*control.number) << name;
         if (restored.*control.number != loaded.*control.number) different[KeyOf(control)] = restored.*control.number;
     });
     const std::map<std::string, int32_t> expected = {
@@ -178,7 +178,9 @@ TEST_F(Pages, LoadingLimitsEveryNumberToItsRange) {
         FilterContext again = context;
         LoadAllSettings(&context);
         ForEachNumber([&](const std::string &name, const PageControl &control) {
-            EXPECT_EQ(context.*control.number, std::clamp(extreme, control.stored.min, control.stored.max)) << name;
+            EXPECT_EQ(context.*control.number,
+                      std::clamp(extreme, control.limits.Stored().min, control.limits.Stored().max))
+                << name;
         });
         EXPECT_EQ(context.FilterMattWidth, 30);
         EXPECT_EQ(context.FilterMattDepth, 20);
@@ -193,24 +195,24 @@ TEST_F(Pages, AFilterTouchesItsOwnSettingsOnly) {
         FilterContext context{};
         std::memset(static_cast<FilterParameters *>(&context), 0x5A, sizeof(FilterParameters));
         FilterContext other = context;
-        entry.slots->ResetDefaults(&context);
+        entry.filter->ResetDefaults(&context);
         // Copying the page's values over must take back all that was changed.
-        const uint32_t answer = entry.slots->OnQuery(nullptr, kQueryUpdate, reinterpret_cast<uintptr_t>(&context),
-                                                     reinterpret_cast<uintptr_t>(&other));
+        const uint32_t answer = entry.filter->OnQuery(nullptr, kQueryUpdate, reinterpret_cast<uintptr_t>(&context),
+                                                      reinterpret_cast<uintptr_t>(&other));
         EXPECT_EQ(std::memcmp(static_cast<void *>(&context), static_cast<void *>(&other), sizeof context), 0)
             << entry.name;
-        EXPECT_EQ(answer == kQueryUnknown, entry.slots->page.empty()) << entry.name;
+        EXPECT_EQ(answer == kQueryUnknown, entry.filter->page.empty()) << entry.name;
     }
 }
 
 TEST_F(Pages, QueriesAreAnsweredByTheOwnerAlone) {
     for (const FilterEntry &owner : FilterCatalogue) {
-        EXPECT_EQ(owner.slots->OnQuery(nullptr, 0x41424344, 0, 0), kQueryUnknown) << owner.name;
-        for (const PageControl &control : owner.slots->page) {
+        EXPECT_EQ(owner.filter->OnQuery(nullptr, 0x41424344, 0, 0), kQueryUnknown) << owner.name;
+        for (const PageControl &control : owner.filter->page) {
             if (control.kind != ControlKind::Slider) continue;
             for (const FilterEntry &entry : FilterCatalogue) {
                 const uint32_t expected = &entry == &owner ? static_cast<uint32_t>(control.trackStyle) : kNotMine;
-                EXPECT_EQ(entry.slots->OnQuery(nullptr, kQueryTrackStyle, static_cast<uintptr_t>(control.id), 0),
+                EXPECT_EQ(entry.filter->OnQuery(nullptr, kQueryTrackStyle, static_cast<uintptr_t>(control.id), 0),
                           expected)
                     << entry.name << " " << control.id;
             }
@@ -225,7 +227,7 @@ TEST_F(Pages, SlotsRefuseWithoutValidation) {
     ValidationState = 0;
     LoadAllSettings(&context);
     ResetAllDefaults(&context);
-    EXPECT_EQ(FilterCatalogue[0].slots->OnQuery(nullptr, kQueryTrackStyle, 200, 0), 0u);
+    EXPECT_EQ(FilterCatalogue[0].filter->OnQuery(nullptr, kQueryTrackStyle, 200, 0), 0u);
     context.FilterContrast = 78;
     StoreAllSettings(&context);
     ValidationState = 1;

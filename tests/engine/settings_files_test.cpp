@@ -43,7 +43,7 @@ struct SettingsFiles : ::testing::Test {
     void SetUp() override {
         fs::create_directories(folder);
         ::setenv("XDG_CONFIG_HOME", root.c_str(), 1);
-        Settings = FactorySettings();
+        Settings = kFactorySettings;
         for (const FilterEntry &entry : FilterCatalogue) keptFlags.push_back(entry.flags);
     }
     void TearDown() override {
@@ -68,7 +68,7 @@ struct SettingsFiles : ::testing::Test {
 };
 
 bool IsFactory(const SettingsStore &settings) {
-    return std::memcmp(&settings, &FactorySettings(), sizeof settings) == 0;
+    return std::memcmp(&settings, &kFactorySettings, sizeof settings) == 0;
 }
 
 TEST_F(SettingsFiles, MissingFileOrFolderLeavesDefaults) {
@@ -108,7 +108,7 @@ TEST_F(SettingsFiles, LinesOfTheIniFile) {
         {"[PlugIn]\nFilterContrast = 3", 3},
     };
     for (const auto &[line, expected] : cases) {
-        Settings = FactorySettings();
+        Settings = kFactorySettings;
         ReadIni(line);
         EXPECT_EQ(Settings.FilterContrast, expected) << line;
     }
@@ -141,7 +141,7 @@ TEST_F(SettingsFiles, WritesTheExactLines) {
     ::unsetenv("TZ");
     const std::string start = ";LMFFILTR configuration file\n;Edit this at your own risk\n"
                               ";Last updated Sun Sep 09 01:46:40 2001\n;\n[PlugIn]\nBuildDate = ";
-    EXPECT_EQ(text.find(start + FactorySettings().BuildDate + "\nColourTableFile = LMFFILTR.CCL\n"), 0u);
+    EXPECT_EQ(text.find(start + kFactorySettings.BuildDate + "\nColourTableFile = LMFFILTR.CCL\n"), 0u);
     for (const char *line : {"DefaultFilterType = ", "FilterContrast = 4294967295", "FilterCurlAntialias = 652"})
         EXPECT_NE(text.find(std::string("\n") + line + "\n"), std::string::npos) << line;
     EXPECT_TRUE(text.ends_with("\nTrackFilterWindows = 1\n"));
@@ -164,7 +164,7 @@ TEST_F(SettingsFiles, RoundTripKeepsEverySetting) {
     }
     const SettingsStore saved = Settings;
     const std::string first = SavedIni();
-    Settings = FactorySettings();
+    Settings = kFactorySettings;
     ReadSettings(0);
     EXPECT_EQ(std::memcmp(&Settings, &saved, sizeof saved), 0);
     EXPECT_EQ(SavedIni(), first);
@@ -175,11 +175,11 @@ TEST_F(SettingsFiles, NoTextChangesAnotherSetting) {
     std::memset(Settings.FilterWatermarkString, 'b', kTextSize); // not even a terminator
     std::strcpy(Settings.FilterPosonlyString, "one\r\nFilterContrast = 9");
     SavedIni();
-    Settings = FactorySettings();
+    Settings = kFactorySettings;
     ReadSettings(0);
     EXPECT_STREQ(Settings.FilterPosonlyString, "one");
     EXPECT_EQ(std::string(Settings.FilterCaptionString), std::string(255 - std::strlen("FilterCaptionString"), 'a'));
-    SettingsStore expected = FactorySettings();
+    SettingsStore expected = kFactorySettings;
     for (auto field : {&FilterParameters::FilterCaptionString, &FilterParameters::FilterWatermarkString,
                        &FilterParameters::FilterPosonlyString})
         std::memcpy(expected.*field, Settings.*field, kTextSize);
@@ -328,8 +328,8 @@ int32_t Agree(void *, const char *) {
 
 /// One direct or other call of the main entry on a small grey picture.
 uint64_t Call(uint32_t runFlags, const char *filter, LmfValidation callback = Agree, bool picture = true) {
-    const DibOwner source = testing::MakePicture(2, 2, 8);
-    LmfHandle handle = picture ? source.handle : nullptr;
+    const LockedDib source = testing::MakePicture(2, 2, 8);
+    LmfHandle handle = picture ? source : nullptr;
     LmfHandle second = nullptr;
     Settings.CurrentFilter = RowOf(filter);
     const uint64_t done =
@@ -361,7 +361,7 @@ TEST_F(SettingsFiles, CallTakesSettingsLimitedAndStoresThem) {
     Put(folder / "LmfFiltrEnable.ini", "[Filter]\nGamma=0\n");
     Call(4, "Invert Colors");
     EXPECT_EQ(Settings.FilterGaussianRadius, 990) << "limited on the way into the context and stored back";
-    EXPECT_STREQ(Settings.BuildDate, FactorySettings().BuildDate);
+    EXPECT_STREQ(Settings.BuildDate, kFactorySettings.BuildDate);
     EXPECT_NE(Contents(folder / "LmfFiltrEnable.ini").find("\nGamma=1\n"), std::string::npos)
         << "a direct call does not read the enable file";
     Put(folder / "LmfFiltrEnable.ini", "[Filter]\nGamma=0\n");

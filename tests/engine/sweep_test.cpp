@@ -18,22 +18,21 @@ static std::vector<uint8_t> BytesOf(BlockHandle block) {
 }
 
 /// A result is a whole picture of a depth that the library makes.
-static void ExpectGoodPicture(DibHandle picture) {
-    DibLock lock(picture);
+static void ExpectGoodPicture(const ReadView &picture) {
+    const ReadView lock = picture;
     ASSERT_TRUE(lock);
-    const auto *header = reinterpret_cast<const DibHeader *>(lock.image);
-    const uint32_t bits = lock.view.bits;
+    const auto *header = reinterpret_cast<const DibHeader *>(lock);
+    const uint32_t bits = lock.bits;
     EXPECT_TRUE(bits == 1 || bits == 4 || bits == 8 || bits == 24 || bits == 32) << bits;
     EXPECT_EQ(header->biSize, 40);
     EXPECT_EQ(header->biPlanes, 1);
     EXPECT_EQ(header->biClrUsed, bits <= 8 ? 1u << bits : 0u);
-    EXPECT_EQ(BlockSize(picture),
-              PixelOffset(bits) + RowStride(lock.view.width, bits) * static_cast<uint64_t>(lock.view.height));
+    EXPECT_EQ(BlockSize(picture), PixelOffset(bits) + RowStride(lock.width, bits) * static_cast<uint64_t>(lock.height));
 }
 
 /// The pictures that a filter may meet in each mode, 32 and 4 bits among them.
-static std::vector<DibOwner> AllKinds(int32_t width, int32_t height, uint32_t seed) {
-    std::vector<DibOwner> pictures;
+static std::vector<LockedDib> AllKinds(int32_t width, int32_t height, uint32_t seed) {
+    std::vector<LockedDib> pictures;
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono})
         pictures.push_back(RandomPicture(width, height, mode, seed));
     seed++;
@@ -46,8 +45,8 @@ static std::vector<DibOwner> AllKinds(int32_t width, int32_t height, uint32_t se
 /// A setting inside its range, kept small where it is a size; now and then a value far outside.
 static int32_t RandomValue(const PageControl &control, uint32_t *state) {
     if (TestRandom(state) % 16 == 0) return TestRandom(state) % 2 ? std::numeric_limits<int32_t>::min() : -1;
-    const int64_t min = control.edit.min;
-    const int64_t span = std::min<int64_t>(control.edit.max - min, 300);
+    const int64_t min = control.limits.Typed().min;
+    const int64_t span = std::min<int64_t>(control.limits.Typed().max - min, 300);
     return static_cast<int32_t>(min + TestRandom(state) % (span + 1));
 }
 
@@ -56,7 +55,7 @@ protected:
     void SetUp() override { blocksBefore = LiveBlocks(); }
     void TearDown() override {
         FailAllocationAfter(-1);
-        Settings = FactorySettings();
+        Settings = kFactorySettings;
         EXPECT_EQ(LiveLocks(), 0);
         EXPECT_EQ(LiveBlocks(), blocksBefore);
     }
@@ -65,15 +64,15 @@ protected:
 };
 
 TEST_P(Sweep, AFailedAllocationLeavesNothingBehind) {
-    for (const DibOwner &source : AllKinds(9, 7, 11)) {
-        const DibOwner second = RandomPicture(9, 7, kModeGrey, 12);
-        const std::vector<uint8_t> sourceBytes = BytesOf(source.handle), secondBytes = BytesOf(second.handle);
+    for (const LockedDib &source : AllKinds(9, 7, 11)) {
+        const LockedDib second = RandomPicture(9, 7, kModeGrey, 12);
+        const std::vector<uint8_t> sourceBytes = BytesOf(source), secondBytes = BytesOf(second);
         const int64_t before = LiveBlocks();
         bool failed = true;
         for (int64_t n = 0; failed && n < 4000; n++) {
             FailAllocationAfter(n);
             {
-                const DirectRun run(GetParam(), source.handle, second.handle);
+                const DirectRun run(GetParam(), source, second);
                 failed = FailedAllocations() > 0;
                 FailAllocationAfter(-1);
                 if (run.good) ExpectGoodPicture(run.context.result);
@@ -82,8 +81,8 @@ TEST_P(Sweep, AFailedAllocationLeavesNothingBehind) {
             ASSERT_EQ(LiveBlocks(), before) << Entry().name << " with " << n << " allocations";
         }
         EXPECT_FALSE(failed) << Entry().name << " never ran to its end";
-        EXPECT_EQ(BytesOf(source.handle), sourceBytes);
-        EXPECT_EQ(BytesOf(second.handle), secondBytes);
+        EXPECT_EQ(BytesOf(source), sourceBytes);
+        EXPECT_EQ(BytesOf(second), secondBytes);
     }
 }
 
@@ -93,22 +92,22 @@ TEST_P(Sweep, TinyPicturesAndRandomSettings) {
     uint32_t state = 77 + static_cast<uint32_t>(GetParam());
     for (const auto &[width, height] : kSizes) {
         // Companions of another size and depth: a filter must never index one picture by the other's size.
-        const DibOwner seconds[] = {DibOwner(), RandomPicture(width, height, kModeGrey, 3),
-                                    RandomPicture(2, 3, kModeGrey, 4), RandomPicture(5, 1, kModeTrueColor, 5)};
-        for (const DibOwner &source : AllKinds(width, height, state)) {
-            const std::vector<uint8_t> sourceBytes = BytesOf(source.handle);
-            for (const DibOwner &second : seconds) {
-                for (const PageControl &control : Entry().slots->page)
+        const LockedDib seconds[] = {LockedDib(), RandomPicture(width, height, kModeGrey, 3),
+                                     RandomPicture(2, 3, kModeGrey, 4), RandomPicture(5, 1, kModeTrueColor, 5)};
+        for (const LockedDib &source : AllKinds(width, height, state)) {
+            const std::vector<uint8_t> sourceBytes = BytesOf(source);
+            for (const LockedDib &second : seconds) {
+                for (const PageControl &control : Entry().filter->page)
                     if (control.number != nullptr) Settings.*control.number = RandomValue(control, &state);
                 FilterContext context = MakeContext();
                 context.paperColor = TestRandom(&state) & 0xFFFFFF;
                 context.width = width;
                 context.height = height;
-                Entry().slots->LoadSettings(&context);
-                const DirectRun run(GetParam(), source.handle, second.handle, context);
+                Entry().filter->LoadSettings(&context);
+                const DirectRun run(GetParam(), source, second, context);
                 if (run.good) ExpectGoodPicture(run.context.result);
             }
-            ASSERT_EQ(BytesOf(source.handle), sourceBytes) << Entry().name << " changed its source";
+            ASSERT_EQ(BytesOf(source), sourceBytes) << Entry().name << " changed its source";
         }
     }
 }
@@ -135,16 +134,16 @@ TEST_P(Sweep, LyingBlocksAreRefusedOrSurvived) {
         {3, 3, 2, 56 + 12},      {3, 3, 7, 40 + 512 + 12},
         {3, 3, 64, 40 + 72},     {3, 3, 65535, 40 + 4 * 24576},
     };
-    const DibOwner good = RandomPicture(4, 4, kModeTrueColor, 2), grey = RandomPicture(4, 4, kModeGrey, 2);
+    const LockedDib good = RandomPicture(4, 4, kModeTrueColor, 2), grey = RandomPicture(4, 4, kModeGrey, 2);
     for (const Lie &lie : kLies) {
         const BlockOwner block(BlockAlloc(lie.blockBytes));
         const DibHeader header{40, lie.width, lie.height, 1, lie.bits, 0, 0, 0, 0, 0, 0};
-        if (void *bytes = BlockLock(block.handle)) {
+        if (void *bytes = BlockLock(block)) {
             std::memset(bytes, 0xA5, lie.blockBytes);
             std::memcpy(bytes, &header, std::min<uint64_t>(sizeof header, lie.blockBytes));
-            BlockUnlock(block.handle);
+            BlockUnlock(block);
         }
-        for (const auto &[source, second] : {std::pair{block.handle, grey.handle}, {good.handle, block.handle}}) {
+        for (const auto &[source, second] : {std::pair{block, grey}, {good, block}}) {
             const DirectRun run(GetParam(), source, second);
             EXPECT_TRUE(!run.good || DibLock(run.context.result));
         }

@@ -1,6 +1,6 @@
 #include "support/clipboard.h"
 
-#include "image/dib.h"
+#include "image/core/dib.h"
 #include "platform/clipboard.h"
 
 namespace lmf {

@@ -2,18 +2,19 @@
 
 #include <cstring>
 
+#include "engine/apply.h"
+
 namespace lmf::testing {
 
-DibOwner MakePalettePicture(int32_t width, int32_t height, uint32_t bits, const Palette768 &palette,
-                            const Pixels &pixels) {
-    DibOwner picture(DibCreate(width, height, &palette, bits));
-    DibLock lock(picture.handle);
+LockedDib MakePalettePicture(int32_t width, int32_t height, uint32_t bits, const Palette768 &palette,
+                             const Pixels &pixels) {
+    LockedDib picture(DibCreate(width, height, &palette, bits));
     for (size_t i = 0; i < pixels.size(); i++)
-        DibSetPixel(lock.image, static_cast<int32_t>(i) % width, static_cast<int32_t>(i) / width, pixels[i]);
+        DibSetPixel(picture.View(), static_cast<int32_t>(i) % width, static_cast<int32_t>(i) / width, pixels[i]);
     return picture;
 }
 
-DibOwner MakePicture(int32_t width, int32_t height, uint32_t bits, const Pixels &pixels) {
+LockedDib MakePicture(int32_t width, int32_t height, uint32_t bits, const Pixels &pixels) {
     Palette768 palette = GreyRamp();
     if (bits == 1) std::memset(palette.rgb + 3, 255, 3);
     return MakePalettePicture(width, height, bits, palette, pixels);
@@ -26,7 +27,7 @@ uint32_t TestRandom(uint32_t *state) {
     return *state;
 }
 
-DibOwner RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t seed) {
+LockedDib RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t seed) {
     static constexpr uint32_t kDepths[] = {24, 8, 8, 1};
     uint32_t state = seed * 2654435761u + 1;
     if (state == 0) state = 1;
@@ -38,41 +39,29 @@ DibOwner RandomPicture(int32_t width, int32_t height, ImageMode mode, uint32_t s
     return MakePalettePicture(width, height, 8, palette, pixels);
 }
 
-DibOwner RandomDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
+LockedDib RandomDepth(int32_t width, int32_t height, uint32_t bits, uint32_t seed) {
     uint32_t state = seed * 2654435761u + 1;
     Pixels pixels(static_cast<size_t>(width) * static_cast<size_t>(height));
     for (uint32_t &pixel : pixels) pixel = TestRandom(&state) * 0x10001 ^ TestRandom(&state);
     return MakePicture(width, height, bits, pixels);
 }
 
-Pixels PixelsOf(DibHandle picture) {
+Pixels PixelsOf(const ReadView &picture) {
     Pixels pixels;
-    DibLock lock(picture);
-    ForEachPixel(lock.view, [&](int32_t x, int32_t y) { pixels.push_back(DibGetPixel(lock.image, x, y)); });
+    ForEachPixel(picture, [&](int32_t x, int32_t y) { pixels.push_back(DibGetPixel(picture, x, y)); });
     return pixels;
 }
 
-Pixels PixelsOf(const DibOwner &picture) {
-    return PixelsOf(picture.handle);
-}
-
-Palette768 PaletteOf(const DibOwner &picture) {
-    Palette768 palette{};
-    EXPECT_TRUE(DibInfo(picture.handle, nullptr, nullptr, nullptr, &palette));
+Palette768 PaletteOf(const ReadView &picture) {
+    Palette768 palette;
+    DibReadPalette(picture, &palette);
     return palette;
 }
 
-bool SamePicture(DibHandle a, DibHandle b) {
-    DibLock lockA(a), lockB(b);
-    if (!lockA || !lockB || lockA.view.width != lockB.view.width || lockA.view.height != lockB.view.height ||
-        lockA.view.bits != lockB.view.bits)
-        return false;
-    const size_t table = PixelOffset(lockA.view.bits) - sizeof(DibHeader);
-    return std::memcmp(lockA.view.colorTable, lockB.view.colorTable, table) == 0 && PixelsOf(a) == PixelsOf(b);
-}
-
-bool SamePicture(const DibOwner &a, const DibOwner &b) {
-    return SamePicture(a.handle, b.handle);
+bool SamePicture(const ReadView &a, const ReadView &b) {
+    if (a.width < 1 || a.width != b.width || a.height != b.height || a.bits != b.bits) return false;
+    const size_t table = PixelOffset(a.bits) - sizeof(DibHeader);
+    return std::memcmp(a.colorTable, b.colorTable, table) == 0 && PixelsOf(a) == PixelsOf(b);
 }
 
 Color MixBytes(Color from, Color to, uint32_t weight) {
@@ -88,7 +77,7 @@ FilterContext MakeContext(ImageMode mode) {
     FilterContext context{};
     context.mode = mode;
     context.paperColor = 0xFFFFFF;
-    ResetAllDefaults(&context);
+    ResetAllDefaults(context);
     return context;
 }
 
@@ -109,15 +98,16 @@ const FilterEntry &EntryOf(const std::string &filter) {
     return FilterCatalogue[RowOf(filter)];
 }
 
-DibOwner RunKernel(const std::string &filter, DibHandle source, FilterContext *context, bool keepMode) {
-    if (!keepMode) context->mode = DibClassify(source);
-    DibInfo(source, &context->width, &context->height, nullptr, nullptr);
-    return DibOwner(EntryOf(filter).slots->FilterKernel(source, context));
+LockedDib RunKernel(const std::string &filter, const ReadView &source, FilterContext &context, bool keepMode) {
+    if (!keepMode) context.mode = DibClassify(source);
+    context.width = source.width;
+    context.height = source.height;
+    return LockedDib(RunFilter(RowOf(filter), source, context.mode, context));
 }
 
-DibOwner RunKernel(const std::string &filter, DibHandle source, const std::vector<Setting> &settings) {
+LockedDib RunKernel(const std::string &filter, const ReadView &source, const std::vector<Setting> &settings) {
     FilterContext context = ContextWith(settings);
-    return RunKernel(filter, source, &context);
+    return RunKernel(filter, source, context);
 }
 
 } // namespace lmf::testing

@@ -4,7 +4,7 @@
 
 namespace lmf::testing {
 
-DibOwner RandomKind(Kind kind, int32_t width, int32_t height, uint32_t seed) {
+LockedDib RandomKind(Kind kind, int32_t width, int32_t height, uint32_t seed) {
     static constexpr uint8_t kFew[] = {99, 100, 100, 100, 101, 103};
     static constexpr uint8_t kExtremes[] = {0, 0, 1, 2, 253, 254, 255, 255};
     static constexpr uint32_t kDepths[] = {24, 32, 8};
@@ -24,15 +24,16 @@ DibOwner RandomKind(Kind kind, int32_t width, int32_t height, uint32_t seed) {
 
 /// A third of the settings keep their defaults, where centres have exact mirror images.
 static void RandomSettings(const std::string &filter, FilterContext *context, uint32_t *state) {
-    for (const PageControl &control : EntryOf(filter).slots->page) {
-        const auto count = static_cast<uint32_t>(control.edit.max - control.edit.min + 1);
+    for (const PageControl &control : EntryOf(filter).filter->page) {
+        const auto count = static_cast<uint32_t>(control.limits.Typed().max - control.limits.Typed().min + 1);
         if (control.number != nullptr && TestRandom(state) / 64 % 3 != 0)
-            context->*control.number = control.edit.min + static_cast<int32_t>(TestRandom(state) / 64 % count);
+            context->*control.number =
+                control.limits.Typed().min + static_cast<int32_t>(TestRandom(state) / 64 % count);
     }
 }
 
 static void RunTrial(const std::string &filter, const Trials &trials, const Definition &definition,
-                     const DibOwner &source, uint32_t seed) {
+                     const LockedDib &source, uint32_t seed) {
     uint32_t state = seed;
     FilterContext context = MakeContext();
     context.paperColor = TestRandom(&state) & 0xFFFFFF;
@@ -40,14 +41,14 @@ static void RunTrial(const std::string &filter, const Trials &trials, const Defi
     if (!trials.otherPage.empty()) RandomSettings(trials.otherPage, &context, &state);
     for (const Setting &setting : trials.fixed) context.*setting.field = setting.value;
     SeedRandom(seed);
-    const DibOwner result = RunKernel(filter, source.handle, &context);
+    const LockedDib result = RunKernel(filter, source, context);
     const int32_t next = NextRandom();
     SeedRandom(seed);
-    const DibOwner expected = definition(source.handle, context);
-    ASSERT_EQ(result.handle != nullptr, expected.handle != nullptr);
+    const LockedDib expected = definition(source, context);
+    ASSERT_EQ(static_cast<bool>(result), static_cast<bool>(expected));
     if (expected) {
-        DibLock plain(expected.handle);
-        ExpectPixels(result, [&](int32_t x, int32_t y) { return DibGetPixel(plain.image, x, y); });
+        const ReadView plain = expected;
+        ExpectPixels(result, [&](int32_t x, int32_t y) { return DibGetPixel(plain, x, y); });
         ASSERT_TRUE(SamePicture(result, expected)) << "size, depth and palette";
     }
     ASSERT_EQ(next, NextRandom()) << "the random stream must go on after the last draw";

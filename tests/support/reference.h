@@ -10,7 +10,7 @@
 namespace lmf::testing {
 
 /// What a filter makes of a picture; empty where it refuses.
-using Definition = std::function<DibOwner(DibHandle source, const FilterContext &context)>;
+using Definition = std::function<LockedDib(const ReadView &source, const FilterContext &context)>;
 
 enum class Kind { Color, Alpha, Grey, Palette, Mono };
 
@@ -31,7 +31,7 @@ struct Trials {
 };
 
 /// A random picture: of all levels, of a few near ones or of the extremes, so that ties and overflows occur.
-DibOwner RandomKind(Kind kind, int32_t width, int32_t height, uint32_t seed);
+LockedDib RandomKind(Kind kind, int32_t width, int32_t height, uint32_t seed);
 
 /// Runs the filter and its definition, which must agree on the picture and on how far the random stream has moved.
 void ExpectDefinition(const std::string &filter, const Trials &trials, const Definition &definition);
@@ -39,8 +39,8 @@ void ExpectDefinition(const std::string &filter, const Trials &trials, const Def
 /// The definition whose pixel (x, y) is rule(from, context, x, y), with `from` the locked source.
 template <typename Rule>
 Definition ByPixel(Rule rule) {
-    return [rule](DibHandle source, const FilterContext &context) {
-        DibLock from(source);
+    return [rule](const ReadView &source, const FilterContext &context) {
+        const ReadView from = source;
         return PictureLike(source, [&](int32_t x, int32_t y) { return rule(from, context, x, y); });
     };
 }
@@ -49,11 +49,11 @@ Definition ByPixel(Rule rule) {
 /// the source. The alpha of 32 bits becomes 0.
 template <typename Rule>
 Definition ByChannel(Rule rule) {
-    return ByPixel([rule](const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+    return ByPixel([rule](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
         uint32_t pixel = 0;
-        for (int32_t shift = 0; shift < (from.view.bits == 8 ? 8 : 24); shift += 8) {
+        for (int32_t shift = 0; shift < (from.bits == 8 ? 8 : 24); shift += 8) {
             const auto read = [&](int32_t column, int32_t row) {
-                return static_cast<int32_t>(DibGetPixel(from.image, column, row) >> shift & 255);
+                return static_cast<int32_t>(DibGetPixel(from, column, row) >> shift & 255);
             };
             pixel |= static_cast<uint32_t>(rule(read, context, x, y)) << shift;
         }

@@ -1,6 +1,6 @@
 // Canvas: lays a texture over the picture, repeated over its whole area: where the texture is darker or lighter than
 // middle grey, so becomes the picture. Canvas chooses the texture; Contrast and Brightness work on the texture alone.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
@@ -9,10 +9,10 @@ static constexpr const char *kTextures =
     "Recycled paper;Haystack;Filaments;Upmarket driveway;Spheres;Permafrost";
 
 static constexpr PageControl kPage[] = {
-    Combo(280, "Canvas:", &FilterParameters::FilterTextureMode, kTextures),
-    Slider(281, "Contrast:", &FilterParameters::FilterTextureCont, {1, 254}),
-    Slider(282, "Brightness:", &FilterParameters::FilterTextureBri, {1, 254}).Restores(128),
+    Combo(280, "Canvas:", &P::FilterTextureMode, kTextures),
+    Slider(281, "Contrast:", &P::FilterTextureCont, {1, 254}),
+    Slider(282, "Brightness:", &P::FilterTextureBri, {1, 254}).Restores(128),
 };
-extern constexpr FilterSlots kCanvas = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kCanvas = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -1,12 +1,12 @@
 // Oil Painting: each pixel becomes the pixel whose luminance is the most frequent one around it, which joins the
 // picture into patches like strokes of a brush. Radius is that of the brush, in pixels.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    HundredthsSlider(640, "Radius:", &FilterParameters::FilterOilpaintRadius, {100, 400}),
+    HundredthsSlider(640, "Radius:", &P::FilterOilpaintRadius, {100, 400}),
 };
-extern constexpr FilterSlots kOilPainting = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kOilPainting = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

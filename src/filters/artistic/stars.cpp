@@ -3,20 +3,20 @@
 // Angle turns the rays, in degrees; Brightness sets their strength and Line size their width in pixels. Auto-line lets
 // the width follow the brightness of the spot, High resolution draws the rays smoothly, and Rotate matrix turns the
 // grid with them.
-#include "engine/slots.h"
+#include "engine/filter.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(920, "Cell size:", &FilterParameters::FilterStarCellsize, {2, 50}),
-    Slider(921, "Threshold:", &FilterParameters::FilterStarThreshold, {8, 248}),
-    Slider(922, "Angle:", &FilterParameters::FilterStarAngle, {0, 359}),
-    Slider(923, "Brightness:", &FilterParameters::FilterStarBrightness, {1, 5}),
-    Slider(924, "Line size:", &FilterParameters::FilterStarLinesize, {1, 16}),
-    CheckBox(925, "Auto-line", &FilterParameters::FilterStarAutoline),
-    CheckBox(926, "High resolution", &FilterParameters::FilterStarHighres),
-    CheckBox(927, "Rotate matrix", &FilterParameters::FilterStarRotmatrix),
+    Slider(920, "Cell size:", &P::FilterStarCellsize, {2, 50}),
+    Slider(921, "Threshold:", &P::FilterStarThreshold, {8, 248}),
+    Slider(922, "Angle:", &P::FilterStarAngle, {0, 359}),
+    Slider(923, "Brightness:", &P::FilterStarBrightness, {1, 5}),
+    Slider(924, "Line size:", &P::FilterStarLinesize, {1, 16}),
+    CheckBox(925, "Auto-line", &P::FilterStarAutoline),
+    CheckBox(926, "High resolution", &P::FilterStarHighres),
+    CheckBox(927, "Rotate matrix", &P::FilterStarRotmatrix),
 };
-extern constexpr FilterSlots kStars = MakeSlots<kPage>(UnavailableKernel);
+extern constexpr Filter kStars = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -2,14 +2,14 @@
 // three rotated, two inks swapped, or one channel copied over another.
 #include <cstring>
 
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Combo(310, "Mode:", &FilterParameters::FilterChannelMode,
+    Combo(310, "Mode:", &P::FilterChannelMode,
           "Red - Blue;Red - Green;Green - Blue;Left 1;Left 2;Right 1;Right 2;Cyan - Magenta;Megenta - Yellow;"
           "Yellow - Cyan;Red to Yellow;Red to Magenta;Green to Yellow;Green to Cyan;Blue to Magenta;Blue to Cyan"),
 };
@@ -65,10 +65,10 @@ static void ShuffleRow(uint8_t *__restrict to, const uint8_t *__restrict from, s
         for (size_t channel = 0; channel < 3; channel++) to[x * 3 + channel] = from[x * 3 + order[channel]];
 }
 
-static DibHandle ChannelsKernel(DibHandle source, FilterContext *context) {
+static DibHandle ChannelsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t mode = context->FilterChannelMode;
+    const int32_t mode = context.FilterChannelMode;
     const ChannelSources sources = kModes[mode < 0 || mode > 15 ? 0 : mode];
     // Bytes lie as blue, green, red.
     Bytes16 order{};
@@ -87,6 +87,6 @@ static DibHandle ChannelsKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kChannels = MakeSlots<kPage>(ChannelsKernel);
+extern constexpr Filter kChannels = MakeFilter<kPage>(ChannelsKernel);
 
 } // namespace lmf

@@ -1,9 +1,9 @@
 // Remove Alpha: lays the picture over the paper colour by its second picture, 255 for opaque, and drops that. Where
 // the second picture is smaller, the picture counts as opaque. There are no settings.
-#include "engine/slots.h"
-#include "image/div255.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/div255.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
@@ -22,34 +22,36 @@ static void LayRowOverPaper(uint8_t *__restrict to, const uint8_t *__restrict fr
     }
 }
 
-static void LayPixelsOverPaper(const DibLock &to, const DibLock &from, const DibLock &alpha, int32_t y, Color paper) {
-    for (int32_t x = 0; x < from.view.width; x++) {
-        const Color pixel = DibGetPixel(from.image, x, y);
-        const auto m = static_cast<uint8_t>(DibGetPixel(alpha.image, x, y));
-        DibSetPixel(to.image, x, y,
+static void LayPixelsOverPaper(const WriteView &to, const ReadView &from, const ReadView &alpha, int32_t y,
+                               Color paper) {
+    for (int32_t x = 0; x < from.width; x++) {
+        const Color pixel = DibGetPixel(from, x, y);
+        const auto m = static_cast<uint8_t>(DibGetPixel(alpha, x, y));
+        DibSetPixel(to, x, y,
                     PackColor(OverPaper(RedOf(pixel), RedOf(paper), m), OverPaper(GreenOf(pixel), GreenOf(paper), m),
                               OverPaper(BlueOf(pixel), BlueOf(paper), m)));
     }
 }
 
-static DibHandle RemoveAlphaKernel(DibHandle source, FilterContext *context) {
+static DibHandle RemoveAlphaKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source, 24, nullptr);
-    DibLock alpha(context->second);
-    if (!pass || !alpha) return nullptr;
-    const DibLock &from = pass.from, &to = pass.to;
-    const bool plainBytes = from.view.bits == 24 && alpha.view.bits == 8 && alpha.view.width >= from.view.width &&
-                            alpha.view.height >= from.view.height;
-    for (int32_t y = 0; y < from.view.height; y++) {
+    const DibReadLock second(context.second);
+    if (!pass || !second) return nullptr;
+    const ReadView &alpha = second.view;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
+    const bool plainBytes =
+        from.bits == 24 && alpha.bits == 8 && alpha.width >= from.width && alpha.height >= from.height;
+    for (int32_t y = 0; y < from.height; y++) {
         if (plainBytes)
-            LayRowOverPaper(to.view.Row(y), from.view.Row(y), alpha.view.Row(y), from.view.width, context->paperColor);
+            LayRowOverPaper(to.Row(y), from.Row(y), alpha.Row(y), from.width, context.paperColor);
         else
-            LayPixelsOverPaper(to, from, alpha, y, context->paperColor);
+            LayPixelsOverPaper(to, from, alpha, y, context.paperColor);
     }
-    BlockFree(context->secondResult);
-    context->secondResult = nullptr;
+    ReplaceSecond(context, nullptr);
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kRemoveAlpha = MakeSlots(RemoveAlphaKernel);
+extern constexpr Filter kRemoveAlpha = MakeFilter(RemoveAlphaKernel);
 
 } // namespace lmf

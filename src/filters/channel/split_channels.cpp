@@ -4,17 +4,17 @@
 // the second picture.
 #include <algorithm>
 
-#include "engine/slots.h"
-#include "image/pixel_pass.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Combo(910, "Mode:", &FilterParameters::FilterSplitMode,
+    Combo(910, "Mode:", &P::FilterSplitMode,
           "RGB red;RGB green;RGB blue;CMY cyan;CMY magenta;CMY yellow;CMYK cyan;CMYK magenta;CMYK yellow;CMYK black;"
           "Alpha"),
-    Slider(912, "Black rmvl:", &FilterParameters::FilterSplitRemove, {0, 100}),
-    CheckBox(911, "Tint", &FilterParameters::FilterSplitTint),
+    Slider(912, "Black rmvl:", &P::FilterSplitRemove, {0, 100}),
+    CheckBox(911, "Tint", &P::FilterSplitTint),
 };
 
 enum SplitMode : int32_t { kCmykCyan = 6, kCmykBlack = 9, kAlpha = 10 };
@@ -40,26 +40,26 @@ static int32_t PlaneValue(Color pixel, int32_t mode, int32_t removePercent) {
     return mode == kCmykBlack ? black : channels[mode % 3] - black;
 }
 
-static DibHandle SplitChannelsKernel(DibHandle source, FilterContext *context) {
-    const int32_t mode = std::clamp(context->FilterSplitMode, 0, static_cast<int32_t>(kAlpha));
-    const Palette768 palette = PlanePalette(mode, context->FilterSplitTint != 0);
+static DibHandle SplitChannelsKernel(const ReadView &source, FilterContext &context) {
+    const int32_t mode = std::clamp(context.FilterSplitMode, 0, static_cast<int32_t>(kAlpha));
+    const Palette768 palette = PlanePalette(mode, context.FilterSplitTint != 0);
     PixelPass pass(source, 8, &palette);
-    DibLock second(context->second);
-    if (!pass || (context->second != nullptr && !second)) return nullptr;
-    const DibLock &from = pass.from, &to = pass.to;
-    for (int32_t y = 0; y < from.view.height; y++) {
-        uint8_t *plane = to.view.Row(y);
-        for (int32_t x = 0; x < from.view.width; x++) {
+    const DibReadLock second(context.second);
+    if (!pass || (context.second != nullptr && !second)) return nullptr;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
+    for (int32_t y = 0; y < from.height; y++) {
+        uint8_t *plane = to.Row(y);
+        for (int32_t x = 0; x < from.width; x++) {
             if (mode != kAlpha)
-                plane[x] =
-                    static_cast<uint8_t>(PlaneValue(DibGetPixel(from.image, x, y), mode, context->FilterSplitRemove));
+                plane[x] = static_cast<uint8_t>(PlaneValue(DibGetPixel(from, x, y), mode, context.FilterSplitRemove));
             else if (second)
-                plane[x] = static_cast<uint8_t>(DibGetPixel(second.image, x, y));
+                plane[x] = static_cast<uint8_t>(DibGetPixel(second.view, x, y));
         }
     }
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kSplitChannels = MakeSlots<kPage>(SplitChannelsKernel);
+extern constexpr Filter kSplitChannels = MakeFilter<kPage>(SplitChannelsKernel);
 
 } // namespace lmf

@@ -1,15 +1,15 @@
 // Convert to 256 Colors: finds a palette of at most 256 colours for the picture and draws the picture in it. A picture
 // of few colours keeps them, at the least depth that holds them. "Dither" spreads the error of each pixel over its
 // neighbours.
-#include "engine/slots.h"
-#include "image/dib_ops.h"
-#include "image/dither.h"
-#include "image/octree.h"
+#include "engine/filter.h"
+#include "image/color/dither.h"
+#include "image/color/octree.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(340, "Dither", &FilterParameters::FilterConvertTo256Dither),
+    CheckBox(340, "Dither", &P::FilterConvertTo256Dither),
 };
 
 /// The least number of bits, 1 to 8, that holds as many colours.
@@ -19,18 +19,17 @@ static uint32_t BitsFor(uint32_t colors) {
     return bits;
 }
 
-static DibHandle ConvertTo256ColorsKernel(DibHandle source, FilterContext *context) {
-    uint32_t depth = 0;
-    if (!DibInfo(source, nullptr, nullptr, &depth, nullptr)) return nullptr;
-    DibOwner expanded(depth == 24 ? nullptr : ExpandToRgb(source));
-    DibHandle working = depth == 24 ? source : expanded.handle;
+static DibHandle ConvertTo256ColorsKernel(const ReadView &source, FilterContext &context) {
+    const LockedDib expanded(source.bits == 24 ? nullptr : ExpandToRgb(source));
+    if (source.bits != 24 && !expanded) return nullptr;
+    const ReadView working = source.bits == 24 ? source : ReadView(expanded);
     Palette768 palette;
     uint32_t colors = 256;
     if (!OctreePalette(working, &palette, &colors)) return nullptr;
-    return context->FilterConvertTo256Dither != 0 ? ErrorDiffuse(working, palette, BitsFor(colors))
-                                                  : RemapNearest(working, palette, BitsFor(colors));
+    return context.FilterConvertTo256Dither != 0 ? ErrorDiffuse(working, palette, BitsFor(colors))
+                                                 : RemapNearest(working, palette, BitsFor(colors));
 }
 
-extern constexpr FilterSlots kConvertTo256Colors = MakeSlots<kPage>(ConvertTo256ColorsKernel);
+extern constexpr Filter kConvertTo256Colors = MakeFilter<kPage>(ConvertTo256ColorsKernel);
 
 } // namespace lmf

@@ -1,26 +1,25 @@
 // Convert to Mono: a 1-bit black and white picture. With "Dither" the greys become patterns of dots; without it what is
 // brighter than "Threshold" becomes white. The second picture of the result is dropped.
-#include "engine/slots.h"
-#include "image/dither.h"
+#include "engine/filter.h"
+#include "image/color/dither.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(361, "Threshold:", &FilterParameters::FilterConvertToMonoThreshold, {1, 254}),
-    CheckBox(360, "Dither", &FilterParameters::FilterConvertToMonoDither),
+    Slider(361, "Threshold:", &P::FilterConvertToMonoThreshold, {1, 254}),
+    CheckBox(360, "Dither", &P::FilterConvertToMonoDither),
 };
 
-static DibHandle ConvertToMonoKernel(DibHandle source, FilterContext *context) {
+static DibHandle ConvertToMonoKernel(const ReadView &source, FilterContext &context) {
     const MonoTone tone = {Settings.DitherBrightness, Settings.DitherContrast};
-    DibOwner result(context->FilterConvertToMonoDither != 0
+    DibOwner result(context.FilterConvertToMonoDither != 0
                         ? ErrorDiffuse(source, kBlackAndWhite, 1, tone)
-                        : ThresholdToMono(source, context->FilterConvertToMonoThreshold));
+                        : ThresholdToMono(source, context.FilterConvertToMonoThreshold));
     if (!result) return nullptr;
-    BlockFree(context->secondResult);
-    context->secondResult = nullptr;
+    ReplaceSecond(context, nullptr);
     return result.Release();
 }
 
-extern constexpr FilterSlots kConvertToMono = MakeSlots<kPage>(ConvertToMonoKernel);
+extern constexpr Filter kConvertToMono = MakeFilter<kPage>(ConvertToMonoKernel);
 
 } // namespace lmf

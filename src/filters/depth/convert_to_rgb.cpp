@@ -1,13 +1,13 @@
 // Convert to RGB: a 24-bit picture of the colours that the pixels have in the picture's palette. There are no settings.
-#include "engine/slots.h"
-#include "image/dib_ops.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
-static DibHandle ConvertToRgbKernel(DibHandle source, FilterContext *) {
+static DibHandle ConvertToRgbKernel(const ReadView &source, FilterContext &) {
     return ExpandToRgb(source);
 }
 
-extern constexpr FilterSlots kConvertToRGB = MakeSlots(ConvertToRgbKernel);
+extern constexpr Filter kConvertToRGB = MakeFilter(ConvertToRgbKernel);
 
 } // namespace lmf

@@ -1,17 +1,22 @@
 // Crop: the part of the picture between Left and Right, Top and Bottom, in either order. Right and Bottom are not part
 // of it, so that the values a page opens with drop the last column and the last row. Nothing is kept in a file: every
 // call starts with the whole picture.
-#include "engine/slots.h"
-#include "image/dib_ops.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
+// Typing ends at 32767; the picture itself may be larger.
 static constexpr ControlRange kPixels{0, 32767};
+static constexpr PageControl Position(int32_t id, const char *label, NumberField field, RangeSource side) {
+    return NumberEdit(id, label, field, kPixels).Stored(0, INT32_MAX).Within(side).In(Unit::Pixels);
+}
+
 static constexpr PageControl kPage[] = {
-    NumberEdit(380, "Left:", &FilterParameters::FilterCropLeft, kPixels),
-    NumberEdit(381, "Top:", &FilterParameters::FilterCropTop, kPixels),
-    NumberEdit(382, "Right:", &FilterParameters::FilterCropRight, kPixels),
-    NumberEdit(383, "Bottom:", &FilterParameters::FilterCropBottom, kPixels),
+    Position(380, "Left:", &P::FilterCropLeft, RangeSource::PictureWidth),
+    Position(381, "Top:", &P::FilterCropTop, RangeSource::PictureHeight),
+    Position(382, "Right:", &P::FilterCropRight, RangeSource::PictureWidth),
+    Position(383, "Bottom:", &P::FilterCropBottom, RangeSource::PictureHeight),
 };
 
 /// Positions first <= i < last along one axis.
@@ -31,34 +36,23 @@ static CropSpan SpanBetween(int32_t a, int32_t b) {
     return span;
 }
 
-static DibHandle CropKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const CropSpan columns = SpanBetween(context->FilterCropLeft, context->FilterCropRight);
-    const CropSpan rows = SpanBetween(context->FilterCropTop, context->FilterCropBottom);
-    DibOwner result(DibCreateLike(from, columns.Length(), rows.Length()));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    DibCopyRect(to.image, 0, 0, from.image, static_cast<int32_t>(columns.first), static_cast<int32_t>(rows.first),
+static DibHandle CropKernel(const ReadView &source, FilterContext &context) {
+    const CropSpan columns = SpanBetween(context.FilterCropLeft, context.FilterCropRight);
+    const CropSpan rows = SpanBetween(context.FilterCropTop, context.FilterCropBottom);
+    LockedDib result(DibCreateLike(source, columns.Length(), rows.Length()));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    DibCopyRect(to, 0, 0, source, static_cast<int32_t>(columns.first), static_cast<int32_t>(rows.first),
                 columns.Length(), rows.Length());
-    to.Unlock();
     return result.Release();
 }
 
-static uint32_t StartAtWholePicture(FilterContext *context) {
-    if (ValidationState == 0) return 0;
-    context->FilterCropLeft = context->FilterCropTop = 0;
-    context->FilterCropRight = context->width - 1;
-    context->FilterCropBottom = context->height - 1;
-    return 1;
+static void StartAtWholePicture(FilterContext &context) {
+    context.FilterCropLeft = context.FilterCropTop = 0;
+    context.FilterCropRight = context.width - 1;
+    context.FilterCropBottom = context.height - 1;
 }
 
-static constexpr FilterSlots MakeCropSlots() {
-    FilterSlots slots = MakeSlots<kPage>(CropKernel);
-    slots.LoadSettings = StartAtWholePicture;
-    slots.ResetDefaults = StartAtWholePicture;
-    return slots;
-}
-extern constexpr FilterSlots kCrop = MakeCropSlots();
+extern constexpr Filter kCrop = MakeFilter<kPage>(CropKernel, {.startWithPicture = StartAtWholePicture});
 
 } // namespace lmf

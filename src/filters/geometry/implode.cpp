@@ -4,23 +4,23 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/geometry/ellipse.h"
-#include "image/dib_ops.h"
-#include "image/multiversion.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
+#include "image/geometry/ellipse.h"
 
 namespace lmf {
 
 static constexpr PageControl kExplodePage[] = {
-    Slider(430, "Amount:", &FilterParameters::FilterExplodeRadius, {1, 100}),
-    Slider(431, "Horz. Offset:", &FilterParameters::FilterExplodeXOff, {10, 90}),
-    Slider(432, "Vert. Offset:", &FilterParameters::FilterExplodeYOff, {10, 90}),
+    Slider(430, "Amount:", &P::FilterExplodeRadius, {1, 100}),
+    Slider(431, "Horz. Offset:", &P::FilterExplodeXOff, {10, 90}),
+    Slider(432, "Vert. Offset:", &P::FilterExplodeYOff, {10, 90}),
 };
 
 static constexpr PageControl kImplodePage[] = {
-    Slider(530, "Amount:", &FilterParameters::FilterImplodeRadius, {1, 100}),
-    Slider(531, "Horz. Offset:", &FilterParameters::FilterImplodeXOff, {10, 90}),
-    Slider(532, "Vert. Offset:", &FilterParameters::FilterImplodeYOff, {10, 90}),
+    Slider(530, "Amount:", &P::FilterImplodeRadius, {1, 100}),
+    Slider(531, "Horz. Offset:", &P::FilterImplodeXOff, {10, 90}),
+    Slider(532, "Vert. Offset:", &P::FilterImplodeYOff, {10, 90}),
 };
 
 /// The angle, 0 at the centre and a right angle at the rim, whose sine scales distances.
@@ -42,7 +42,7 @@ static void PlaceRow(double *__restrict xs, double *__restrict ys, const double 
 }
 
 /// The ellipse about the point at these parts of the sides.
-static Ellipse EllipseOf(const DibView &view, double xPart, double yPart) {
+static Ellipse EllipseOf(const ReadView &view, double xPart, double yPart) {
     const double width = view.width, height = view.height;
     Ellipse ellipse{.cx = xPart * width, .cy = yPart * height, .radius = xPart * width};
     if (view.height < view.width) ellipse.yScale = width / height;
@@ -55,15 +55,15 @@ static Ellipse EllipseOf(const DibView &view, double xPart, double yPart) {
 
 /// @param amount  1 magnifies most, -1 draws together most
 /// @param xPercent, yPercent  of the sides, the place of the centre
-static DibHandle ImplodeBy(DibHandle source, const FilterContext *context, double amount, int32_t xPercent,
+static DibHandle ImplodeBy(const ReadView &source, const FilterContext &context, double amount, int32_t xPercent,
                            int32_t yPercent) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const DibView &view = pass.from.view;
-    DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, view.width, view.height);
+    const ReadView &view = pass.from;
+    DibCopyRect(pass.to, 0, 0, pass.from, 0, 0, view.width, view.height);
     const Ellipse ellipse = EllipseOf(view, xPercent / 100.0, yPercent / 100.0);
     const bool done = WarpInside(
-        pass, ellipse, context->paperColor,
+        pass, ellipse, context.paperColor,
         [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
             AnglesOfRow(tables.first, begin, end, ellipse, dy);
             for (int32_t x = begin; x < end; x++) {
@@ -77,17 +77,17 @@ static DibHandle ImplodeBy(DibHandle source, const FilterContext *context, doubl
     return done ? pass.Finish() : nullptr;
 }
 
-static DibHandle ImplodeKernel(DibHandle source, FilterContext *context) {
-    return ImplodeBy(source, context, context->FilterImplodeRadius / 100.0, context->FilterImplodeXOff,
-                     context->FilterImplodeYOff);
+static DibHandle ImplodeKernel(const ReadView &source, FilterContext &context) {
+    return ImplodeBy(source, context, context.FilterImplodeRadius / 100.0, context.FilterImplodeXOff,
+                     context.FilterImplodeYOff);
 }
 
-static DibHandle ExplodeKernel(DibHandle source, FilterContext *context) {
-    return ImplodeBy(source, context, -(context->FilterExplodeRadius / 100.0), context->FilterExplodeXOff,
-                     context->FilterExplodeYOff);
+static DibHandle ExplodeKernel(const ReadView &source, FilterContext &context) {
+    return ImplodeBy(source, context, -(context.FilterExplodeRadius / 100.0), context.FilterExplodeXOff,
+                     context.FilterExplodeYOff);
 }
 
-extern constexpr FilterSlots kExplode = MakeSlots<kExplodePage>(ExplodeKernel);
-extern constexpr FilterSlots kImplode = MakeSlots<kImplodePage>(ImplodeKernel);
+extern constexpr Filter kExplode = MakeFilter<kExplodePage>(ExplodeKernel);
+extern constexpr Filter kImplode = MakeFilter<kImplodePage>(ImplodeKernel);
 
 } // namespace lmf

@@ -3,16 +3,16 @@
 #include <cmath>
 #include <cstring>
 
-#include "engine/slots.h"
-#include "filters/geometry/mirror.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
+#include "image/geometry/mirror.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1120, "Strength:", &FilterParameters::FilterLensCorrectStr, {0, 4000}),
-    Slider(1121, "Zoom:", &FilterParameters::FilterLensCorrectZoom, {0, 100}),
+    Slider(1120, "Strength:", &P::FilterLensCorrectStr, {0, 4000}),
+    Slider(1121, "Zoom:", &P::FilterLensCorrectZoom, {0, 100}),
 };
 
 struct Lens {
@@ -21,12 +21,12 @@ struct Lens {
     double zoom;
 };
 
-static Lens LensOf(const DibView &view, const FilterContext *context) {
+static Lens LensOf(const ReadView &view, const FilterContext &context) {
     const double width = view.width, height = view.height;
-    double strength = context->FilterLensCorrectStr / 1000.0;
+    double strength = context.FilterLensCorrectStr / 1000.0;
     if (strength == 0) strength = 0.00001;
     return {width * 0.5, height * 0.5, std::sqrt(width * width + height * height) / strength,
-            context->FilterLensCorrectZoom / 100.0 + 1.0};
+            context.FilterLensCorrectZoom / 100.0 + 1.0};
 }
 
 LMF_MULTIVERSION
@@ -48,26 +48,26 @@ static void PlaceRow(double *__restrict xs, double *__restrict ys, const double 
 }
 
 static void ReadRow(const PixelPass &pass, int32_t row, const double *xs, const double *ys, Color paper) {
-    const DibView &from = pass.from.view;
-    uint8_t *target = pass.to.view.Row(row);
+    const ReadView &from = pass.from;
+    uint8_t *target = pass.to.Row(row);
     for (int32_t x = 0; x < from.width; x++) {
         const bool inside = xs[x] > -1 && xs[x] < from.width && ys[x] > -1 && ys[x] < from.height;
         const auto fromX = static_cast<int32_t>(inside ? xs[x] : 0), fromY = static_cast<int32_t>(inside ? ys[x] : 0);
         if (inside && from.bits == 24)
             std::memcpy(target + static_cast<size_t>(x) * 3, from.Row(fromY) + static_cast<size_t>(fromX) * 3, 3);
         else
-            DibSetPixel(pass.to.image, x, row, inside ? DibGetPixel(pass.from.image, fromX, fromY) : paper);
+            DibSetPixel(pass.to, x, row, inside ? DibGetPixel(pass.from, fromX, fromY) : paper);
     }
 }
 
-static DibHandle LensCorrectionKernel(DibHandle source, FilterContext *context) {
+static DibHandle LensCorrectionKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t width = pass.from.view.width, height = pass.from.view.height;
+    const int32_t width = pass.from.width, height = pass.from.height;
     BlockArray<double> memory(static_cast<uint64_t>(width) * 3);
     if (!memory) return nullptr;
     double *thetas = memory.data, *xs = thetas + width, *ys = xs + width;
-    const Lens lens = LensOf(pass.from.view, context);
+    const Lens lens = LensOf(pass.from, context);
     const MirrorAxis columns(width, lens.cx);
     ForEachMirroredRow(
         MirrorAxis(height, lens.cy),
@@ -80,11 +80,11 @@ static DibHandle LensCorrectionKernel(DibHandle source, FilterContext *context) 
         },
         [&](int32_t y) {
             PlaceRow(xs, ys, thetas, width, lens, y - lens.cy);
-            ReadRow(pass, y, xs, ys, context->paperColor);
+            ReadRow(pass, y, xs, ys, context.paperColor);
         });
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kLensCorrection = MakeSlots<kPage>(LensCorrectionKernel);
+extern constexpr Filter kLensCorrection = MakeFilter<kPage>(LensCorrectionKernel);
 
 } // namespace lmf

@@ -1,7 +1,7 @@
 // Resize for other filters, with its numbers as arguments instead of settings.
 #pragma once
 
-#include "image/dib.h"
+#include "image/core/dib.h"
 
 namespace lmf {
 
@@ -19,6 +19,6 @@ struct ResizeParameters {
 
 /// The picture at another size, as the Resize filter makes it in this mode. New, owned by the caller; null on failure
 /// and when a side would come to nothing.
-[[nodiscard]] DibHandle ResizePicture(DibHandle source, int32_t mode, const ResizeParameters &parameters);
+[[nodiscard]] DibHandle ResizePicture(const ReadView &source, int32_t mode, const ResizeParameters &parameters);
 
 } // namespace lmf

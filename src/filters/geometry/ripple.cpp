@@ -4,22 +4,22 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/geometry/four_taps.h"
-#include "filters/geometry/mirror.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
+#include "image/geometry/four_taps.h"
+#include "image/geometry/mirror.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    OffsetSlider(790, "Center X:", &FilterParameters::FilterWaterCenterX, {0, 200}, 100),
-    OffsetSlider(791, "Center Y:", &FilterParameters::FilterWaterCenterY, {0, 200}, 100),
-    HundredthsSlider(792, "Amplitude:", &FilterParameters::FilterWaterAmplitude, {70, 8000}),
-    HundredthsSlider(793, "Wavelgth:", &FilterParameters::FilterWaterWavelength, {400, 5000}),
-    Slider(794, "Phase:", &FilterParameters::FilterWaterPhase, {0, 360}),
-    Slider(795, "Energy:", &FilterParameters::FilterWaterEnergy, {1, 100}),
-    CheckBox(796, "Dissipate", &FilterParameters::FilterWaterDissipate),
+    OffsetSlider(790, "Center X:", &P::FilterWaterCenterX, {0, 200}, 100),
+    OffsetSlider(791, "Center Y:", &P::FilterWaterCenterY, {0, 200}, 100),
+    HundredthsSlider(792, "Amplitude:", &P::FilterWaterAmplitude, {70, 8000}),
+    HundredthsSlider(793, "Wavelgth:", &P::FilterWaterWavelength, {400, 5000}),
+    Slider(794, "Phase:", &P::FilterWaterPhase, {0, 360}),
+    Slider(795, "Energy:", &P::FilterWaterEnergy, {1, 100}),
+    CheckBox(796, "Dissipate", &P::FilterWaterDissipate),
 };
 
 using FloatLanes = float __attribute__((vector_size(16)));
@@ -38,15 +38,15 @@ static double CentreOf(int32_t side, int32_t setting) {
     return static_cast<double>(static_cast<int64_t>(side) * (static_cast<int64_t>(setting) - 100) / 100) + side * 0.5;
 }
 
-static Waves WavesOf(const DibView &view, const FilterContext *context) {
+static Waves WavesOf(const ReadView &view, const FilterContext &context) {
     Waves waves{};
-    waves.cx = CentreOf(view.width, context->FilterWaterCenterX);
-    waves.cy = CentreOf(view.height, context->FilterWaterCenterY);
-    waves.amplitude = context->FilterWaterAmplitude / 100.0;
-    waves.wavelength = context->FilterWaterWavelength / 100.0;
-    waves.phase = context->FilterWaterPhase / 100.0;
-    waves.energy = context->FilterWaterEnergy / 100.0;
-    waves.dissipate = context->FilterWaterDissipate != 0;
+    waves.cx = CentreOf(view.width, context.FilterWaterCenterX);
+    waves.cy = CentreOf(view.height, context.FilterWaterCenterY);
+    waves.amplitude = context.FilterWaterAmplitude / 100.0;
+    waves.wavelength = context.FilterWaterWavelength / 100.0;
+    waves.phase = context.FilterWaterPhase / 100.0;
+    waves.energy = context.FilterWaterEnergy / 100.0;
+    waves.dissipate = context.FilterWaterDissipate != 0;
     const double right = view.width - waves.cx, bottom = view.height - waves.cy;
     waves.reach = std::sqrt(bottom * bottom + right * right);
     return waves;
@@ -69,13 +69,13 @@ static double HoldInside(double position, double last) {
 }
 
 /// Mixes single precision bytes of four neighbours; those outside count as 0.
-static uint32_t MixPixel(const DibLock &from, double sx, double sy) {
+static uint32_t MixPixel(const ReadView &from, double sx, double sy) {
     const auto ix = static_cast<int32_t>(sx), iy = static_cast<int32_t>(sy);
-    const bool hasRight = ix + 1 < from.view.width, hasBottom = iy + 1 < from.view.height;
-    const uint32_t p0 = DibGetPixel(from.image, ix, iy);
-    const uint32_t p1 = hasRight ? DibGetPixel(from.image, ix + 1, iy) : 0;
-    const uint32_t p2 = hasBottom ? DibGetPixel(from.image, ix, iy + 1) : 0;
-    const uint32_t p3 = hasRight && hasBottom ? DibGetPixel(from.image, ix + 1, iy + 1) : 0;
+    const bool hasRight = ix + 1 < from.width, hasBottom = iy + 1 < from.height;
+    const uint32_t p0 = DibGetPixel(from, ix, iy);
+    const uint32_t p1 = hasRight ? DibGetPixel(from, ix + 1, iy) : 0;
+    const uint32_t p2 = hasBottom ? DibGetPixel(from, ix, iy + 1) : 0;
+    const uint32_t p3 = hasRight && hasBottom ? DibGetPixel(from, ix + 1, iy + 1) : 0;
     const auto fx = static_cast<float>(sx - ix), fy = static_cast<float>(sy - iy);
     uint32_t mixed = 0;
     for (int shift = 0; shift < 32; shift += 8) {
@@ -89,13 +89,13 @@ static uint32_t MixPixel(const DibLock &from, double sx, double sy) {
 
 LMF_MULTIVERSION
 static void MixRow24(const PixelPass &pass, int32_t y, const double *__restrict shifts) {
-    const DibView view = pass.from.view;
-    uint8_t *target = pass.to.view.Row(y);
+    const ReadView view = pass.from;
+    uint8_t *target = pass.to.Row(y);
     for (int32_t x = 0; x < view.width; x++, target += 3) {
         const double sx = HoldInside(x + shifts[x], view.width - 1), sy = HoldInside(y + shifts[x], view.height - 1);
         const auto ix = static_cast<int32_t>(sx), iy = static_cast<int32_t>(sy);
         if (ix + 1 >= view.width || iy + 1 >= view.height) {
-            DibSetPixel(pass.to.image, x, y, MixPixel(pass.from, sx, sy));
+            DibSetPixel(pass.to, x, y, MixPixel(pass.from, sx, sy));
             continue;
         }
         FourTaps taps;
@@ -112,10 +112,10 @@ static void MixRow24(const PixelPass &pass, int32_t y, const double *__restrict 
     }
 }
 
-static DibHandle RippleKernel(DibHandle source, FilterContext *context) {
+static DibHandle RippleKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const DibView &view = pass.from.view;
+    const ReadView &view = pass.from;
     BlockArray<double> shifts(static_cast<uint64_t>(view.width));
     if (!shifts) return nullptr;
     const Waves waves = WavesOf(view, context);
@@ -131,13 +131,13 @@ static DibHandle RippleKernel(DibHandle source, FilterContext *context) {
         [&](int32_t y) {
             if (view.bits == 24) return MixRow24(pass, y, shifts.data);
             for (int32_t x = 0; x < view.width; x++)
-                DibSetPixel(pass.to.image, x, y,
+                DibSetPixel(pass.to, x, y,
                             MixPixel(pass.from, HoldInside(x + shifts[x], view.width - 1),
                                      HoldInside(y + shifts[x], view.height - 1)));
         });
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kRipple = MakeSlots<kPage>(RippleKernel);
+extern constexpr Filter kRipple = MakeFilter<kPage>(RippleKernel);
 
 } // namespace lmf

@@ -6,20 +6,20 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/geometry/free_rotation.h"
-#include "filters/geometry/turns.h"
-#include "image/paper.h"
+#include "engine/filter.h"
+#include "image/color/paper.h"
+#include "image/geometry/free_rotation.h"
+#include "image/geometry/turns.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    NumberEdit(800, "Angle (degrees):", &FilterParameters::FilterRotateAngle, {0, 3599}),
-    RadioButton(801, "", &FilterParameters::FilterRotateDirection, 0, {0, 1}),
-    RadioButton(802, "", &FilterParameters::FilterRotateDirection, 1, {0, 1}),
-    CheckBox(805, "Interpolate", &FilterParameters::FilterRotateInterpolate),
-    CheckBox(806, "Preserve size", &FilterParameters::FilterRotatePreserve),
-    CheckBox(807, "Maximum quality", &FilterParameters::FilterRotateShear),
+    NumberEdit(800, "Angle (degrees):", &P::FilterRotateAngle, {0, 3599}),
+    RadioButton(801, "", &P::FilterRotateDirection, 0, {0, 1}),
+    RadioButton(802, "", &P::FilterRotateDirection, 1, {0, 1}),
+    CheckBox(805, "Interpolate", &P::FilterRotateInterpolate),
+    CheckBox(806, "Preserve size", &P::FilterRotatePreserve),
+    CheckBox(807, "Maximum quality", &P::FilterRotateShear),
 };
 
 static constexpr int64_t kQuarter = 900; ///< tenths of a degree
@@ -30,7 +30,7 @@ static int32_t BoxSide(double along, double across, const RotationPlan &turn) {
     return side <= INT32_MAX ? std::max(static_cast<int32_t>(side), 1) : 0;
 }
 
-static RotationPlan PlanFor(int64_t tenths, const DibView &from, bool preserveSize) {
+static RotationPlan PlanFor(int64_t tenths, const ReadView &from, bool preserveSize) {
     const double angle = static_cast<double>(tenths) / 10.0 * std::numbers::pi / 180.0;
     RotationPlan plan{std::sin(angle), std::cos(angle), from.width, from.height, 0};
     if (!preserveSize) {
@@ -42,47 +42,41 @@ static RotationPlan PlanFor(int64_t tenths, const DibView &from, bool preserveSi
 }
 
 /// By one, two or three quarters to the left.
-static DibHandle TurnQuarters(DibHandle source, int64_t quarters) {
+static DibHandle TurnQuarters(const ReadView &source, int64_t quarters) {
     if (quarters == 2) return DibTurnHalf(source);
     return quarters == 1 ? DibTurnAnticlockwise(source) : DibTurnClockwise(source);
 }
 
 /// A quarter turn to the left or right, then shears by the 45 degrees at most that are left.
-static RotatedPicture TurnAndShear(DibHandle source, int64_t tenths, RotationPlan plan) {
+static RotatedPicture TurnAndShear(const ReadView &source, int64_t tenths, RotationPlan plan) {
     const int64_t quarters = (tenths + kQuarter / 2) / kQuarter;
     const double rest = static_cast<double>(tenths - quarters * kQuarter) / 10.0 * std::numbers::pi / 180.0;
     plan.sine = std::sin(rest);
     plan.cosine = std::cos(rest);
-    DibOwner turned;
-    if (quarters % 4 != 0) turned.Reset(TurnQuarters(source, quarters % 4));
-    DibLock from(turned ? turned.handle : source);
-    if (!from) return {};
-    return RotateByShears(from, plan);
+    if (quarters % 4 == 0) return RotateByShears(source, plan);
+    const LockedDib turned(TurnQuarters(source, quarters % 4));
+    return turned ? RotateByShears(turned, plan) : RotatedPicture{};
 }
 
-static DibHandle RotateFreely(DibHandle source, int64_t tenths, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    RotationPlan plan = PlanFor(tenths, from.view, context->FilterRotatePreserve != 0);
-    plan.fill = PaperFillValue(context->paperColor, context->mode, from.image);
+static DibHandle RotateFreely(const ReadView &source, int64_t tenths, FilterContext &context) {
+    RotationPlan plan = PlanFor(tenths, source, context.FilterRotatePreserve != 0);
+    plan.fill = PaperFillValue(context.paperColor, context.mode, source);
     const bool interpolate =
-        context->FilterRotateInterpolate != 0 && (context->mode == kModeTrueColor || context->mode == kModeGrey);
-    const bool byShears = interpolate && context->FilterRotateShear != 0 && HasBytePixels(from.view.bits);
-    RotatedPicture rotated = byShears ? TurnAndShear(source, tenths, plan) : RotateDirect(from, plan, interpolate);
+        context.FilterRotateInterpolate != 0 && (context.mode == kModeTrueColor || context.mode == kModeGrey);
+    const bool byShears = interpolate && context.FilterRotateShear != 0 && HasBytePixels(source.bits);
+    RotatedPicture rotated = byShears ? TurnAndShear(source, tenths, plan) : RotateDirect(source, plan, interpolate);
     if (!rotated.picture) return nullptr;
-    BlockFree(context->auxImage);
-    context->auxImage = rotated.coverage.Release();
+    BlockFree(context.auxImage);
+    context.auxImage = rotated.coverage.Release();
     return rotated.picture.Release();
 }
 
-static DibHandle RotateKernel(DibHandle source, FilterContext *context) {
-    int64_t tenths = context->FilterRotateAngle;
-    if (context->FilterRotateDirection == 1) tenths = 4 * kQuarter - tenths;
+static DibHandle RotateKernel(const ReadView &source, FilterContext &context) {
+    int64_t tenths = context.FilterRotateAngle;
+    if (context.FilterRotateDirection == 1) tenths = 4 * kQuarter - tenths;
     switch (tenths) {
-    case 0: {
-        DibLock from(source);
-        return from && CanReadPixels(from.view.bits) ? DibClone(source) : nullptr;
-    }
+    case 0:
+        return CanReadPixels(source.bits) ? DibClone(source) : nullptr;
     case kQuarter:
     case 2 * kQuarter:
     case 3 * kQuarter:
@@ -93,6 +87,6 @@ static DibHandle RotateKernel(DibHandle source, FilterContext *context) {
     }
 }
 
-extern constexpr FilterSlots kRotate = MakeSlots<kPage>(RotateKernel);
+extern constexpr Filter kRotate = MakeFilter<kPage>(RotateKernel);
 
 } // namespace lmf

@@ -2,15 +2,15 @@
 // from one into the other, so that what were neighbours in the middle of the picture meet where copies join. Palette
 // and mono pictures take each pixel whole from one of the halves, by an even pattern. The result has half the sides of
 // the picture; "Maintain size" brings it back to the picture's size.
-#include "engine/slots.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
 #include "filters/geometry/resize.h"
-#include "image/dib_ops.h"
-#include "image/multiversion.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(820, "Maintain size", &FilterParameters::FilterSeamlessMaintain),
+    CheckBox(820, "Maintain size", &P::FilterSeamlessMaintain),
 };
 
 /// How the halves of one axis fade: a position takes its far half, then more and more of the near one.
@@ -45,7 +45,7 @@ static void FadeRows(uint8_t *__restrict to, const uint16_t *__restrict farHalf,
 }
 
 /// @return false without memory.
-static bool MixHalves(const DibView &to, const DibView &from, const Fade &columns, const Fade &rows) {
+static bool MixHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
     const size_t channels = from.bits / 8;
     const size_t count = static_cast<size_t>(columns.side) * channels;
     BlockArray<uint16_t> shares(count), farRow(count), nearRow(count);
@@ -63,7 +63,7 @@ static bool MixHalves(const DibView &to, const DibView &from, const Fade &column
 
 /// Takes pixels whole. The thresholds are those of the ordered 4 x 4 dither of Bayer (1973), turned for the rows so
 /// that both choices do not fall together, and drawn together around the middle so that only a band is dithered.
-static void ChooseHalves(void *to, const void *from, const Fade &columns, const Fade &rows) {
+static void ChooseHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
     static constexpr uint8_t kThresholds[4][4] = {
         {88, 131, 99, 141}, {152, 109, 163, 120}, {104, 147, 93, 136}, {168, 125, 157, 115}};
     for (int32_t y = 0; y < rows.side; y++) {
@@ -76,43 +76,38 @@ static void ChooseHalves(void *to, const void *from, const Fade &columns, const 
 }
 
 /// The result without regard to "Maintain size"; the caller owns it.
-static DibHandle OverlapHalves(const DibLock &from, int32_t mode) {
-    const Fade columns(from.view.width), rows(from.view.height);
-    DibOwner result(DibCreateLike(from, columns.side, rows.side));
-    DibLock to(result.handle);
-    if (!to || !columns.share || !rows.share) return nullptr;
-    if (HasBytePixels(from.view.bits) && mode != kModePalette && mode != kModeMono) {
-        if (!MixHalves(to.view, from.view, columns, rows)) return nullptr;
+static DibHandle OverlapHalves(const ReadView &from, int32_t mode) {
+    const Fade columns(from.width), rows(from.height);
+    LockedDib result(DibCreateLike(from, columns.side, rows.side));
+    const WriteView &to = result.View();
+    if (!result || !columns.share || !rows.share) return nullptr;
+    if (HasBytePixels(from.bits) && mode != kModePalette && mode != kModeMono) {
+        if (!MixHalves(to, from, columns, rows)) return nullptr;
     } else {
-        ChooseHalves(to.image, from.image, columns, rows);
+        ChooseHalves(to, from, columns, rows);
     }
-    to.Unlock();
     return result.Release();
 }
 
 /// Twice the sides, less what an odd side has too much of. Palettes can only be enlarged by whole percentages.
-static DibHandle Enlarge(DibHandle half, int32_t mode, int32_t width, int32_t height) {
+static DibHandle Enlarge(const ReadView &half, int32_t mode, int32_t width, int32_t height) {
     ResizeParameters parameters;
     parameters.horizontal = 200;
     parameters.constant = false;
     parameters.byDimensions = true;
     parameters.width = width;
     parameters.depth = height;
-    DibOwner whole(ResizePicture(half, mode, parameters));
-    int32_t newWidth = 0, newHeight = 0;
-    if (!DibInfo(whole.handle, &newWidth, &newHeight, nullptr, nullptr)) return nullptr;
-    if (newWidth == width && newHeight == height) return whole.Release();
-    return DibCropRect(whole.handle, 0, 0, width, height);
+    LockedDib whole(ResizePicture(half, mode, parameters));
+    if (!whole || (whole.View().width == width && whole.View().height == height)) return whole.Release();
+    return DibCropRect(whole, 0, 0, width, height);
 }
 
-static DibHandle SeamlessKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    DibOwner half(OverlapHalves(from, context->mode));
-    if (!half || context->FilterSeamlessMaintain == 0) return half.Release();
-    return Enlarge(half.handle, context->mode, from.view.width, from.view.height);
+static DibHandle SeamlessKernel(const ReadView &source, FilterContext &context) {
+    LockedDib half(OverlapHalves(source, context.mode));
+    if (!half || context.FilterSeamlessMaintain == 0) return half.Release();
+    return Enlarge(half, context.mode, source.width, source.height);
 }
 
-extern constexpr FilterSlots kSeamless = MakeSlots<kPage>(SeamlessKernel);
+extern constexpr Filter kSeamless = MakeFilter<kPage>(SeamlessKernel);
 
 } // namespace lmf

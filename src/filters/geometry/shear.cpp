@@ -5,18 +5,18 @@
 #include <cstring>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/geometry/column_lines.h"
-#include "image/dib_ops.h"
-#include "image/multiversion.h"
-#include "image/paper.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/color/paper.h"
+#include "image/core/dib_ops.h"
+#include "image/geometry/column_lines.h"
 
 namespace lmf {
 
 static constexpr int32_t kStoredZero = 30;
 static constexpr PageControl kPage[] = {
-    OffsetSlider(880, "Horizontal:", &FilterParameters::FilterShearDegreeX, {0, 60}, kStoredZero),
-    OffsetSlider(881, "Vertical:", &FilterParameters::FilterShearDegreeY, {0, 60}, kStoredZero),
+    OffsetSlider(880, "Horizontal:", &P::FilterShearDegreeX, {0, 60}, kStoredZero),
+    OffsetSlider(881, "Vertical:", &P::FilterShearDegreeY, {0, 60}, kStoredZero),
 };
 
 /// How far the lines of one axis are shifted.
@@ -73,7 +73,7 @@ struct PaddedLine {
 };
 
 /// Shifts the rows of `from` into `to`, which is already filled. @return false without memory.
-static bool ShearRows(const DibView &to, const DibView &from, const Lean &lean, const uint8_t *fill) {
+static bool ShearRows(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
     PaddedLine line(from.width, from.bits / 8);
     if (!line.bytes) return false;
     for (int32_t y = 0; y < from.height; y++)
@@ -82,7 +82,7 @@ static bool ShearRows(const DibView &to, const DibView &from, const Lean &lean, 
 }
 
 /// The same for columns; `to` may be blank. @return false without memory.
-static bool ShearColumns(const DibView &to, const DibView &from, const Lean &lean, const uint8_t *fill) {
+static bool ShearColumns(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
     const ptrdiff_t channels = from.bits / 8;
     PaddedLine line(from.height, 1);
     if (!line.bytes) return false;
@@ -100,33 +100,30 @@ static int32_t Widened(int32_t side, int32_t margin) {
     return widened <= INT32_MAX ? static_cast<int32_t>(widened) : 0;
 }
 
-static DibHandle ShearKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
+static DibHandle ShearKernel(const ReadView &source, FilterContext &context) {
     // Indexes and bits cannot be blended; the catalogue lets no such picture through.
-    if (!from || !HasBytePixels(from.view.bits)) return nullptr;
-    const Lean across(context->FilterShearDegreeX, from.view.height);
-    DibOwner leaning(DibCreateLike(from, Widened(from.view.width, across.margin), from.view.height));
-    DibLock middle(leaning.handle);
-    if (!middle) return nullptr;
-    const uint32_t value = PaperFillValue(context->paperColor, context->mode, from.image);
-    DibFillRect(middle.image, 0, 0, middle.view.width, middle.view.height, value);
+    if (!HasBytePixels(source.bits)) return nullptr;
+    const Lean across(context.FilterShearDegreeX, source.height);
+    LockedDib leaning(DibCreateLike(source, Widened(source.width, across.margin), source.height));
+    const WriteView &middle = leaning.View();
+    if (!leaning) return nullptr;
+    const uint32_t value = PaperFillValue(context.paperColor, context.mode, source);
+    DibFillRect(middle, 0, 0, middle.width, middle.height, value);
     // The first pixel shows how the fill value lies in memory.
     uint8_t fill[4] = {};
-    std::memcpy(fill, middle.view.Row(0), from.view.bits / 8);
-    if (!ShearRows(middle.view, from.view, across, fill)) return nullptr;
+    std::memcpy(fill, middle.Row(0), source.bits / 8);
+    if (!ShearRows(middle, source, across, fill)) return nullptr;
 
-    const Lean down(context->FilterShearDegreeY, middle.view.width);
+    const Lean down(context.FilterShearDegreeY, middle.width);
     if (down.margin == 0) {
-        middle.Unlock();
         return leaning.Release();
     }
-    DibOwner result(DibCreateLike(from, middle.view.width, Widened(from.view.height, down.margin)));
-    DibLock to(result.handle);
-    if (!to || !ShearColumns(to.view, middle.view, down, fill)) return nullptr;
-    to.Unlock();
+    LockedDib result(DibCreateLike(source, middle.width, Widened(source.height, down.margin)));
+    const WriteView &to = result.View();
+    if (!result || !ShearColumns(to, middle, down, fill)) return nullptr;
     return result.Release();
 }
 
-extern constexpr FilterSlots kShear = MakeSlots<kPage>(ShearKernel);
+extern constexpr Filter kShear = MakeFilter<kPage>(ShearKernel);
 
 } // namespace lmf

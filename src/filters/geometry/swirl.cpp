@@ -4,10 +4,10 @@
 #include <cstring>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/geometry/ellipse.h"
-#include "image/dib_ops.h"
-#include "image/multiversion.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
+#include "image/geometry/ellipse.h"
 
 namespace lmf {
 
@@ -15,7 +15,7 @@ static constexpr int32_t kDegreesOffset = 1440;
 
 // Restoring puts the stored form where the degrees belong, so the stored value then lies above the spin's top.
 static constexpr PageControl kPage[] = {
-    NumberEdit(950, "Angle:", &FilterParameters::FilterSwirlDegrees, {0, 2880})
+    NumberEdit(950, "Angle:", &P::FilterSwirlDegrees, {0, 2880})
         .ShownLess(kDegreesOffset)
         .Stored(0, 2925)
         .Restores(2925),
@@ -42,7 +42,7 @@ static void PlaceRow(double *__restrict xs, double *__restrict ys, const double 
     }
 }
 
-static Ellipse EllipseOf(const DibView &view) {
+static Ellipse EllipseOf(const ReadView &view) {
     const double width = view.width, height = view.height;
     Ellipse ellipse{.cx = width * 0.5, .cy = height * 0.5, .radius = std::max(width * 0.5, height * 0.5)};
     if (view.width > view.height) ellipse.yScale = width / height;
@@ -52,16 +52,18 @@ static Ellipse EllipseOf(const DibView &view) {
 
 /// All bytes of the rows, the padding with them.
 static void CopyBlock(const PixelPass &pass) {
-    const DibView &from = pass.from.view, &to = pass.to.view;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     if (to.bits == from.bits)
         std::memcpy(to.bottom, from.bottom, static_cast<size_t>(from.stride) * static_cast<size_t>(from.height));
     else
-        DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, from.width, from.height);
+        DibCopyRect(pass.to, 0, 0, pass.from, 0, 0, from.width, from.height);
 }
 
 /// Swirl stores three bytes a pixel, so that a fourth one stays where it is.
 static void KeepAlpha(const PixelPass &pass) {
-    const DibView &from = pass.from.view, &to = pass.to.view;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     if (from.bits != 32 || to.bits != 32) return;
     for (int32_t y = 0; y < from.height; y++) {
         const uint8_t *source = from.Row(y);
@@ -70,15 +72,15 @@ static void KeepAlpha(const PixelPass &pass) {
     }
 }
 
-static DibHandle SwirlKernel(DibHandle source, FilterContext *context) {
+static DibHandle SwirlKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     CopyBlock(pass);
-    const Ellipse ellipse = EllipseOf(pass.from.view);
-    const double degrees = static_cast<double>(context->FilterSwirlDegrees) - kDegreesOffset;
+    const Ellipse ellipse = EllipseOf(pass.from);
+    const double degrees = static_cast<double>(context.FilterSwirlDegrees) - kDegreesOffset;
     const double centreAngle = degrees * std::numbers::pi / 180;
     const bool done = WarpInside(
-        pass, ellipse, context->paperColor,
+        pass, ellipse, context.paperColor,
         [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
             AnglesOfRow(tables.first, begin, end, ellipse, dy, centreAngle);
             for (int32_t x = begin; x < end; x++) {
@@ -95,6 +97,6 @@ static DibHandle SwirlKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kSwirl = MakeSlots<kPage>(SwirlKernel);
+extern constexpr Filter kSwirl = MakeFilter<kPage>(SwirlKernel);
 
 } // namespace lmf

@@ -2,15 +2,15 @@
 // at least that of the picture; "Integral size" rounds it up to whole copies.
 #include <cstring>
 
-#include "engine/slots.h"
-#include "image/dib_ops.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    NumberEdit(960, "Width:", &FilterParameters::FilterTileWide, {16, 10000}),
-    NumberEdit(961, "Depth:", &FilterParameters::FilterTileDeep, {16, 10000}),
-    CheckBox(962, "Integral size", &FilterParameters::FilterTileIntegral),
+    NumberEdit(960, "Width:", &P::FilterTileWide, {16, 10000}),
+    NumberEdit(961, "Depth:", &P::FilterTileDeep, {16, 10000}),
+    CheckBox(962, "Integral size", &P::FilterTileIntegral),
 };
 
 static int32_t SheetSide(int32_t wanted, int32_t side, bool integral) {
@@ -19,23 +19,20 @@ static int32_t SheetSide(int32_t wanted, int32_t side, bool integral) {
     return static_cast<int32_t>(std::min<int64_t>(rest == 0 ? least : least - rest + side, INT32_MAX));
 }
 
-static DibHandle TileKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
-    const bool integral = context->FilterTileIntegral != 0;
-    DibOwner result(DibCreateLike(from, SheetSide(context->FilterTileWide, width, integral),
-                                  SheetSide(context->FilterTileDeep, height, integral)));
-    DibLock to(result.handle);
-    if (!to) return nullptr;
-    for (int64_t x = 0; x < to.view.width; x += width)
-        DibCopyRect(to.image, static_cast<int32_t>(x), 0, from.image, 0, 0, width, height);
-    for (int32_t y = height; y < to.view.height; y++)
-        std::memcpy(to.view.Row(y), to.view.Row(y - height), static_cast<size_t>(to.view.stride));
-    to.Unlock();
+static DibHandle TileKernel(const ReadView &source, FilterContext &context) {
+    const int32_t width = source.width, height = source.height;
+    const bool integral = context.FilterTileIntegral != 0;
+    LockedDib result(DibCreateLike(source, SheetSide(context.FilterTileWide, width, integral),
+                                   SheetSide(context.FilterTileDeep, height, integral)));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    for (int64_t x = 0; x < to.width; x += width)
+        DibCopyRect(to, static_cast<int32_t>(x), 0, source, 0, 0, width, height);
+    for (int32_t y = height; y < to.height; y++)
+        std::memcpy(to.Row(y), to.Row(y - height), static_cast<size_t>(to.stride));
     return result.Release();
 }
 
-extern constexpr FilterSlots kTile = MakeSlots<kPage>(TileKernel);
+extern constexpr Filter kTile = MakeFilter<kPage>(TileKernel);
 
 } // namespace lmf

@@ -4,20 +4,20 @@
 // sides before it left. At least one pixel stays.
 #include <cstdlib>
 
-#include "engine/slots.h"
-#include "image/dib_ops.h"
+#include "engine/filter.h"
+#include "image/core/dib_ops.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Combo(993, "Trim mode:", &FilterParameters::FilterTrimMode, "By color;By size;By percent"),
-    CheckBox(994, "North", &FilterParameters::FilterTrimNorth),
-    CheckBox(995, "East", &FilterParameters::FilterTrimEast),
-    CheckBox(996, "South", &FilterParameters::FilterTrimSouth),
-    CheckBox(997, "West", &FilterParameters::FilterTrimWest),
-    Slider(990, "Tolerance:", &FilterParameters::FilterTrimTol, {0, 255}),
-    Slider(991, "Size:", &FilterParameters::FilterTrimSize, {1, 1024}),
-    Slider(992, "Percent:", &FilterParameters::FilterTrimPercent, {1, 50}),
+    Combo(993, "Trim mode:", &P::FilterTrimMode, "By color;By size;By percent"),
+    CheckBox(994, "North", &P::FilterTrimNorth),
+    CheckBox(995, "East", &P::FilterTrimEast),
+    CheckBox(996, "South", &P::FilterTrimSouth),
+    CheckBox(997, "West", &P::FilterTrimWest),
+    Slider(990, "Tolerance:", &P::FilterTrimTol, {0, 255}),
+    Slider(991, "Size:", &P::FilterTrimSize, {1, 1024}),
+    Slider(992, "Percent:", &P::FilterTrimPercent, {1, 50}),
 };
 
 enum TrimMode : int32_t { kByColor = 0, kBySize = 1, kByPercent = 2 };
@@ -33,7 +33,7 @@ static int32_t ChannelDistance(uint32_t a, uint32_t b) {
 }
 
 /// Are all pixels of the rectangle within the tolerance of `corner`?
-static bool IsPlain(const void *image, const Rest &part, uint32_t corner, int32_t tolerance) {
+static bool IsPlain(const ReadView &image, const Rest &part, uint32_t corner, int32_t tolerance) {
     for (int32_t y = part.top; y < part.bottom; y++) {
         for (int32_t x = part.left; x < part.right; x++) {
             if (ChannelDistance(DibGetPixel(image, x, y), corner) > tolerance) return false;
@@ -44,7 +44,8 @@ static bool IsPlain(const void *image, const Rest &part, uint32_t corner, int32_
 
 /// How many lines of a side go; `lineAt(k)` is the k-th line from that side and `most` what the side may lose.
 template <typename LineAt>
-static int32_t LinesToTrim(const FilterContext &context, const void *image, int32_t axis, int32_t most, LineAt lineAt) {
+static int32_t LinesToTrim(const FilterContext &context, const ReadView &image, int32_t axis, int32_t most,
+                           LineAt lineAt) {
     if (context.FilterTrimMode == kBySize) return std::clamp(context.FilterTrimSize, 0, most);
     if (context.FilterTrimMode == kByPercent)
         return static_cast<int32_t>(std::clamp<int64_t>(int64_t{axis} * context.FilterTrimPercent / 100, 0, most));
@@ -55,33 +56,31 @@ static int32_t LinesToTrim(const FilterContext &context, const void *image, int3
     return lines;
 }
 
-static DibHandle TrimKernel(DibHandle source, FilterContext *context) {
-    DibLock from(source);
-    if (!from) return nullptr;
-    const int32_t width = from.view.width, height = from.view.height;
+static DibHandle TrimKernel(const ReadView &source, FilterContext &context) {
+    const int32_t width = source.width, height = source.height;
     Rest rest{0, 0, width, height};
     const auto lines = [&](int32_t axis, int32_t most, auto lineAt) {
-        return LinesToTrim(*context, from.image, axis, most, lineAt);
+        return LinesToTrim(context, source, axis, most, lineAt);
     };
-    if (context->FilterTrimNorth)
+    if (context.FilterTrimNorth)
         rest.top += lines(height, height - 1, [&](int32_t k) {
             return Rest{rest.left, rest.top + k, rest.right, rest.top + k + 1};
         });
-    if (context->FilterTrimEast)
+    if (context.FilterTrimEast)
         rest.right -= lines(width, width - 1, [&](int32_t k) {
             return Rest{rest.right - k - 1, rest.top, rest.right - k, rest.bottom};
         });
-    if (context->FilterTrimSouth)
+    if (context.FilterTrimSouth)
         rest.bottom -= lines(height, rest.bottom - rest.top - 1, [&](int32_t k) {
             return Rest{rest.left, rest.bottom - k - 1, rest.right, rest.bottom - k};
         });
-    if (context->FilterTrimWest)
+    if (context.FilterTrimWest)
         rest.left += lines(width, rest.right - rest.left - 1, [&](int32_t k) {
             return Rest{rest.left + k, rest.top, rest.left + k + 1, rest.bottom};
         });
     return DibCropRect(source, rest.left, rest.top, rest.right, rest.bottom);
 }
 
-extern constexpr FilterSlots kTrim = MakeSlots<kPage>(TrimKernel);
+extern constexpr Filter kTrim = MakeFilter<kPage>(TrimKernel);
 
 } // namespace lmf

@@ -3,14 +3,14 @@
 #include <cstring>
 
 #include "common/random.h"
-#include "engine/slots.h"
-#include "image/pixel_pass.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 #include "platform/system.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1020, "Aperture:", &FilterParameters::FilterWaterDropsAperture, {3, 12}),
+    Slider(1020, "Aperture:", &P::FilterWaterDropsAperture, {3, 12}),
 };
 
 /// Offset of a neighbour along one axis, from a draw of the random stream.
@@ -22,8 +22,8 @@ static int32_t OffsetOf(int32_t draw, int32_t aperture) {
 /// @param draws  two for each pixel, the one for the column first
 template <size_t kBytes>
 static void ScatterRow(const PixelPass &pass, int32_t y, const uint16_t *draws, int32_t aperture) {
-    const DibView from = pass.from.view;
-    uint8_t *target = pass.to.view.Row(y);
+    const ReadView from = pass.from;
+    uint8_t *target = pass.to.Row(y);
     for (int32_t x = 0; x < from.width; x++, target += kBytes, draws += 2) {
         const int32_t fromX = x + OffsetOf(draws[0], aperture), fromY = y + OffsetOf(draws[1], aperture);
         const bool inside = fromX >= 0 && fromX < from.width && fromY >= 0 && fromY < from.height;
@@ -35,21 +35,21 @@ static void ScatterRow(const PixelPass &pass, int32_t y, const uint16_t *draws, 
 }
 
 static void ScatterRowOfAnyDepth(const PixelPass &pass, int32_t y, const uint16_t *draws, int32_t aperture) {
-    for (int32_t x = 0; x < pass.from.view.width; x++, draws += 2) {
+    for (int32_t x = 0; x < pass.from.width; x++, draws += 2) {
         const int32_t fromX = x + OffsetOf(draws[0], aperture), fromY = y + OffsetOf(draws[1], aperture);
-        DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, fromX, fromY));
+        DibSetPixel(pass.to, x, y, DibGetPixel(pass.from, fromX, fromY));
     }
 }
 
-static DibHandle WaterDropsKernel(DibHandle source, FilterContext *context) {
+static DibHandle WaterDropsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const DibView &view = pass.from.view;
+    const ReadView &view = pass.from;
     const size_t drawsOfRow = static_cast<size_t>(view.width) * 2;
     BlockArray<uint16_t> draws(drawsOfRow);
     if (!draws) return nullptr;
     const auto scatterRow = view.bits == 24 ? ScatterRow<3> : view.bits == 8 ? ScatterRow<1> : ScatterRowOfAnyDepth;
-    const int32_t aperture = std::max(context->FilterWaterDropsAperture, 1);
+    const int32_t aperture = std::max(context.FilterWaterDropsAperture, 1);
     SeedRandom(static_cast<uint32_t>(SystemTime()));
     for (int32_t y = 0; y < view.height; y++) {
         NextRandoms(draws.data, drawsOfRow);
@@ -58,6 +58,6 @@ static DibHandle WaterDropsKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kWaterDrops = MakeSlots<kPage>(WaterDropsKernel);
+extern constexpr Filter kWaterDrops = MakeFilter<kPage>(WaterDropsKernel);
 
 } // namespace lmf

@@ -3,21 +3,21 @@
 #include <cmath>
 #include <cstring>
 
-#include "engine/slots.h"
-#include "image/pixel_pass.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1050, "Intensity:", &FilterParameters::FilterWavesIntensity, {2, 16}),
-    Slider(1051, "Frequency:", &FilterParameters::FilterWavesFrequency, {2, 10}),
-    CheckBox(1052, "Horizontal", &FilterParameters::FilterWavesHorizontal),
+    Slider(1050, "Intensity:", &P::FilterWavesIntensity, {2, 16}),
+    Slider(1051, "Frequency:", &P::FilterWavesFrequency, {2, 10}),
+    CheckBox(1052, "Horizontal", &P::FilterWavesHorizontal),
 };
 
 /// Shift of line `line`, pixels. A shift of any size beyond the picture leaves the pixels where they are.
-static int64_t ShiftOf(int32_t line, const FilterContext *context) {
-    const double phase = static_cast<double>(static_cast<int64_t>(line) * context->FilterWavesFrequency) / 10.0;
-    return static_cast<int64_t>(std::sin(phase) * context->FilterWavesIntensity);
+static int64_t ShiftOf(int32_t line, const FilterContext &context) {
+    const double phase = static_cast<double>(static_cast<int64_t>(line) * context.FilterWavesFrequency) / 10.0;
+    return static_cast<int64_t>(std::sin(phase) * context.FilterWavesIntensity);
 }
 
 /// Bytes of a pixel, or 0 where pixels share bytes.
@@ -25,8 +25,9 @@ static size_t PixelBytes(uint32_t bits) {
     return HasBytePixels(bits) ? bits / 8 : 0;
 }
 
-static void WaveRows(const PixelPass &pass, const FilterContext *context) {
-    const DibView &from = pass.from.view, &to = pass.to.view;
+static void WaveRows(const PixelPass &pass, const FilterContext &context) {
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     const size_t bytes = PixelBytes(from.bits);
     for (int32_t y = 0; y < from.height; y++) {
         const int64_t shift = ShiftOf(y, context);
@@ -34,7 +35,7 @@ static void WaveRows(const PixelPass &pass, const FilterContext *context) {
             for (int32_t x = 0; x < from.width; x++) {
                 const bool stays = x + shift < 0 || x + shift >= from.width;
                 const auto fromX = static_cast<int32_t>(stays ? x : x + shift);
-                DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, fromX, y));
+                DibSetPixel(pass.to, x, y, DibGetPixel(pass.from, fromX, y));
             }
             continue;
         }
@@ -54,7 +55,8 @@ static void WaveRows(const PixelPass &pass, const FilterContext *context) {
 /// each pixel is fetched straight from its place in a neighbouring row.
 template <size_t kBytes>
 static void WaveColumns(const PixelPass &pass, const int64_t *shifts) {
-    const DibView &from = pass.from.view, &to = pass.to.view;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     for (int32_t y = 0; y < from.height; y++) {
         const uint8_t *source = from.Row(y);
         uint8_t *target = to.Row(y);
@@ -65,8 +67,8 @@ static void WaveColumns(const PixelPass &pass, const int64_t *shifts) {
     }
 }
 
-static bool WaveColumns(const PixelPass &pass, const FilterContext *context) {
-    const DibView &from = pass.from.view;
+static bool WaveColumns(const PixelPass &pass, const FilterContext &context) {
+    const ReadView &from = pass.from;
     BlockArray<int64_t> shifts(static_cast<uint64_t>(from.width));
     if (!shifts) return false;
     for (int32_t x = 0; x < from.width; x++) shifts[x] = ShiftOf(from.width - 1 - x, context);
@@ -85,23 +87,23 @@ static bool WaveColumns(const PixelPass &pass, const FilterContext *context) {
             for (int32_t x = 0; x < from.width; x++) {
                 const bool stays = y + shifts[x] < 0 || y + shifts[x] >= from.height;
                 const auto fromY = static_cast<int32_t>(stays ? y : y + shifts[x]);
-                DibSetPixel(pass.to.image, x, y, DibGetPixel(pass.from.image, x, fromY));
+                DibSetPixel(pass.to, x, y, DibGetPixel(pass.from, x, fromY));
             }
         }
         return true;
     }
 }
 
-static DibHandle WavesKernel(DibHandle source, FilterContext *context) {
+static DibHandle WavesKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    if (context->FilterWavesHorizontal == 0)
+    if (context.FilterWavesHorizontal == 0)
         WaveRows(pass, context);
     else if (!WaveColumns(pass, context))
         return nullptr;
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kWaves = MakeSlots<kPage>(WavesKernel);
+extern constexpr Filter kWaves = MakeFilter<kPage>(WavesKernel);
 
 } // namespace lmf

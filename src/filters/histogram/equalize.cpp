@@ -3,15 +3,15 @@
 // three channels move together. A Highlight level below the Shadow level is taken as one below it.
 #include <algorithm>
 
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(420, "Shadow:", &FilterParameters::FilterEqualizeShadow, {0, 255}),
-    Slider(421, "Highlight:", &FilterParameters::FilterEqualizeHightlight, {0, 255}),
+    Slider(420, "Shadow:", &P::FilterEqualizeShadow, {0, 255}),
+    Slider(421, "Highlight:", &P::FilterEqualizeHightlight, {0, 255}),
 };
 
 /// How far a pixel moves whose largest channel is `tone`.
@@ -31,15 +31,15 @@ static void ShiftRow(uint8_t *__restrict to, const uint8_t *__restrict from, siz
     }
 }
 
-static DibHandle EqualizeKernel(DibHandle source, FilterContext *context) {
+static DibHandle EqualizeKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t shadow = context->FilterEqualizeShadow;
-    const int32_t highlight = std::max(context->FilterEqualizeHightlight, shadow - 1);
+    const int32_t shadow = context.FilterEqualizeShadow;
+    const int32_t highlight = std::max(context.FilterEqualizeHightlight, shadow - 1);
     int16_t shifts[256];
     for (int32_t tone = 0; tone < 256; tone++) shifts[tone] = static_cast<int16_t>(ShiftOf(tone, shadow, highlight));
 
-    const bool indexed = pass.from.view.bits >= 2 && pass.from.view.bits <= 8;
+    const bool indexed = pass.from.bits >= 2 && pass.from.bits <= 8;
     MapPixels(
         pass,
         [&](uint32_t pixel) -> uint32_t {
@@ -52,6 +52,6 @@ static DibHandle EqualizeKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kEqualize = MakeSlots<kPage>(EqualizeKernel);
+extern constexpr Filter kEqualize = MakeFilter<kPage>(EqualizeKernel);
 
 } // namespace lmf

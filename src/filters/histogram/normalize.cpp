@@ -5,9 +5,9 @@
 
 #include <cstring>
 
-#include "engine/slots.h"
-#include "image/pixel_map.h"
-#include "image/rows.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
+#include "image/core/rows.h"
 
 namespace lmf {
 
@@ -25,8 +25,8 @@ static void CountRow(const uint8_t *grey, int32_t width, Histogram counts[4]) {
 }
 
 /// @return false when memory is short
-static bool CountGreys(const DibLock &picture, Histogram *histogram) {
-    const DibView &view = picture.view;
+static bool CountGreys(const ReadView &picture, Histogram *histogram) {
+    const ReadView &view = picture;
     BlockArray<uint8_t> grey(static_cast<uint64_t>(view.width));
     if (!grey) return false;
     Histogram counts[4] = {};
@@ -66,15 +66,19 @@ static ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
     return table;
 }
 
-DibHandle NormalizeKernel(DibHandle source, FilterContext *) {
+DibHandle Normalize(const ReadView &source) {
     PixelPass pass(source);
     Histogram histogram;
     if (!pass || !CountGreys(pass.from, &histogram)) return nullptr;
-    const DibView &view = pass.from.view;
+    const ReadView &view = pass.from;
     MapChannels(pass, StretchTable(histogram, static_cast<uint64_t>(view.width) * static_cast<uint64_t>(view.height)));
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kNormalize = MakeSlots(NormalizeKernel);
+static DibHandle NormalizeKernel(const ReadView &source, FilterContext &) {
+    return Normalize(source);
+}
+
+extern constexpr Filter kNormalize = MakeFilter(NormalizeKernel);
 
 } // namespace lmf

@@ -6,38 +6,36 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/histogram/lightness.h"
+#include "engine/filter.h"
 #include "filters/histogram/normalize.h"
 #include "filters/histogram/white_balance.h"
-#include "filters/tone/tone_table.h"
-#include "image/hsv.h"
-#include "image/pixel_map.h"
+#include "image/color/hsv.h"
+#include "image/color/lightness.h"
+#include "image/color/tone_table.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 // The bars after the first open at 1000, above their own end: their edits are the way to set the values.
 static constexpr PageControl kPage[] = {
-    Slider(1090, "Color temp:", &FilterParameters::FilterPhotoAdjTemp, {1000, 9000}).Track(11),
-    CheckBox(1091, "Enable", &FilterParameters::FilterPhotoAdjEnableTemp),
-    OffsetSlider(1092, "Tint:", &FilterParameters::FilterPhotoAdjTint, {1000, 200}, 100).Edit(0, 200).Track(12),
-    CheckBox(1093, "Enable", &FilterParameters::FilterPhotoAdjEnableTint),
-    OffsetSlider(1094, "Saturation:", &FilterParameters::FilterPhotoAdjSat, {1000, 200}, 100).Edit(0, 200),
-    CheckBox(1095, "Enable", &FilterParameters::FilterPhotoAdjEnableSat),
-    Slider(1096, "Contrast:", &FilterParameters::FilterPhotoAdjCont, {1000, 255}).Edit(0, 255),
-    CheckBox(1097, "Enable", &FilterParameters::FilterPhotoAdjEnableCont),
-    Slider(1098, "Brightness:", &FilterParameters::FilterPhotoAdjBright, {1000, 255}).Edit(0, 255),
-    CheckBox(1099, "Enable", &FilterParameters::FilterPhotoAdjEnableBright),
-    OffsetSlider(1100, "Highlight:", &FilterParameters::FilterPhotoAdjHighlight, {1000, 200}, 100)
-        .Edit(0, 200)
-        .Track(13),
-    CheckBox(1101, "Enable", &FilterParameters::FilterPhotoAdjEnableHighlight),
-    OffsetSlider(1102, "Shadows:", &FilterParameters::FilterPhotoAdjShadow, {1000, 200}, 100).Edit(0, 200).Track(15),
-    CheckBox(1103, "Enable", &FilterParameters::FilterPhotoAdjEnableShadow),
-    OffsetSlider(1104, "Mid-tones:", &FilterParameters::FilterPhotoAdjMidtone, {1000, 200}, 100).Edit(0, 200).Track(14),
-    CheckBox(1105, "Enable", &FilterParameters::FilterPhotoAdjEnableMidtone),
-    CheckBox(1106, "Normalize", &FilterParameters::FilterPhotoAdjNormalize),
-    CheckBox(1107, "White balance", &FilterParameters::FilterPhotoAdjWhitebal),
+    Slider(1090, "Color temp:", &P::FilterPhotoAdjTemp, {1000, 9000}).Track(11),
+    CheckBox(1091, "Enable", &P::FilterPhotoAdjEnableTemp),
+    OffsetSlider(1092, "Tint:", &P::FilterPhotoAdjTint, {1000, 200}, 100).Edit(0, 200).Track(12),
+    CheckBox(1093, "Enable", &P::FilterPhotoAdjEnableTint),
+    OffsetSlider(1094, "Saturation:", &P::FilterPhotoAdjSat, {1000, 200}, 100).Edit(0, 200),
+    CheckBox(1095, "Enable", &P::FilterPhotoAdjEnableSat),
+    Slider(1096, "Contrast:", &P::FilterPhotoAdjCont, {1000, 255}).Edit(0, 255),
+    CheckBox(1097, "Enable", &P::FilterPhotoAdjEnableCont),
+    Slider(1098, "Brightness:", &P::FilterPhotoAdjBright, {1000, 255}).Edit(0, 255),
+    CheckBox(1099, "Enable", &P::FilterPhotoAdjEnableBright),
+    OffsetSlider(1100, "Highlight:", &P::FilterPhotoAdjHighlight, {1000, 200}, 100).Edit(0, 200).Track(13),
+    CheckBox(1101, "Enable", &P::FilterPhotoAdjEnableHighlight),
+    OffsetSlider(1102, "Shadows:", &P::FilterPhotoAdjShadow, {1000, 200}, 100).Edit(0, 200).Track(15),
+    CheckBox(1103, "Enable", &P::FilterPhotoAdjEnableShadow),
+    OffsetSlider(1104, "Mid-tones:", &P::FilterPhotoAdjMidtone, {1000, 200}, 100).Edit(0, 200).Track(14),
+    CheckBox(1105, "Enable", &P::FilterPhotoAdjEnableMidtone),
+    CheckBox(1106, "Normalize", &P::FilterPhotoAdjNormalize),
+    CheckBox(1107, "White balance", &P::FilterPhotoAdjWhitebal),
 };
 
 /// Adds delta to all channels, as far as the first one that meets its limit, so that their differences stay. A delta
@@ -53,40 +51,35 @@ static Color ShiftRgbLimited(Color pixel, int32_t delta) {
 
 /// New picture with `change` applied to each pixel.
 template <typename Change>
-static DibHandle ChangePixels(DibHandle picture, Change change) {
+static DibHandle ChangePixels(const ReadView &picture, Change change) {
     PixelPass pass(picture);
     if (!pass) return nullptr;
     MapPixels(pass, change);
     return pass.Finish();
 }
 
-static DibHandle NormalizeStep(DibHandle picture, FilterContext *context) {
-    return NormalizeKernel(picture, context);
+static DibHandle NormalizeStep(const ReadView &picture, const FilterContext &) {
+    return Normalize(picture);
 }
 
-/// The filter's own "Use paper" does not count here.
-static DibHandle WhiteBalanceStep(DibHandle picture, FilterContext *context) {
-    const int32_t usePaper = context->FilterWhiteBalancePaper;
-    context->FilterWhiteBalancePaper = 0;
-    DibHandle balanced = WhiteBalanceKernel(picture, context);
-    context->FilterWhiteBalancePaper = usePaper;
-    return balanced;
+static DibHandle WhiteBalanceStep(const ReadView &picture, const FilterContext &) {
+    return WhiteBalance(picture, std::nullopt);
 }
 
-static DibHandle TemperatureStep(DibHandle picture, FilterContext *context) {
-    const int32_t kelvin = context->FilterPhotoAdjTemp;
+static DibHandle TemperatureStep(const ReadView &picture, const FilterContext &context) {
+    const int32_t kelvin = context.FilterPhotoAdjTemp;
     const auto warmth =
         static_cast<int32_t>(kelvin <= 5000 ? (5000 - kelvin) / 4000.0 * 100.0 : (kelvin - 5000) / 4000.0 * -100.0);
     return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, warmth, 0, -warmth); });
 }
 
-static DibHandle TintStep(DibHandle picture, FilterContext *context) {
-    const int32_t green = context->FilterPhotoAdjTint - 100;
+static DibHandle TintStep(const ReadView &picture, const FilterContext &context) {
+    const int32_t green = context.FilterPhotoAdjTint - 100;
     return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, 0, green, 0); });
 }
 
-static DibHandle SaturationStep(DibHandle picture, FilterContext *context) {
-    const float scale = 2.0f * (static_cast<float>(context->FilterPhotoAdjSat) / 200.0f);
+static DibHandle SaturationStep(const ReadView &picture, const FilterContext &context) {
+    const float scale = 2.0f * (static_cast<float>(context.FilterPhotoAdjSat) / 200.0f);
     return ChangePixels(picture, [=](Color pixel) {
         Hsv hsv = RgbToHsv(pixel);
         hsv.saturation *= scale;
@@ -94,21 +87,21 @@ static DibHandle SaturationStep(DibHandle picture, FilterContext *context) {
     });
 }
 
-static DibHandle ContrastStep(DibHandle picture, FilterContext *context) {
+static DibHandle ContrastStep(const ReadView &picture, const FilterContext &context) {
     ToneTable table;
-    BuildContrastTable(context->FilterPhotoAdjCont - 127, 0, &table);
-    return ApplyToneTableByMode(picture, table, context);
+    BuildContrastTable(context.FilterPhotoAdjCont - 127, 0, &table);
+    return ApplyToneTableByMode(picture, table, context.mode);
 }
 
-static DibHandle BrightnessStep(DibHandle picture, FilterContext *context) {
+static DibHandle BrightnessStep(const ReadView &picture, const FilterContext &context) {
     ToneTable table;
-    for (int32_t i = 0; i < 256; i++) table.at[i] = ClampByte(context->FilterPhotoAdjBright - 127 + i);
-    return ApplyToneTableByMode(picture, table, context);
+    for (int32_t i = 0; i < 256; i++) table.at[i] = ClampByte(context.FilterPhotoAdjBright - 127 + i);
+    return ApplyToneTableByMode(picture, table, context.mode);
 }
 
 /// Moves a band of 128 tones by up to 128 levels. The weight follows a wave over the band: at tone `first` + k it is
 /// sin(k / 128 * `degrees` + `start`), from -1 (no change) to 1.
-static DibHandle TonalBandShift(DibHandle picture, int32_t value, int32_t first, double degrees, double start) {
+static DibHandle TonalBandShift(const ReadView &picture, int32_t value, int32_t first, double degrees, double start) {
     const float factor = (static_cast<float>(value) - 100.0f) / 100.0f;
     int32_t shifts[256] = {};
     for (int32_t k = 0; k < 128; k++) {
@@ -120,48 +113,49 @@ static DibHandle TonalBandShift(DibHandle picture, int32_t value, int32_t first,
     return ChangePixels(picture, [&](Color pixel) { return ShiftRgbLimited(pixel, shifts[WeightedGrey(pixel)]); });
 }
 
-static DibHandle HighlightStep(DibHandle picture, FilterContext *context) {
-    return TonalBandShift(picture, context->FilterPhotoAdjHighlight, 128, 180, 270);
+static DibHandle HighlightStep(const ReadView &picture, const FilterContext &context) {
+    return TonalBandShift(picture, context.FilterPhotoAdjHighlight, 128, 180, 270);
 }
 
-static DibHandle ShadowStep(DibHandle picture, FilterContext *context) {
-    return TonalBandShift(picture, context->FilterPhotoAdjShadow, 0, 180, 90);
+static DibHandle ShadowStep(const ReadView &picture, const FilterContext &context) {
+    return TonalBandShift(picture, context.FilterPhotoAdjShadow, 0, 180, 90);
 }
 
-static DibHandle MidtoneStep(DibHandle picture, FilterContext *context) {
-    return TonalBandShift(picture, context->FilterPhotoAdjMidtone, 64, 360, 270);
+static DibHandle MidtoneStep(const ReadView &picture, const FilterContext &context) {
+    return TonalBandShift(picture, context.FilterPhotoAdjMidtone, 64, 360, 270);
 }
 
 struct Step {
-    FilterKernelFunction run;
+    DibHandle (*run)(const ReadView &picture, const FilterContext &context);
     NumberField enable;
     NumberField value; ///< null for a step without one
     int32_t neutral;
 };
 
 static constexpr Step kSteps[] = {
-    {NormalizeStep, &FilterParameters::FilterPhotoAdjNormalize, nullptr, 0},
-    {WhiteBalanceStep, &FilterParameters::FilterPhotoAdjWhitebal, nullptr, 0},
-    {TemperatureStep, &FilterParameters::FilterPhotoAdjEnableTemp, &FilterParameters::FilterPhotoAdjTemp, 5000},
-    {TintStep, &FilterParameters::FilterPhotoAdjEnableTint, &FilterParameters::FilterPhotoAdjTint, 100},
-    {SaturationStep, &FilterParameters::FilterPhotoAdjEnableSat, &FilterParameters::FilterPhotoAdjSat, 100},
-    {ContrastStep, &FilterParameters::FilterPhotoAdjEnableCont, &FilterParameters::FilterPhotoAdjCont, 128},
-    {BrightnessStep, &FilterParameters::FilterPhotoAdjEnableBright, &FilterParameters::FilterPhotoAdjBright, 128},
-    {HighlightStep, &FilterParameters::FilterPhotoAdjEnableHighlight, &FilterParameters::FilterPhotoAdjHighlight, 100},
-    {ShadowStep, &FilterParameters::FilterPhotoAdjEnableShadow, &FilterParameters::FilterPhotoAdjShadow, 100},
-    {MidtoneStep, &FilterParameters::FilterPhotoAdjEnableMidtone, &FilterParameters::FilterPhotoAdjMidtone, 100},
+    {NormalizeStep, &P::FilterPhotoAdjNormalize, nullptr, 0},
+    {WhiteBalanceStep, &P::FilterPhotoAdjWhitebal, nullptr, 0},
+    {TemperatureStep, &P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjTemp, 5000},
+    {TintStep, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjTint, 100},
+    {SaturationStep, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, 100},
+    {ContrastStep, &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjCont, 128},
+    {BrightnessStep, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjBright, 128},
+    {HighlightStep, &P::FilterPhotoAdjEnableHighlight, &P::FilterPhotoAdjHighlight, 100},
+    {ShadowStep, &P::FilterPhotoAdjEnableShadow, &P::FilterPhotoAdjShadow, 100},
+    {MidtoneStep, &P::FilterPhotoAdjEnableMidtone, &P::FilterPhotoAdjMidtone, 100},
 };
 
-static DibHandle PhotoFineTuneKernel(DibHandle source, FilterContext *context) {
-    DibOwner picture(DibClone(source));
+static DibHandle PhotoFineTuneKernel(const ReadView &source, FilterContext &context) {
+    LockedDib picture;
     for (const Step &step : kSteps) {
+        const bool neutral = step.value != nullptr && context.*step.value == step.neutral;
+        if (context.*step.enable == 0 || neutral) continue;
+        picture = LockedDib(step.run(picture ? picture : source, context));
         if (!picture) return nullptr;
-        const bool neutral = step.value != nullptr && context->*step.value == step.neutral;
-        if (context->*step.enable != 0 && !neutral) picture.Reset(step.run(picture.handle, context));
     }
-    return picture.Release();
+    return picture ? picture.Release() : DibClone(source);
 }
 
-extern constexpr FilterSlots kPhotoFineTune = MakeSlots<kPage>(PhotoFineTuneKernel);
+extern constexpr Filter kPhotoFineTune = MakeFilter<kPage>(PhotoFineTuneKernel);
 
 } // namespace lmf

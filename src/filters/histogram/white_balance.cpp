@@ -4,20 +4,20 @@
 
 #include <algorithm>
 
-#include "engine/slots.h"
-#include "image/pixel_map.h"
-#include "image/rows.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
+#include "image/core/rows.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(1060, "Use paper", &FilterParameters::FilterWhiteBalancePaper),
+    CheckBox(1060, "Use paper", &P::FilterWhiteBalancePaper),
 };
 
 /// The first of the brightest pixels, rows from the top; black in an all-black picture.
 /// @return false when memory is short
-static bool FindBrightest(const DibLock &picture, Color *brightest) {
-    const DibView &view = picture.view;
+static bool FindBrightest(const ReadView &picture, Color *brightest) {
+    const ReadView &view = picture;
     BlockArray<uint8_t> grey(static_cast<uint64_t>(view.width));
     if (!grey) return false;
     uint8_t best = 0;
@@ -27,7 +27,7 @@ static bool FindBrightest(const DibLock &picture, Color *brightest) {
         const uint8_t *row = std::max_element(grey.data, grey.data + view.width);
         if (*row <= best) continue;
         best = *row;
-        *brightest = DibGetPixel(picture.image, static_cast<int32_t>(row - grey.data), y);
+        *brightest = DibGetPixel(picture, static_cast<int32_t>(row - grey.data), y);
     }
     return true;
 }
@@ -38,15 +38,20 @@ static ToneTable LiftTable(uint8_t reference) {
     return table;
 }
 
-DibHandle WhiteBalanceKernel(DibHandle source, FilterContext *context) {
+DibHandle WhiteBalance(const ReadView &source, std::optional<Color> white) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    Color reference = context->paperColor;
-    if (context->FilterWhiteBalancePaper == 0 && !FindBrightest(pass.from, &reference)) return nullptr;
+    Color reference = white.value_or(0);
+    if (!white && !FindBrightest(pass.from, &reference)) return nullptr;
     MapChannels(pass, {LiftTable(RedOf(reference)), LiftTable(GreenOf(reference)), LiftTable(BlueOf(reference))});
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kWhiteBalance = MakeSlots<kPage>(WhiteBalanceKernel);
+static DibHandle WhiteBalanceKernel(const ReadView &source, FilterContext &context) {
+    return WhiteBalance(source,
+                        context.FilterWhiteBalancePaper != 0 ? std::optional(context.paperColor) : std::nullopt);
+}
+
+extern constexpr Filter kWhiteBalance = MakeFilter<kPage>(WhiteBalanceKernel);
 
 } // namespace lmf

@@ -1,12 +1,14 @@
-// The kernel of White Balance, which Photo Fine-tune calls whole.
+// The arithmetic of White Balance, which Photo Fine-tune calls whole.
 #pragma once
 
-#include "engine/filter_context.h"
+#include <optional>
+
+#include "image/core/dib.h"
 
 namespace lmf {
 
-/// New picture lifted so that its reference colour becomes white; null on failure. Reads FilterWhiteBalancePaper and
-/// the context's paper colour.
-[[nodiscard]] DibHandle WhiteBalanceKernel(DibHandle source, FilterContext *context);
+/// New picture lifted so that its reference colour becomes white, or its brightest pixel where none is given; null on
+/// failure.
+[[nodiscard]] DibHandle WhiteBalance(const ReadView &source, std::optional<Color> white);
 
 } // namespace lmf

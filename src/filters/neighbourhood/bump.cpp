@@ -1,8 +1,8 @@
 // Bump: relief by a 3 x 3 window of small whole weights whose sum is 1, so that flat areas stay. At the edges the
 // missing neighbour is the pixel's own row or column. There are no settings.
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
@@ -20,13 +20,12 @@ static void BumpBytes(uint8_t *__restrict to, const uint8_t *__restrict above, c
 }
 
 /// Pixel (x, y) of the result for any depth and at the edges.
-static uint32_t BumpPixel(const DibLock &from, int32_t x, int32_t y) {
-    const int32_t left = std::max(x - 1, 0), right = std::min(x + 1, from.view.width - 1);
-    const int32_t up = std::max(y - 1, 0), down = std::min(y + 1, from.view.height - 1);
-    const uint32_t minus[] = {DibGetPixel(from.image, left, up), DibGetPixel(from.image, x, up),
-                              DibGetPixel(from.image, left, y)};
-    const uint32_t plus[] = {DibGetPixel(from.image, x, y), DibGetPixel(from.image, right, y),
-                             DibGetPixel(from.image, x, down), DibGetPixel(from.image, right, down)};
+static uint32_t BumpPixel(const ReadView &from, int32_t x, int32_t y) {
+    const int32_t left = std::max(x - 1, 0), right = std::min(x + 1, from.width - 1);
+    const int32_t up = std::max(y - 1, 0), down = std::min(y + 1, from.height - 1);
+    const uint32_t minus[] = {DibGetPixel(from, left, up), DibGetPixel(from, x, up), DibGetPixel(from, left, y)};
+    const uint32_t plus[] = {DibGetPixel(from, x, y), DibGetPixel(from, right, y), DibGetPixel(from, x, down),
+                             DibGetPixel(from, right, down)};
     uint32_t result = 0;
     for (int32_t shift = 0; shift < 24; shift += 8) {
         int32_t sum = 0;
@@ -37,27 +36,27 @@ static uint32_t BumpPixel(const DibLock &from, int32_t x, int32_t y) {
     return result;
 }
 
-static void BumpRow(const DibLock &to, const DibLock &from, int32_t y) {
-    const DibView &view = from.view;
+static void BumpRow(const WriteView &to, const ReadView &from, int32_t y) {
+    const ReadView &view = from;
     const bool plainBytes = view.bits == 24 || view.bits == 8;
     if (plainBytes && view.width > 2) {
         const auto channels = static_cast<ptrdiff_t>(view.bits / 8);
-        BumpBytes(to.view.Row(y) + channels, view.Row(std::max(y - 1, 0)) + channels, view.Row(y) + channels,
+        BumpBytes(to.Row(y) + channels, view.Row(std::max(y - 1, 0)) + channels, view.Row(y) + channels,
                   view.Row(std::min(y + 1, view.height - 1)) + channels, (view.width - 2) * channels, channels);
     }
     const int32_t step = plainBytes ? std::max(view.width - 1, 1) : 1;
-    for (int32_t x = 0; x < view.width; x += step) DibSetPixel(to.image, x, y, BumpPixel(from, x, y));
+    for (int32_t x = 0; x < view.width; x += step) DibSetPixel(to, x, y, BumpPixel(from, x, y));
 }
 
-static DibHandle BumpKernel(DibHandle source, FilterContext *) {
+static DibHandle BumpKernel(const ReadView &source, FilterContext &) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const ImageMode mode = DibClassify(nullptr, pass.from.image);
+    const ImageMode mode = DibClassify(pass.from);
     if (mode == kModeTrueColor || mode == kModeGrey)
-        for (int32_t y = 0; y < pass.from.view.height; y++) BumpRow(pass.to, pass.from, y);
+        for (int32_t y = 0; y < pass.from.height; y++) BumpRow(pass.to, pass.from, y);
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kBump = MakeSlots(BumpKernel);
+extern constexpr Filter kBump = MakeFilter(BumpKernel);
 
 } // namespace lmf

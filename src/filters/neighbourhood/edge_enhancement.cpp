@@ -1,11 +1,11 @@
 // Edge Enhancement: an integer window that weighs each pixel against its neighbours, in three strengths.
-#include "engine/slots.h"
-#include "filters/neighbourhood/convolve5x5.h"
+#include "engine/filter.h"
+#include "image/blur/convolve5x5.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Combo(410, "Level:", &FilterParameters::FilterEdgeEnhanceLevel, "Light;Medium;Heavy"),
+    Combo(410, "Level:", &P::FilterEdgeEnhanceLevel, "Light;Medium;Heavy"),
 };
 
 /// A window of the centre, its four edge neighbours and its four corner neighbours.
@@ -22,8 +22,8 @@ static constexpr Window5x5 kLight = Ring(13, -1, -1, 7);
 static constexpr Window5x5 kMedium = Ring(5, -1, 0, 1);
 static constexpr Window5x5 kHeavy = Ring(9, -1, -1, 5);
 
-static DibHandle EdgeEnhancementKernel(DibHandle source, FilterContext *context) {
-    switch (context->FilterEdgeEnhanceLevel) {
+static DibHandle EdgeEnhancementKernel(const ReadView &source, FilterContext &context) {
+    switch (context.FilterEdgeEnhanceLevel) {
     case 1:
         return Convolve5x5(source, kMedium);
     case 2:
@@ -33,6 +33,6 @@ static DibHandle EdgeEnhancementKernel(DibHandle source, FilterContext *context)
     }
 }
 
-extern constexpr FilterSlots kEdgeEnhancement = MakeSlots<kPage>(EdgeEnhancementKernel);
+extern constexpr Filter kEdgeEnhancement = MakeFilter<kPage>(EdgeEnhancementKernel);
 
 } // namespace lmf

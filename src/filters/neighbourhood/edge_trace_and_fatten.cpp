@@ -1,24 +1,24 @@
 // Edge Trace and Fatten: for 1-bit pictures. The regions of 0 grow by one pixel in all eight directions; with "Fatten"
 // that is the result, without it only the ring that was gained stays 0. The bits count, whatever colours they stand
 // for.
-#include "engine/slots.h"
-#include "image/pixel_pass.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    CheckBox(390, "Fatten", &FilterParameters::FilterEdgeTraceFatten),
+    CheckBox(390, "Fatten", &P::FilterEdgeTraceFatten),
 };
 
 /// Which of the 8 pixels of byte i of row y are 0, as set bits; none outside the picture.
-static uint32_t ZerosAt(const DibView &view, int32_t i, int32_t y) {
+static uint32_t ZerosAt(const ReadView &view, int32_t i, int32_t y) {
     const int32_t bytes = (view.width + 7) / 8;
     if (i < 0 || i >= bytes || y < 0 || y >= view.height) return 0;
     const uint32_t padding = i == bytes - 1 && view.width % 8 != 0 ? 0xFFu >> view.width % 8 : 0;
     return ~(view.Row(y)[i] | padding) & 0xFF;
 }
 
-static void TraceRow(const DibView &to, const DibView &from, int32_t y, bool fatten) {
+static void TraceRow(const WriteView &to, const ReadView &from, int32_t y, bool fatten) {
     const auto threeRows = [&](int32_t i) {
         return ZerosAt(from, i, y - 1) | ZerosAt(from, i, y) | ZerosAt(from, i, y + 1);
     };
@@ -35,14 +35,13 @@ static void TraceRow(const DibView &to, const DibView &from, int32_t y, bool fat
     if (from.width % 8 != 0) row[from.width / 8] &= static_cast<uint8_t>(~(0xFF >> from.width % 8));
 }
 
-static DibHandle EdgeTraceAndFattenKernel(DibHandle source, FilterContext *context) {
+static DibHandle EdgeTraceAndFattenKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
-    if (!pass || pass.from.view.bits != 1) return nullptr;
-    for (int32_t y = 0; y < pass.from.view.height; y++)
-        TraceRow(pass.to.view, pass.from.view, y, context->FilterEdgeTraceFatten != 0);
+    if (!pass || pass.from.bits != 1) return nullptr;
+    for (int32_t y = 0; y < pass.from.height; y++) TraceRow(pass.to, pass.from, y, context.FilterEdgeTraceFatten != 0);
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kEdgeTraceAndFatten = MakeSlots<kPage>(EdgeTraceAndFattenKernel);
+extern constexpr Filter kEdgeTraceAndFatten = MakeFilter<kPage>(EdgeTraceAndFattenKernel);
 
 } // namespace lmf

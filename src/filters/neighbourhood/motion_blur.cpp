@@ -5,17 +5,17 @@
 #include <cstring>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/neighbourhood/gaussian.h"
-#include "filters/neighbourhood/taps.h"
-#include "image/pixel_pass.h"
+#include "engine/filter.h"
+#include "image/blur/gaussian.h"
+#include "image/blur/taps.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(601, "Depth:", &FilterParameters::FilterMotionBlurSigma, {5, 50}),
-    Slider(602, "Radius:", &FilterParameters::FilterMotionBlurRadius, {5, 300}),
-    NumberEdit(600, "Angle:", &FilterParameters::FilterMotionBlurAngle, {0, 359}),
+    Slider(601, "Depth:", &P::FilterMotionBlurSigma, {5, 50}),
+    Slider(602, "Radius:", &P::FilterMotionBlurRadius, {5, 300}),
+    NumberEdit(600, "Angle:", &P::FilterMotionBlurAngle, {0, 359}),
 };
 
 /// Without a radius the kernel takes the largest odd width whose last weight still counts in 8 bits.
@@ -46,19 +46,19 @@ static void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees
 }
 
 /// Any depth, pixel by pixel. Pictures with alpha keep theirs.
-static void BlurThroughPixels(void *to, const DibLock &from, const BlurKernel &kernel, const Shift *shifts,
+static void BlurThroughPixels(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
                               int32_t taps, Color paper) {
-    for (int32_t y = 0; y < from.view.height; y++) {
-        for (int32_t x = 0; x < from.view.width; x++) {
+    for (int32_t y = 0; y < from.height; y++) {
+        for (int32_t x = 0; x < from.width; x++) {
             double red = 0.0, green = 0.0, blue = 0.0;
             for (int32_t i = 0; i < taps; i++) {
-                uint32_t pixel = DibGetPixel(from.image, x + shifts[i].x, y - shifts[i].y);
+                uint32_t pixel = DibGetPixel(from, x + shifts[i].x, y - shifts[i].y);
                 if (pixel == kOutside) pixel = paper;
                 red += (*kernel)[i] * RedOf(pixel);
                 green += (*kernel)[i] * GreenOf(pixel);
                 blue += (*kernel)[i] * BlueOf(pixel);
             }
-            const uint32_t alpha = DibGetPixel(from.image, x, y) & 0xFF000000;
+            const uint32_t alpha = DibGetPixel(from, x, y) & 0xFF000000;
             DibSetPixel(to, x, y,
                         alpha | PackColor(static_cast<uint32_t>(red), static_cast<uint32_t>(green),
                                           static_cast<uint32_t>(blue)));
@@ -68,7 +68,7 @@ static void BlurThroughPixels(void *to, const DibLock &from, const BlurKernel &k
 
 /// 24-bit pictures. The rows are copied once with paper on both sides, as far as the trail reaches, and one row of
 /// paper stands for all rows below and above; so every tap is a plain line of bytes. False when memory is short.
-static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &kernel, const Shift *shifts,
+static bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
                      int32_t tapCount, Color paper) {
     static constexpr int32_t kPart = 768;
     const Shift reach = shifts[tapCount - 1];
@@ -104,27 +104,27 @@ static bool BlurRows(const DibView &to, const DibView &from, const BlurKernel &k
     return true;
 }
 
-static DibHandle MotionBlurKernel(DibHandle source, FilterContext *context) {
+static DibHandle MotionBlurKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
 
-    const int32_t radius = context->FilterMotionBlurRadius;
-    const double sigma = context->FilterMotionBlurSigma;
+    const int32_t radius = context.FilterMotionBlurRadius;
+    const double sigma = context.FilterMotionBlurSigma;
     BlurKernel kernel;
     const int32_t taps =
         radius >= 1 ? BuildHalfGaussianKernel(2 * radius + 1, sigma, &kernel) : BuildAutomaticKernel(sigma, &kernel);
     if (taps < 3) return nullptr;
     BlockArray<Shift> shifts(static_cast<uint64_t>(taps));
     if (!shifts) return nullptr;
-    FillShifts(&shifts, taps, context->FilterMotionBlurAngle);
+    FillShifts(&shifts, taps, context.FilterMotionBlurAngle);
 
-    if (pass.from.view.bits != 24)
-        BlurThroughPixels(pass.to.image, pass.from, kernel, shifts.data, taps, context->paperColor);
-    else if (!BlurRows(pass.to.view, pass.from.view, kernel, shifts.data, taps, context->paperColor))
+    if (pass.from.bits != 24)
+        BlurThroughPixels(pass.to, pass.from, kernel, shifts.data, taps, context.paperColor);
+    else if (!BlurRows(pass.to, pass.from, kernel, shifts.data, taps, context.paperColor))
         return nullptr;
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kMotionBlur = MakeSlots<kPage>(MotionBlurKernel);
+extern constexpr Filter kMotionBlur = MakeFilter<kPage>(MotionBlurKernel);
 
 } // namespace lmf

@@ -5,9 +5,9 @@
 
 #include <cmath>
 
-#include "engine/slots.h"
-#include "image/pixel_pass.h"
-#include "image/resample.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
+#include "image/scale/resample.h"
 
 namespace lmf {
 
@@ -22,15 +22,15 @@ struct Gradient {
     }
 };
 
-static uint32_t EdgeAt(const DibLock &from, int32_t x, int32_t y) {
-    const int32_t columns[] = {std::max(x - 1, 0), x, std::min(x + 1, from.view.width - 1)};
-    const int32_t rows[] = {std::max(y - 1, 0), y, std::min(y + 1, from.view.height - 1)};
+static uint32_t EdgeAt(const ReadView &from, int32_t x, int32_t y) {
+    const int32_t columns[] = {std::max(x - 1, 0), x, std::min(x + 1, from.width - 1)};
+    const int32_t rows[] = {std::max(y - 1, 0), y, std::min(y + 1, from.height - 1)};
     Gradient down, across;
     for (int32_t i = 0; i < 3; i++) {
-        down.Add(DibGetPixel(from.image, columns[i], rows[0]), -1);
-        down.Add(DibGetPixel(from.image, columns[i], rows[2]), 1);
-        across.Add(DibGetPixel(from.image, columns[0], rows[i]), -1);
-        across.Add(DibGetPixel(from.image, columns[2], rows[i]), 1);
+        down.Add(DibGetPixel(from, columns[i], rows[0]), -1);
+        down.Add(DibGetPixel(from, columns[i], rows[2]), 1);
+        across.Add(DibGetPixel(from, columns[0], rows[i]), -1);
+        across.Add(DibGetPixel(from, columns[2], rows[i]), 1);
     }
     uint32_t edge = 0;
     for (int32_t c = 0; c < 3; c++) {
@@ -41,29 +41,33 @@ static uint32_t EdgeAt(const DibLock &from, int32_t x, int32_t y) {
     return edge;
 }
 
-static DibHandle FindEdges(DibHandle picture) {
+static DibHandle FindEdges(const ReadView &picture) {
     PixelPass pass(picture);
     if (!pass) return nullptr;
-    const DibView &view = pass.from.view;
+    const ReadView &view = pass.from;
     for (int32_t y = 0; y < view.height; y++)
-        for (int32_t x = 0; x < view.width; x++) DibSetPixel(pass.to.image, x, y, EdgeAt(pass.from, x, y));
+        for (int32_t x = 0; x < view.width; x++) DibSetPixel(pass.to, x, y, EdgeAt(pass.from, x, y));
     return pass.Finish();
 }
 
-DibHandle NeonKernel(DibHandle source, FilterContext *) {
-    int32_t width = 0, height = 0;
-    if (!DibInfo(source, &width, &height, nullptr, nullptr)) return nullptr;
+DibHandle Neon(const ReadView &source) {
+    const int32_t width = source.width, height = source.height;
     const int32_t side = std::max(width, height);
     if (side <= kLargestSide) return FindEdges(source);
 
     const int32_t percent = kLargestSide * 100 / side;
-    DibOwner reduced(DibScalePercent(source, percent, percent, kWindowAutomatic));
-    DibOwner edges(FindEdges(reduced.handle));
+    const LockedDib reduced(DibScalePercent(source, percent, percent, kWindowAutomatic));
+    if (!reduced) return nullptr;
+    LockedDib edges(FindEdges(reduced));
     if (!edges) return nullptr;
-    DibHandle enlarged = DibScale(edges.handle, width, height, kWindowAutomatic, 1.0);
+    DibHandle enlarged = DibScale(edges, width, height, kWindowAutomatic, 1.0);
     return enlarged != nullptr ? enlarged : edges.Release();
 }
 
-extern constexpr FilterSlots kNeon = MakeSlots(NeonKernel);
+static DibHandle NeonKernel(const ReadView &source, FilterContext &) {
+    return Neon(source);
+}
+
+extern constexpr Filter kNeon = MakeFilter(NeonKernel);
 
 } // namespace lmf

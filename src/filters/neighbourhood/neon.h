@@ -1,11 +1,11 @@
-// The kernel of Neon, which Impact calls whole.
+// The arithmetic of Neon, which Impact calls whole.
 #pragma once
 
-#include "engine/filter_context.h"
+#include "image/core/dib.h"
 
 namespace lmf {
 
 /// New picture of the edges of `source`, found on a copy of at most 500 pixels across; null on failure.
-[[nodiscard]] DibHandle NeonKernel(DibHandle source, FilterContext *context);
+[[nodiscard]] DibHandle Neon(const ReadView &source);
 
 } // namespace lmf

@@ -4,16 +4,16 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "filters/neighbourhood/pixel_sum.h"
-#include "image/dib_ops.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/blur/pixel_sum.h"
+#include "image/core/dib_ops.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(700, "Angle:", &FilterParameters::FilterRadialBlurAngle, {1, 45}),
+    Slider(700, "Angle:", &P::FilterRadialBlurAngle, {1, 45}),
 };
 
 /// The arc in numbers that the whole picture shares. Lengths are in pixels.
@@ -23,7 +23,7 @@ struct Arc {
     int32_t samples;                   ///< on the whole arc, at least 2
     BlockArray<double> cosines, sines; ///< of each sample's angle
 
-    Arc(const DibView &view, double angle)
+    Arc(const ReadView &view, double angle)
         : cx(view.width * 0.5), cy(view.height * 0.5), radius(std::sqrt(cx * cx + cy * cy)),
           samples(std::max(static_cast<int32_t>(std::abs(std::sqrt(radius) * (angle * 4.0) + 2.0)), 2)),
           cosines(static_cast<uint64_t>(samples)), sines(static_cast<uint64_t>(samples)) {
@@ -52,8 +52,7 @@ static void FillSteps(int32_t *steps, const Arc &arc, int32_t x, int32_t count, 
     }
 }
 
-static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
-    const DibView view = ViewOf(image);
+static void BlurThroughPixels(const WriteView &view, const Arc &arc, Color paper) {
     for (int32_t y = 0; y < view.height; y++) {
         for (int32_t x = 0; x < view.width; x++) {
             const double dx = x - arc.cx, dy = y - arc.cy;
@@ -65,7 +64,7 @@ static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
             do {
                 const auto sampleX = static_cast<int32_t>(arc.cosines[i] * dx + arc.cx - arc.sines[i] * dy + 0.5);
                 const auto sampleY = static_cast<int32_t>(arc.sines[i] * dx + arc.cy + arc.cosines[i] * dy + 0.5);
-                uint32_t pixel = DibGetPixel(image, sampleX, sampleY);
+                uint32_t pixel = DibGetPixel(view, sampleX, sampleY);
                 if (pixel == kOutside) pixel = paper;
                 red += RedOf(pixel);
                 green += GreenOf(pixel);
@@ -73,7 +72,7 @@ static void BlurThroughPixels(void *image, const Arc &arc, Color paper) {
                 count++;
                 i += step;
             } while (i < arc.samples);
-            DibSetPixel(image, x, y, PackColor(red / count, green / count, blue / count));
+            DibSetPixel(view, x, y, PackColor(red / count, green / count, blue / count));
         }
     }
 }
@@ -85,7 +84,7 @@ static constexpr int32_t kRun = 64;
 /// bytes from the first byte of the rows, or outside the picture if that is negative.
 /// @return whether one lies outside.
 LMF_MULTIVERSION
-static bool PlaceSamples(int32_t *__restrict offsets, const Arc &arc, int32_t step, const DibView &view, int32_t x,
+static bool PlaceSamples(int32_t *__restrict offsets, const Arc &arc, int32_t step, const ReadView &view, int32_t x,
                          int32_t count, double dy) {
     const auto width = static_cast<uint32_t>(view.width), height = static_cast<uint32_t>(view.height);
     const auto stride = static_cast<uint32_t>(view.stride);
@@ -109,7 +108,7 @@ static bool PlaceSamples(int32_t *__restrict offsets, const Arc &arc, int32_t st
 
 /// Blurs `count` pixels of row y, from x on, that share a step. Where samples lie does not depend on the pixels, so all
 /// places are computed first; the pixels are then read and written strictly one after the other.
-static void BlurRun(const DibView &view, const Arc &arc, const uint8_t *paper, int32_t step, int32_t x, int32_t count,
+static void BlurRun(const WriteView &view, const Arc &arc, const uint8_t *paper, int32_t step, int32_t x, int32_t count,
                     int32_t y, int32_t *offsets) {
     const bool outside = PlaceSamples(offsets, arc, step, view, x, count, y - arc.cy);
     const int32_t taken = (arc.samples - 1) / step + 1;
@@ -125,7 +124,7 @@ static void BlurRun(const DibView &view, const Arc &arc, const uint8_t *paper, i
 }
 
 /// 24-bit pictures of up to 2 GiB.
-static void BlurRows(const DibView &view, const Arc &arc, Color paper) {
+static void BlurRows(const WriteView &view, const Arc &arc, Color paper) {
     const uint8_t paperPixel[] = {0, BlueOf(paper), GreenOf(paper), RedOf(paper)};
     int32_t offsets[kMostPixelsOfSum * kRun];
     int32_t steps[kRun];
@@ -142,21 +141,21 @@ static void BlurRows(const DibView &view, const Arc &arc, Color paper) {
     }
 }
 
-static DibHandle RadialBlurKernel(DibHandle source, FilterContext *context) {
+static DibHandle RadialBlurKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const DibView &to = pass.to.view;
-    const Arc arc(to, context->FilterRadialBlurAngle * std::numbers::pi / 180);
+    const WriteView &to = pass.to;
+    const Arc arc(to, context.FilterRadialBlurAngle * std::numbers::pi / 180);
     if (!arc) return nullptr;
-    DibCopyRect(pass.to.image, 0, 0, pass.from.image, 0, 0, to.width, to.height);
+    DibCopyRect(pass.to, 0, 0, pass.from, 0, 0, to.width, to.height);
     const bool smallEnough = to.stride * to.height <= INT32_MAX && arc.samples <= kMostPixelsOfSum;
     if (to.bits == 24 && smallEnough)
-        BlurRows(to, arc, context->paperColor);
+        BlurRows(to, arc, context.paperColor);
     else
-        BlurThroughPixels(pass.to.image, arc, context->paperColor);
+        BlurThroughPixels(pass.to, arc, context.paperColor);
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kRadialBlur = MakeSlots<kPage>(RadialBlurKernel);
+extern constexpr Filter kRadialBlur = MakeFilter<kPage>(RadialBlurKernel);
 
 } // namespace lmf

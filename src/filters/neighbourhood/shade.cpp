@@ -4,16 +4,16 @@
 #include <cmath>
 #include <numbers>
 
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(840, "Azimuth:", &FilterParameters::FilterShadeAzimuth, {0, 359}),
-    Slider(841, "Elevation:", &FilterParameters::FilterShadeElevation, {1, 90}),
-    CheckBox(842, "Colored shade", &FilterParameters::FilterShadeLevel),
+    Slider(840, "Azimuth:", &P::FilterShadeAzimuth, {0, 359}),
+    Slider(841, "Elevation:", &P::FilterShadeElevation, {1, 90}),
+    CheckBox(842, "Colored shade", &P::FilterShadeLevel),
 };
 
 struct LightVector {
@@ -23,15 +23,15 @@ struct LightVector {
 /// Brightness of a row with a column more on each side: column x stands at x + 1. Pixels are read as the three bytes at
 /// their place in memory, so that the extra columns see padding and neighbouring rows; what lies outside the pixel
 /// rows counts as 0.
-static void HeightRow(const DibLock &picture, int32_t memoryRow, int32_t *heights) {
-    const DibView &view = picture.view;
+static void HeightRow(const ReadView &picture, int32_t memoryRow, int32_t *heights) {
+    const ReadView &view = picture;
     const auto height = [](int32_t red, int32_t green, int32_t blue) {
         return (red * 9798 + green * 19235 + blue * 3735) >> 15;
     };
     if (view.bits != 24) {
         heights[0] = heights[view.width + 1] = 0;
         for (int32_t x = 0; x < view.width; x++) {
-            const uint32_t pixel = DibGetPixel(picture.image, x, view.height - 1 - memoryRow);
+            const uint32_t pixel = DibGetPixel(picture, x, view.height - 1 - memoryRow);
             heights[x + 1] = height(RedOf(pixel), GreenOf(pixel), BlueOf(pixel));
         }
         return;
@@ -83,22 +83,22 @@ static void LightRow(uint8_t *__restrict to, const uint8_t *__restrict from, con
             to[x * 3 + c] = static_cast<uint8_t>(static_cast<int32_t>(from[x * 3 + c] * shades[x]) / 255);
 }
 
-static void LightPixels(const DibLock &to, const DibLock &from, int32_t memoryRow, int32_t centreRow,
+static void LightPixels(const WriteView &to, const ReadView &from, int32_t memoryRow, int32_t centreRow,
                         const double *shades, bool colored) {
-    const int32_t top = from.view.height - 1;
-    for (int32_t x = 0; x < from.view.width; x++) {
-        const uint32_t pixel = colored ? DibGetPixel(from.image, x, top - centreRow) : 0xFFFFFF;
+    const int32_t top = from.height - 1;
+    for (int32_t x = 0; x < from.width; x++) {
+        const uint32_t pixel = colored ? DibGetPixel(from, x, top - centreRow) : 0xFFFFFF;
         const auto light = [&](uint8_t channel) {
             const auto lit = static_cast<int32_t>(channel * shades[x]);
             return static_cast<uint32_t>(colored ? lit / 255 : static_cast<int32_t>(shades[x])) & 255;
         };
-        DibSetPixel(to.image, x, top - memoryRow,
+        DibSetPixel(to, x, top - memoryRow,
                     PackColor(light(RedOf(pixel)), light(GreenOf(pixel)), light(BlueOf(pixel))));
     }
 }
 
-static bool ShadePicture(const DibLock &to, const DibLock &from, const LightVector &light, bool colored) {
-    const DibView &view = from.view;
+static bool ShadePicture(const WriteView &to, const ReadView &from, const LightVector &light, bool colored) {
+    const ReadView &view = from;
     const auto line = static_cast<uint64_t>(view.width) + 2;
     BlockArray<int32_t> ring(line * 3);
     BlockArray<double> shades(line);
@@ -113,26 +113,26 @@ static bool ShadePicture(const DibLock &to, const DibLock &from, const LightVect
         shades[0] = ShadeAtEdge(a, b, c, 0, view.width, light);
         shades[view.width - 1] = ShadeAtEdge(a, b, c, view.width - 1, view.width, light);
         if (view.bits == 24 && colored)
-            LightRow(to.view.MemoryRow(y), view.MemoryRow(first + 1), shades.data, view.width);
+            LightRow(to.MemoryRow(y), view.MemoryRow(first + 1), shades.data, view.width);
         else
             LightPixels(to, from, y, first + 1, shades.data, colored);
     }
     return true;
 }
 
-static DibHandle ShadeKernel(DibHandle source, FilterContext *context) {
+static DibHandle ShadeKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     // A relief takes three rows.
-    if (pass.from.view.height < 3) return DibClone(source);
-    const double azimuth = context->FilterShadeAzimuth * std::numbers::pi / 180;
-    const double elevation = context->FilterShadeElevation * std::numbers::pi / 180;
+    if (pass.from.height < 3) return DibClone(source);
+    const double azimuth = context.FilterShadeAzimuth * std::numbers::pi / 180;
+    const double elevation = context.FilterShadeElevation * std::numbers::pi / 180;
     const LightVector light{255 * std::cos(azimuth) * std::cos(elevation),
                             255 * std::sin(azimuth) * std::cos(elevation), 255 * std::sin(elevation)};
-    if (!ShadePicture(pass.to, pass.from, light, context->FilterShadeLevel != 0)) return nullptr;
+    if (!ShadePicture(pass.to, pass.from, light, context.FilterShadeLevel != 0)) return nullptr;
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kShade = MakeSlots<kPage>(ShadeKernel);
+extern constexpr Filter kShade = MakeFilter<kPage>(ShadeKernel);
 
 } // namespace lmf

@@ -3,16 +3,16 @@
 // "Radius:" are kept but do not reach the picture.
 #include <cmath>
 
-#include "engine/slots.h"
-#include "filters/neighbourhood/gaussian.h"
+#include "engine/filter.h"
+#include "image/blur/gaussian.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    HundredthsSlider(1000, "Amount:", &FilterParameters::FilterUnsharpAmount, {0, 50}),
-    HundredthsSlider(1001, "Threshold:", &FilterParameters::FilterUnsharpThreshold, {1, 15}),
-    HundredthsSlider(1002, "Depth:", &FilterParameters::FilterUnsharpSigma, {10, 100}),
-    HundredthsSlider(1003, "Radius:", &FilterParameters::FilterUnsharpRadius, {10, 990}),
+    HundredthsSlider(1000, "Amount:", &P::FilterUnsharpAmount, {0, 50}),
+    HundredthsSlider(1001, "Threshold:", &P::FilterUnsharpThreshold, {1, 15}),
+    HundredthsSlider(1002, "Depth:", &P::FilterUnsharpSigma, {10, 100}),
+    HundredthsSlider(1003, "Radius:", &P::FilterUnsharpRadius, {10, 990}),
 };
 
 static uint8_t SharpenByte(int32_t byte, int32_t blurred, double amount, double threshold) {
@@ -32,38 +32,38 @@ static void SharpenRow(uint8_t *__restrict row, const uint8_t *__restrict source
     for (size_t i = 0; i < count; i++) row[i] = table[source[i] * 256 + row[i]];
 }
 
-static void SharpenThroughPixels(const DibLock &to, const DibLock &from, const uint8_t *table) {
+static void SharpenThroughPixels(const WriteView &to, const ReadView &from, const uint8_t *table) {
     const auto sharpen = [&](uint8_t byte, uint8_t blurred) -> uint32_t { return table[byte * 256 + blurred]; };
-    for (int32_t y = 0; y < from.view.height; y++) {
-        for (int32_t x = 0; x < from.view.width; x++) {
-            const uint32_t pixel = DibGetPixel(from.image, x, y), blurred = DibGetPixel(to.image, x, y);
-            DibSetPixel(to.image, x, y,
+    for (int32_t y = 0; y < from.height; y++) {
+        for (int32_t x = 0; x < from.width; x++) {
+            const uint32_t pixel = DibGetPixel(from, x, y), blurred = DibGetPixel(to, x, y);
+            DibSetPixel(to, x, y,
                         PackColor(sharpen(RedOf(pixel), RedOf(blurred)), sharpen(GreenOf(pixel), GreenOf(blurred)),
                                   sharpen(BlueOf(pixel), BlueOf(blurred))));
         }
     }
 }
 
-static DibHandle UnsharpMaskKernel(DibHandle source, FilterContext *context) {
-    DibOwner result(GaussianBlurKernelRun(source, context));
-    DibLock from(source), to(result.handle);
+static DibHandle UnsharpMaskKernel(const ReadView &source, FilterContext &context) {
+    LockedDib result(
+        GaussianBlurKernelRun(source, context.mode, context.FilterGaussianRadius, context.FilterGaussianSigma));
     BlockArray<uint8_t> table(256 * 256);
-    if (!from || !to || !table) return nullptr;
-    FillTable(table.data, context->FilterUnsharpAmount / 10.0, context->FilterUnsharpThreshold / 10.0 * 255.0);
-    const uint32_t bits = from.view.bits;
-    if (context->mode == kModeTrueColor || context->mode == kModeGrey) {
-        if (bits == to.view.bits && bits == (context->mode == kModeTrueColor ? 24 : 8)) {
-            for (int32_t y = 0; y < from.view.height; y++)
-                SharpenRow(to.view.Row(y), from.view.Row(y), static_cast<size_t>(from.view.width) * bits / 8,
-                           table.data);
+    if (!result || !table) return nullptr;
+    const ReadView &from = source;
+    const WriteView &to = result.View();
+    FillTable(table.data, context.FilterUnsharpAmount / 10.0, context.FilterUnsharpThreshold / 10.0 * 255.0);
+    const uint32_t bits = from.bits;
+    if (context.mode == kModeTrueColor || context.mode == kModeGrey) {
+        if (bits == to.bits && bits == (context.mode == kModeTrueColor ? 24 : 8)) {
+            for (int32_t y = 0; y < from.height; y++)
+                SharpenRow(to.Row(y), from.Row(y), static_cast<size_t>(from.width) * bits / 8, table.data);
         } else {
             SharpenThroughPixels(to, from, table.data);
         }
     }
-    to.Unlock();
     return result.Release();
 }
 
-extern constexpr FilterSlots kUnsharpMask = MakeSlots<kPage>(UnsharpMaskKernel);
+extern constexpr Filter kUnsharpMask = MakeFilter<kPage>(UnsharpMaskKernel);
 
 } // namespace lmf

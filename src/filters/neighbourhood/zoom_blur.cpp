@@ -1,16 +1,16 @@
 // Zoom Blur: every pixel becomes the mean of samples on the line from itself towards the middle of the picture, as when
 // a lens is zoomed during the exposure. "Displacement" is the step from sample to sample in percent of the distance to
 // the middle, "Cycles" the number of samples.
-#include "engine/slots.h"
-#include "filters/neighbourhood/pixel_sum.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/blur/pixel_sum.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    HundredthsSlider(1080, "Displacement:", &FilterParameters::FilterZoomBlurDisp, {100, 1000}),
-    Slider(1081, "Cycles:", &FilterParameters::FilterZoomBlurCycles, {4, 40}),
+    HundredthsSlider(1080, "Displacement:", &P::FilterZoomBlurDisp, {100, 1000}),
+    Slider(1081, "Cycles:", &P::FilterZoomBlurCycles, {4, 40}),
 };
 
 /// Where the samples of each column, or of each row, lie.
@@ -42,14 +42,14 @@ static void FillSamples(SampleTable *table, int32_t length, int32_t cycles, floa
     }
 }
 
-static void BlurThroughPixels(void *to, const DibLock &from, const SampleTable &columns, const SampleTable &rows,
-                              int32_t cycles) {
-    for (int32_t y = 0; y < from.view.height; y++) {
-        for (int32_t x = 0; x < from.view.width; x++) {
+static void BlurThroughPixels(const WriteView &to, const ReadView &from, const SampleTable &columns,
+                              const SampleTable &rows, int32_t cycles) {
+    for (int32_t y = 0; y < from.height; y++) {
+        for (int32_t x = 0; x < from.width; x++) {
             const int32_t count = std::min(columns.inside[x], rows.inside[y]);
             uint32_t red = 0, green = 0, blue = 0;
             for (int32_t i = 0; i < count; i++) {
-                const uint32_t pixel = DibGetPixel(from.image, columns.at[static_cast<int64_t>(x) * cycles + i],
+                const uint32_t pixel = DibGetPixel(from, columns.at[static_cast<int64_t>(x) * cycles + i],
                                                    rows.at[static_cast<int64_t>(y) * cycles + i]);
                 red += RedOf(pixel);
                 green += GreenOf(pixel);
@@ -73,15 +73,16 @@ static void BlurRow(uint8_t *to, int32_t width, const uint8_t *const *sampleRows
     }
 }
 
-static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
+static DibHandle ZoomBlurKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const DibView &from = pass.from.view, &to = pass.to.view;
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     const int32_t width = from.width, height = from.height;
 
     // The pixel itself is always a sample.
-    const int32_t cycles = std::max(context->FilterZoomBlurCycles, 1);
-    const auto step = static_cast<float>(context->FilterZoomBlurDisp / 100.0);
+    const int32_t cycles = std::max(context.FilterZoomBlurCycles, 1);
+    const auto step = static_cast<float>(context.FilterZoomBlurDisp / 100.0);
     SampleTable columns(width, cycles), rows(height, cycles);
     if (!columns || !rows) return nullptr;
     FillSamples(&columns, width, cycles, step);
@@ -95,11 +96,11 @@ static DibHandle ZoomBlurKernel(DibHandle source, FilterContext *context) {
             BlurRow(to.Row(y), width, sampleRows, rows.inside[y], columns.at.data, columns.inside.data, cycles);
         }
     } else {
-        BlurThroughPixels(pass.to.image, pass.from, columns, rows, cycles);
+        BlurThroughPixels(pass.to, pass.from, columns, rows, cycles);
     }
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kZoomBlur = MakeSlots<kPage>(ZoomBlurKernel);
+extern constexpr Filter kZoomBlur = MakeFilter<kPage>(ZoomBlurKernel);
 
 } // namespace lmf

@@ -4,10 +4,10 @@
 #include <array>
 #include <cstring>
 
-#include "engine/slots.h"
-#include "filters/noise/bgr_rows.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/bgr_rows.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
@@ -99,10 +99,10 @@ struct SweepRows {
     }
 };
 
-static DibHandle DespeckleKernel(DibHandle source, FilterContext *) {
+static DibHandle DespeckleKernel(const ReadView &source, FilterContext &) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t width = pass.from.view.width, height = pass.from.view.height;
+    const int32_t width = pass.from.width, height = pass.from.height;
 
     const size_t rowBytes = static_cast<size_t>(width) * 3;
     const SweepRows rows(rowBytes, height);
@@ -124,6 +124,6 @@ static DibHandle DespeckleKernel(DibHandle source, FilterContext *) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kDespeckle = MakeSlots(DespeckleKernel);
+extern constexpr Filter kDespeckle = MakeFilter(DespeckleKernel);
 
 } // namespace lmf

@@ -1,21 +1,21 @@
 // Film Grain: adds blurred grey noise to the picture. Density sets how fine the grain is (a higher one blurs less),
 // Impact how strong, and the seed which grain it is: a seed gives the same grain every time. The noise lightens the
 // picture; Normalize, on at first, stretches the tones back afterwards.
+#include "common/multiversion.h"
 #include "common/random.h"
-#include "engine/slots.h"
+#include "engine/filter.h"
 #include "filters/histogram/normalize.h"
-#include "filters/neighbourhood/gaussian.h"
-#include "filters/noise/bgr_rows.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "image/blur/gaussian.h"
+#include "image/core/bgr_rows.h"
+#include "image/core/pixel_pass.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1140, "Density:", &FilterParameters::FilterFilmgrainBlur, {0, 40}),
-    Slider(1141, "Impact:", &FilterParameters::FilterFilmgrainStrength, {20, 99}),
-    NumberEdit(1142, "Random seed:", &FilterParameters::FilterFilmgrainSeed, {1000, 32760}),
-    CheckBox(1143, "Normalize", &FilterParameters::FilterFilmgrainNormalize),
+    Slider(1140, "Density:", &P::FilterFilmgrainBlur, {0, 40}),
+    Slider(1141, "Impact:", &P::FilterFilmgrainStrength, {20, 99}),
+    NumberEdit(1142, "Random seed:", &P::FilterFilmgrainSeed, {1000, 32760}),
+    CheckBox(1143, "Normalize", &P::FilterFilmgrainNormalize),
 };
 
 /// Depth of the grain's blur, in tenths of a pixel.
@@ -35,19 +35,18 @@ static void GrainOfDraws(uint8_t *__restrict grain, const uint16_t *__restrict d
 
 /// The unblurred noise as a grey picture, drawn from the top row down; null on failure.
 [[nodiscard]] static DibHandle MakeGrain(int32_t width, int32_t height, uint32_t range) {
-    DibOwner grain(DibCreateGrey(width, height));
-    DibLock to(grain.handle);
-    if (!to) return nullptr;
+    LockedDib grain(DibCreateGrey(width, height));
+    const WriteView &to = grain.View();
+    if (!grain) return nullptr;
     const auto columns = static_cast<size_t>(width);
     for (int32_t y = 0; y < height; y++) {
         for (size_t x = 0; x < columns; x += kBatch) {
             uint16_t draws[kBatch];
             const size_t count = std::min(kBatch, columns - x);
             NextRandoms(draws, count);
-            GrainOfDraws(to.view.Row(y) + x, draws, count, range);
+            GrainOfDraws(to.Row(y) + x, draws, count, range);
         }
     }
-    to.Unlock();
     return grain.Release();
 }
 
@@ -62,32 +61,29 @@ static void AddGrain(uint8_t *__restrict pixels, const uint8_t *__restrict grain
     }
 }
 
-static DibHandle FilmGrainKernel(DibHandle source, FilterContext *context) {
+static DibHandle FilmGrainKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t width = pass.from.view.width, height = pass.from.view.height;
-    const int64_t range = std::clamp<int64_t>(int64_t{context->FilterFilmgrainStrength} * 127 / 100, 1, kRandomMax + 1);
-    SeedRandom(static_cast<uint32_t>(context->FilterFilmgrainSeed));
-    DibOwner grain(MakeGrain(width, height, static_cast<uint32_t>(range)));
-    grain.Reset(GaussianBlurDirect(grain.handle, 42 - context->FilterFilmgrainBlur, kBlurDepth));
-    {
-        const DibLock blurred(grain.handle);
-        const BlockArray<uint8_t> row(static_cast<uint64_t>(width) * 3);
-        if (!blurred || !row) return nullptr;
-        for (int32_t y = 0; y < height; y++) {
-            ReadBgrRow(pass.from, y, row.data);
-            AddGrain(row.data, blurred.view.Row(y), static_cast<size_t>(width));
-            WriteBgrRow(pass.to, y, row.data);
-        }
+    const int32_t width = pass.from.width, height = pass.from.height;
+    const int64_t range = std::clamp<int64_t>(int64_t{context.FilterFilmgrainStrength} * 127 / 100, 1, kRandomMax + 1);
+    SeedRandom(static_cast<uint32_t>(context.FilterFilmgrainSeed));
+    LockedDib grain(MakeGrain(width, height, static_cast<uint32_t>(range)));
+    if (!grain) return nullptr;
+    grain = LockedDib(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, kBlurDepth));
+    const BlockArray<uint8_t> row(static_cast<uint64_t>(width) * 3);
+    if (!grain || !row) return nullptr;
+    for (int32_t y = 0; y < height; y++) {
+        ReadBgrRow(pass.from, y, row.data);
+        AddGrain(row.data, grain.View().Row(y), static_cast<size_t>(width));
+        WriteBgrRow(pass.to, y, row.data);
     }
-    grain.Reset();
-    DibOwner result(pass.Finish());
-    if (context->FilterFilmgrainNormalize != 0) {
-        if (DibHandle normalized = NormalizeKernel(result.handle, context)) return normalized;
+    grain = LockedDib();
+    if (context.FilterFilmgrainNormalize != 0) {
+        if (DibHandle normalized = Normalize(pass.to)) return normalized;
     }
-    return result.Release();
+    return pass.Finish();
 }
 
-extern constexpr FilterSlots kFilmGrain = MakeSlots<kPage>(FilmGrainKernel);
+extern constexpr Filter kFilmGrain = MakeFilter<kPage>(FilmGrainKernel);
 
 } // namespace lmf

@@ -5,18 +5,18 @@
 // window are refused.
 #include <cstring>
 
-#include "engine/slots.h"
-#include "filters/noise/bgr_rows.h"
-#include "filters/noise/byte_counts.h"
-#include "filters/noise/byte_network.h"
-#include "filters/noise/window_width.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/bgr_rows.h"
+#include "image/core/pixel_pass.h"
+#include "image/noise/byte_counts.h"
+#include "image/noise/byte_network.h"
+#include "image/noise/window_width.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(580, "Radius:", &FilterParameters::FilterMedianRadius, {100, 300}),
+    Slider(580, "Radius:", &P::FilterMedianRadius, {100, 300}),
 };
 
 static constexpr int32_t kWidestNetwork = 7;
@@ -103,11 +103,11 @@ static void MedianRowByCounts(uint8_t *to, const uint8_t *const *rows, size_t ro
     }
 }
 
-static DibHandle MedianKernel(DibHandle source, FilterContext *context) {
+static DibHandle MedianKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t width = pass.from.view.width, height = pass.from.view.height;
-    const int32_t n = WindowWidth(context->FilterMedianRadius / 100.0, 0.5);
+    const int32_t width = pass.from.width, height = pass.from.height;
+    const int32_t n = WindowWidth(context.FilterMedianRadius / 100.0, 0.5);
     if (width < n || height < n) return nullptr;
 
     // The rows of the window in turn, one row of white for what lies below the picture, and the row of results.
@@ -140,6 +140,6 @@ static DibHandle MedianKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kMedian = MakeSlots<kPage>(MedianKernel);
+extern constexpr Filter kMedian = MakeFilter<kPage>(MedianKernel);
 
 } // namespace lmf

@@ -4,18 +4,18 @@
 // a pixel, rounded up: n is 3 up to 10, 5 up to 20 and so on. Pictures smaller than n x n are refused.
 #include <cstring>
 
-#include "engine/slots.h"
-#include "filters/noise/bgr_rows.h"
-#include "filters/noise/byte_counts.h"
-#include "filters/noise/byte_network.h"
-#include "filters/noise/window_width.h"
-#include "image/multiversion.h"
-#include "image/pixel_pass.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/bgr_rows.h"
+#include "image/core/pixel_pass.h"
+#include "image/noise/byte_counts.h"
+#include "image/noise/byte_network.h"
+#include "image/noise/window_width.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    HundredthsSlider(740, "Radius:", &FilterParameters::Filter_ReduceNoiseRadius, {2, 50}),
+    HundredthsSlider(740, "Radius:", &P::Filter_ReduceNoiseRadius, {2, 50}),
 };
 
 /// Widest window that has a network, and that the page allows.
@@ -86,11 +86,11 @@ static void ReduceRowByCounts(uint8_t *to, const uint8_t *from, size_t rowBytes,
     }
 }
 
-static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
+static DibHandle ReduceNoiseKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const int32_t width = pass.from.view.width, height = pass.from.view.height;
-    const int32_t n = WindowWidth(context->Filter_ReduceNoiseRadius / 10.0, 0.5);
+    const int32_t width = pass.from.width, height = pass.from.height;
+    const int32_t n = WindowWidth(context.Filter_ReduceNoiseRadius / 10.0, 0.5);
     if (width < n || height < n) return nullptr;
 
     const size_t rowBytes = static_cast<size_t>(width) * 3;
@@ -112,6 +112,6 @@ static DibHandle ReduceNoiseKernel(DibHandle source, FilterContext *context) {
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kReduceNoise = MakeSlots<kPage>(ReduceNoiseKernel);
+extern constexpr Filter kReduceNoise = MakeFilter<kPage>(ReduceNoiseKernel);
 
 } // namespace lmf

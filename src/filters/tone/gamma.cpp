@@ -2,22 +2,22 @@
 // darkens. Palette pictures have their colour table changed.
 #include <cmath>
 
-#include "engine/slots.h"
-#include "filters/tone/tone_table.h"
+#include "engine/filter.h"
+#include "image/color/tone_table.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    HundredthsSlider(480, "Gamma:", &FilterParameters::FilterGammaLevel, {10, 200}),
+    HundredthsSlider(480, "Gamma:", &P::FilterGammaLevel, {10, 200}),
 };
 
-static DibHandle GammaKernel(DibHandle source, FilterContext *context) {
+static DibHandle GammaKernel(const ReadView &source, FilterContext &context) {
     ToneTable table;
     for (int32_t i = 0; i < 256; i++)
-        table.at[i] = static_cast<uint8_t>(std::pow(i / 255.0, context->FilterGammaLevel / 100.0) * 255.0 + 0.5);
+        table.at[i] = static_cast<uint8_t>(std::pow(i / 255.0, context.FilterGammaLevel / 100.0) * 255.0 + 0.5);
     return ApplyToneTable(source, table);
 }
 
-extern constexpr FilterSlots kGamma = MakeSlots<kPage>(GammaKernel);
+extern constexpr Filter kGamma = MakeFilter<kPage>(GammaKernel);
 
 } // namespace lmf

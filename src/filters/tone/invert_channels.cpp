@@ -1,14 +1,14 @@
 // Invert Channels: mixes each channel with its negative. A channel's setting is the share of the original out of 255:
 // 255 keeps it, 0 inverts it.
-#include "engine/slots.h"
-#include "image/pixel_map.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(1200, "Red:", &FilterParameters::FilterInvertChannelsRed, {0, 255}).Track(8),
-    Slider(1201, "Green:", &FilterParameters::FilterInvertChannelsGreen, {0, 255}).Track(9),
-    Slider(1202, "Blue:", &FilterParameters::FilterInvertChannelsBlue, {0, 255}).Track(10),
+    Slider(1200, "Red:", &P::FilterInvertChannelsRed, {0, 255}).Track(8),
+    Slider(1201, "Green:", &P::FilterInvertChannelsGreen, {0, 255}).Track(9),
+    Slider(1202, "Blue:", &P::FilterInvertChannelsBlue, {0, 255}).Track(10),
 };
 
 /// Quotients in double, products and their sum in single precision.
@@ -24,15 +24,15 @@ static ToneTable MixedWithNegative(int32_t share) {
     return table;
 }
 
-static DibHandle InvertChannelsKernel(DibHandle source, FilterContext *context) {
+static DibHandle InvertChannelsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    MapChannels(pass, {MixedWithNegative(context->FilterInvertChannelsRed),
-                       MixedWithNegative(context->FilterInvertChannelsGreen),
-                       MixedWithNegative(context->FilterInvertChannelsBlue)});
+    MapChannels(pass, {MixedWithNegative(context.FilterInvertChannelsRed),
+                       MixedWithNegative(context.FilterInvertChannelsGreen),
+                       MixedWithNegative(context.FilterInvertChannelsBlue)});
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kInvertChannels = MakeSlots<kPage>(InvertChannelsKernel);
+extern constexpr Filter kInvertChannels = MakeFilter<kPage>(InvertChannelsKernel);
 
 } // namespace lmf

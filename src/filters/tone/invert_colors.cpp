@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
@@ -17,26 +17,27 @@ static void InvertBytes(uint8_t *__restrict to, const uint8_t *__restrict from, 
 /// Copies the pixels and inverts the palette that they go through.
 static void InvertPalette(const PixelPass &pass) {
     Palette768 palette;
-    const uint32_t entries = DibReadPalette(pass.from.image, &palette);
+    const uint32_t entries = DibReadPalette(pass.from, &palette);
     for (uint32_t i = 0; i < entries * 3; i++) palette.rgb[i] = static_cast<uint8_t>(~palette.rgb[i]);
-    DibWritePalette(pass.to.image, palette);
-    const DibView &from = pass.from.view, &to = pass.to.view;
+    DibWritePalette(pass.to, palette);
+    const ReadView &from = pass.from;
+    const WriteView &to = pass.to;
     const auto bytes = static_cast<size_t>(std::min(to.stride, from.stride));
     for (int32_t y = 0; y < from.height; y++) std::memcpy(to.MemoryRow(y), from.MemoryRow(y), bytes);
 }
 
-static DibHandle InvertColorsKernel(DibHandle source, FilterContext *context) {
+static DibHandle InvertColorsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
-    if (context->mode == kModePalette || context->mode == kModeMono)
+    if (context.mode == kModePalette || context.mode == kModeMono)
         InvertPalette(pass);
-    else if (context->mode == kModeGrey)
+    else if (context.mode == kModeGrey)
         MapPixels(pass, [](Color value) { return value ^ 0xFF; });
     else
         MapColors(pass, [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kInvertColors = MakeSlots(InvertColorsKernel);
+extern constexpr Filter kInvertColors = MakeFilter(InvertColorsKernel);
 
 } // namespace lmf

@@ -2,14 +2,14 @@
 // both scaled by the factor first, which takes out colour and darkens.
 #include <algorithm>
 
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_map.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(590, "Factor:", &FilterParameters::FilterMoonlightFactor, {1, 100}),
+    Slider(590, "Factor:", &P::FilterMoonlightFactor, {1, 100}),
 };
 
 /// The result cannot pass 255, since the factor cannot pass 1.
@@ -30,15 +30,15 @@ static void MoonlightRow(uint8_t *__restrict to, const uint8_t *__restrict from,
     }
 }
 
-static DibHandle MoonlightKernel(DibHandle source, FilterContext *context) {
+static DibHandle MoonlightKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source, ResultPalette::Black);
     if (!pass) return nullptr;
-    const float factor = static_cast<float>(context->FilterMoonlightFactor) / 100.0f;
+    const float factor = static_cast<float>(context.FilterMoonlightFactor) / 100.0f;
     MapColors(pass,
               [factor](uint8_t *to, const uint8_t *from, size_t width) { MoonlightRow(to, from, width, factor); });
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kMoonlight = MakeSlots<kPage>(MoonlightKernel);
+extern constexpr Filter kMoonlight = MakeFilter<kPage>(MoonlightKernel);
 
 } // namespace lmf

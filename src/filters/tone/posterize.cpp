@@ -1,21 +1,21 @@
 // Posterize: keeps the highest bits of every channel, as many as the setting says, and clears the others. Palette
 // pictures have their colour table changed.
-#include "engine/slots.h"
-#include "filters/tone/tone_table.h"
+#include "engine/filter.h"
+#include "image/color/tone_table.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(680, "Steps:", &FilterParameters::FilterPosterizeSteps, {1, 8}),
+    Slider(680, "Steps:", &P::FilterPosterizeSteps, {1, 8}),
 };
 
-static DibHandle PosterizeKernel(DibHandle source, FilterContext *context) {
+static DibHandle PosterizeKernel(const ReadView &source, FilterContext &context) {
     ToneTable table;
-    const int32_t dropped = 8 - context->FilterPosterizeSteps;
+    const int32_t dropped = 8 - context.FilterPosterizeSteps;
     for (int32_t i = 0; i < 256; i++) table.at[i] = static_cast<uint8_t>(i >> dropped << dropped);
     return ApplyToneTable(source, table);
 }
 
-extern constexpr FilterSlots kPosterize = MakeSlots<kPage>(PosterizeKernel);
+extern constexpr Filter kPosterize = MakeFilter<kPage>(PosterizeKernel);
 
 } // namespace lmf

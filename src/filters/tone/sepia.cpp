@@ -4,16 +4,16 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/slots.h"
-#include "filters/tone/tone_table.h"
+#include "engine/filter.h"
+#include "image/color/tone_table.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(830, "Threshold:", &FilterParameters::FilterSepiaThreshold, {20, 99}),
-    Slider(831, "Blend:", &FilterParameters::FilterSepiaBlend, {1, 100}),
-    Slider(832, "Contrast:", &FilterParameters::FilterSepiaContrast, {1, 255}).Edit(0, 255),
-    Slider(833, "Brightness:", &FilterParameters::FilterSepiaBrightness, {1, 255}).Edit(0, 255),
+    Slider(830, "Threshold:", &P::FilterSepiaThreshold, {20, 99}),
+    Slider(831, "Blend:", &P::FilterSepiaBlend, {1, 100}),
+    Slider(832, "Contrast:", &P::FilterSepiaContrast, {1, 255}).Edit(0, 255),
+    Slider(833, "Brightness:", &P::FilterSepiaBrightness, {1, 255}).Edit(0, 255),
 };
 
 /// What a channel value adds to the pixel's two luminances.
@@ -90,20 +90,20 @@ static void SepiaRow(uint8_t *__restrict to, const uint8_t *__restrict from, siz
     }
 }
 
-static DibHandle SepiaKernel(DibHandle source, FilterContext *context) {
+static DibHandle SepiaKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source, ResultPalette::Black);
     BlockArray<SepiaTables> tables(1);
     if (!pass || !tables) return nullptr;
     ToneTable contrast;
-    BuildContrastTable(context->FilterSepiaContrast - 127, context->FilterSepiaBrightness - 127, &contrast);
+    BuildContrastTable(context.FilterSepiaContrast - 127, context.FilterSepiaBrightness - 127, &contrast);
     FillShares(tables.data, contrast);
-    FillTones(tables.data, static_cast<float>(context->FilterSepiaThreshold),
-              static_cast<float>(context->FilterSepiaBlend));
+    FillTones(tables.data, static_cast<float>(context.FilterSepiaThreshold),
+              static_cast<float>(context.FilterSepiaBlend));
     MapColors(pass,
               [&tables](uint8_t *to, const uint8_t *from, size_t width) { SepiaRow(to, from, width, tables[0]); });
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kSepia = MakeSlots<kPage>(SepiaKernel);
+extern constexpr Filter kSepia = MakeFilter<kPage>(SepiaKernel);
 
 } // namespace lmf

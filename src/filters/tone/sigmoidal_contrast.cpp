@@ -4,15 +4,15 @@
 #include <algorithm>
 #include <cmath>
 
-#include "engine/slots.h"
-#include "image/pixel_map.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
 
 namespace lmf {
 
 static constexpr PageControl kPage[] = {
-    Slider(890, "Contrast:", &FilterParameters::FilterSigcontContrast, {1, 200}),
-    Slider(891, "Midpoint:", &FilterParameters::FilterSigcontMidpoint, {1, 100}).Edit(0, 100),
-    CheckBox(892, "Brighten", &FilterParameters::FilterSigcontSharpen),
+    Slider(890, "Contrast:", &P::FilterSigcontContrast, {1, 200}),
+    Slider(891, "Midpoint:", &P::FilterSigcontMidpoint, {1, 100}).Edit(0, 100),
+    CheckBox(892, "Brighten", &P::FilterSigcontSharpen),
 };
 
 /// The level of channel value i before rounding, 0 to 255. With `brighten` the curve itself adds one half already.
@@ -31,19 +31,19 @@ static float CurveLevel(int32_t i, double steepness, int32_t midpoint, bool brig
     return std::clamp(static_cast<float>(level), 0.0f, 255.0f);
 }
 
-static DibHandle SigmoidalContrastKernel(DibHandle source, FilterContext *context) {
+static DibHandle SigmoidalContrastKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     ToneTable table;
     for (int32_t i = 0; i < 256; i++) {
-        const float level = CurveLevel(i, context->FilterSigcontContrast / 10.0, context->FilterSigcontMidpoint,
-                                       context->FilterSigcontSharpen != 0);
+        const float level = CurveLevel(i, context.FilterSigcontContrast / 10.0, context.FilterSigcontMidpoint,
+                                       context.FilterSigcontSharpen != 0);
         table.at[i] = static_cast<uint8_t>(level <= 0 ? 0 : level >= 255 ? 255 : level + 0.5);
     }
     MapChannels(pass, table);
     return pass.Finish();
 }
 
-extern constexpr FilterSlots kSigmoidalContrast = MakeSlots<kPage>(SigmoidalContrastKernel);
+extern constexpr Filter kSigmoidalContrast = MakeFilter<kPage>(SigmoidalContrastKernel);
 
 } // namespace lmf

@@ -1,20 +1,20 @@
 // Black Threshold and White Threshold: pixels darker than the level become black, pixels brighter than the level become
 // white; a pixel at exactly the level stays. With "Antialias" the work is done at four times the size.
-#include "engine/slots.h"
-#include "image/multiversion.h"
-#include "image/pixel_map.h"
-#include "image/resample.h"
+#include "common/multiversion.h"
+#include "engine/filter.h"
+#include "image/core/pixel_map.h"
+#include "image/scale/resample.h"
 
 namespace lmf {
 
 static constexpr PageControl kBlackThresholdPage[] = {
-    Slider(260, "Threshold:", &FilterParameters::FilterBlackThresholdLevel, {24, 160}),
-    CheckBox(261, "Antialias", &FilterParameters::FilterBlackAntialias),
+    Slider(260, "Threshold:", &P::FilterBlackThresholdLevel, {24, 160}),
+    CheckBox(261, "Antialias", &P::FilterBlackAntialias),
 };
 
 static constexpr PageControl kWhiteThresholdPage[] = {
-    Slider(1070, "Threshold:", &FilterParameters::FilterWhiteThresholdLevel, {64, 250}),
-    CheckBox(1071, "Antialias", &FilterParameters::FilterWhiteAntiAlias),
+    Slider(1070, "Threshold:", &P::FilterWhiteThresholdLevel, {64, 250}),
+    CheckBox(1071, "Antialias", &P::FilterWhiteAntiAlias),
 };
 
 LMF_MULTIVERSION
@@ -38,7 +38,7 @@ static void WhiteRow(uint8_t *__restrict to, const uint8_t *__restrict from, siz
 }
 
 /// Depths other than 24 are compared by their raw pixel value.
-static DibHandle MapBlack(DibHandle source, int32_t level) {
+static DibHandle MapBlack(const ReadView &source, int32_t level) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     MapPixels(
@@ -47,7 +47,7 @@ static DibHandle MapBlack(DibHandle source, int32_t level) {
     return pass.Finish();
 }
 
-static DibHandle MapWhite(DibHandle source, int32_t level) {
+static DibHandle MapWhite(const ReadView &source, int32_t level) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     MapPixels(
@@ -57,24 +57,24 @@ static DibHandle MapWhite(DibHandle source, int32_t level) {
 }
 
 /// Runs `map` at 400 percent of the size and comes back.
-static DibHandle MapEnlarged(DibHandle source, int32_t level, DibHandle (*map)(DibHandle, int32_t)) {
-    const DibOwner enlarged(DibScalePercent(source, 400, 400, kWindowAutomatic));
+static DibHandle MapEnlarged(const ReadView &source, int32_t level, DibHandle (*map)(const ReadView &, int32_t)) {
+    const LockedDib enlarged(DibScalePercent(source, 400, 400, kWindowAutomatic));
     if (!enlarged) return nullptr;
-    const DibOwner mapped(map(enlarged.handle, level));
-    return DibScalePercent(mapped.handle, 25, 25, kWindowAutomatic);
+    const LockedDib mapped(map(enlarged, level));
+    return mapped ? DibScalePercent(mapped, 25, 25, kWindowAutomatic) : nullptr;
 }
 
-static DibHandle BlackThresholdKernel(DibHandle source, FilterContext *context) {
-    const int32_t level = context->FilterBlackThresholdLevel;
-    return context->FilterBlackAntialias ? MapEnlarged(source, level, MapBlack) : MapBlack(source, level);
+static DibHandle BlackThresholdKernel(const ReadView &source, FilterContext &context) {
+    const int32_t level = context.FilterBlackThresholdLevel;
+    return context.FilterBlackAntialias ? MapEnlarged(source, level, MapBlack) : MapBlack(source, level);
 }
 
-static DibHandle WhiteThresholdKernel(DibHandle source, FilterContext *context) {
-    const int32_t level = context->FilterWhiteThresholdLevel;
-    return context->FilterWhiteAntiAlias ? MapEnlarged(source, level, MapWhite) : MapWhite(source, level);
+static DibHandle WhiteThresholdKernel(const ReadView &source, FilterContext &context) {
+    const int32_t level = context.FilterWhiteThresholdLevel;
+    return context.FilterWhiteAntiAlias ? MapEnlarged(source, level, MapWhite) : MapWhite(source, level);
 }
 
-extern constexpr FilterSlots kBlackThreshold = MakeSlots<kBlackThresholdPage>(BlackThresholdKernel);
-extern constexpr FilterSlots kWhiteThreshold = MakeSlots<kWhiteThresholdPage>(WhiteThresholdKernel);
+extern constexpr Filter kBlackThreshold = MakeFilter<kBlackThresholdPage>(BlackThresholdKernel);
+extern constexpr Filter kWhiteThreshold = MakeFilter<kWhiteThresholdPage>(WhiteThresholdKernel);
 
 } // namespace lmf

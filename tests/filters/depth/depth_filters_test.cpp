@@ -1,4 +1,4 @@
-#include "image/dither.h"
+#include "image/color/dither.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
@@ -10,19 +10,19 @@ TEST(ConvertTo256Colors, TakesTheLeastDepthForTheColors) {
     for (const Case &item : {Case{1, 1}, Case{2, 1}, Case{3, 4}, Case{16, 4}, Case{17, 8}, Case{200, 8}}) {
         Pixels pixels;
         for (uint32_t i = 0; i < item.colors; i++) pixels.push_back(i * 0x010201);
-        const DibOwner picture = MakePicture(static_cast<int32_t>(item.colors), 1, 24, pixels);
-        const DibOwner result = RunKernel("Convert to 256 Colors", picture.handle, {{&P::FilterConvertTo256Dither, 0}});
-        DibLock lock(result.handle);
+        const LockedDib picture = MakePicture(static_cast<int32_t>(item.colors), 1, 24, pixels);
+        const LockedDib result = RunKernel("Convert to 256 Colors", picture, {{&P::FilterConvertTo256Dither, 0}});
+        const ReadView lock = result;
         ASSERT_TRUE(lock);
-        EXPECT_EQ(lock.view.bits, item.bits) << item.colors;
+        EXPECT_EQ(lock.bits, item.bits) << item.colors;
         if (item.colors < 3) continue;
         ExpectPixels(result, [](int32_t x, int32_t) { return static_cast<uint32_t>(x); });
     }
 }
 
 TEST(ConvertTo256Colors, TwoColorsFromALightCornerChangePlaces) {
-    const DibOwner picture = MakePicture(2, 1, 24, {0xFFFFFF, 0x000000});
-    const DibOwner result = RunKernel("Convert to 256 Colors", picture.handle);
+    const LockedDib picture = MakePicture(2, 1, 24, {0xFFFFFF, 0x000000});
+    const LockedDib result = RunKernel("Convert to 256 Colors", picture);
     EXPECT_EQ(PixelsOf(result), (Pixels{1, 0}));
     EXPECT_TRUE(PaletteOf(result).At(0) == 0xFFFFFF && PaletteOf(result).At(1) == 0);
 }
@@ -35,8 +35,8 @@ TEST(ConvertToMono, DropsTheSecondPictureOnSuccessAlone) {
         const DibHandle second = context.secondResult;
         EXPECT_FALSE(RunKernel("Convert to Mono", RandomPicture(2, 2, kModeMono, 1).handle, &context));
         EXPECT_EQ(context.secondResult, second);
-        DibOwner result = RunKernel("Convert to Mono", RandomPicture(2, 2, kModeGrey, 1).handle, &context);
-        EXPECT_EQ(DibClassify(result.handle), kModeMono);
+        LockedDib result = RunKernel("Convert to Mono", RandomPicture(2, 2, kModeGrey, 1).handle, &context);
+        EXPECT_EQ(DibClassify(result), kModeMono);
         EXPECT_EQ(context.secondResult, nullptr);
     }
 }
@@ -44,23 +44,23 @@ TEST(ConvertToMono, DropsTheSecondPictureOnSuccessAlone) {
 TEST(ConvertToGreyAndRgb, UseTheTable) {
     const Palette768 palette{{0, 0, 255, 200, 10, 20}};
     for (uint32_t bits : {1u, 4u, 8u}) {
-        DibOwner picture = MakePalettePicture(2, 1, bits, palette, {0, 1});
-        DibOwner grey = RunKernel("Convert to Grey", picture.handle);
-        EXPECT_EQ(DibClassify(grey.handle), kModeGrey);
+        LockedDib picture = MakePalettePicture(2, 1, bits, palette, {0, 1});
+        LockedDib grey = RunKernel("Convert to Grey", picture);
+        EXPECT_EQ(DibClassify(grey), kModeGrey);
         EXPECT_EQ(PixelsOf(grey), (Pixels{0, 200}));
-        EXPECT_EQ(PixelsOf(RunKernel("Convert to RGB", picture.handle)), (Pixels{0xFF0000, 0x140AC8}));
+        EXPECT_EQ(PixelsOf(RunKernel("Convert to RGB", picture)), (Pixels{0xFF0000, 0x140AC8}));
     }
-    DibOwner color = MakePicture(2, 1, 24, {0xFF0000, 0x646464});
-    EXPECT_EQ(PixelsOf(RunKernel("Convert to Grey", color.handle)), (Pixels{28, 98}));
+    LockedDib color = MakePicture(2, 1, 24, {0xFF0000, 0x646464});
+    EXPECT_EQ(PixelsOf(RunKernel("Convert to Grey", color)), (Pixels{28, 98}));
 }
 
 TEST(BayerDither, TypesGiveTheirDepths) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
-        DibOwner picture = RandomPicture(13, 9, mode, 3), rgb = RunKernel("Convert to RGB", picture.handle);
-        const DibOwner expected[] = {DibOwner(BayerMono(rgb.handle)), DibOwner(BayerEight(rgb.handle)),
-                                     DibOwner(BayerRgb332(rgb.handle))};
+        LockedDib picture = RandomPicture(13, 9, mode, 3), rgb = RunKernel("Convert to RGB", picture);
+        const LockedDib expected[] = {LockedDib(BayerMono(rgb)), LockedDib(BayerEight(rgb)),
+                                      LockedDib(BayerRgb332(rgb))};
         for (int32_t type = 0; type < 3; type++) {
-            const DibOwner result = RunKernel("Bayer Dither", picture.handle, {{&P::FilterBayerType, type}});
+            const LockedDib result = RunKernel("Bayer Dither", picture, {{&P::FilterBayerType, type}});
             EXPECT_TRUE(SamePicture(result, expected[type])) << mode << " " << type;
         }
     }

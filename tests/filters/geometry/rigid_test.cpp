@@ -2,8 +2,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "image/dib_ops.h"
-#include "image/paper.h"
+#include "image/color/paper.h"
+#include "image/core/dib_ops.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
@@ -11,19 +11,19 @@ namespace lmf::testing {
 TEST(PaperFill, FollowsTheMode) {
     Palette768 palette{};
     palette.rgb[9] = 200; // entry 3 is a red
-    DibOwner picture = MakePalettePicture(1, 1, 8, palette);
-    DibLock lock(picture.handle);
-    EXPECT_EQ(PaperFillValue(0x123456, kModeTrueColor, lock.image), 0x123456u);
-    EXPECT_EQ(PaperFillValue(0x646464, kModeGrey, lock.image), 100u) << "a neutral colour keeps its level";
-    EXPECT_EQ(PaperFillValue(0x0000FF, kModeGrey, lock.image), 77u);
-    EXPECT_EQ(PaperFillValue(0x0000F0, kModePalette, lock.image), 3u);
-    EXPECT_EQ(PaperFillValue(0x646464, kModeMono, lock.image), 98u);
+    LockedDib picture = MakePalettePicture(1, 1, 8, palette);
+    const ReadView lock = picture;
+    EXPECT_EQ(PaperFillValue(0x123456, kModeTrueColor, lock), 0x123456u);
+    EXPECT_EQ(PaperFillValue(0x646464, kModeGrey, lock), 100u) << "a neutral colour keeps its level";
+    EXPECT_EQ(PaperFillValue(0x0000FF, kModeGrey, lock), 77u);
+    EXPECT_EQ(PaperFillValue(0x0000F0, kModePalette, lock), 3u);
+    EXPECT_EQ(PaperFillValue(0x646464, kModeMono, lock), 98u);
 }
 
 TEST(Flip, MirrorsColumnsUnlessTheDirectionIsOne) {
-    const DibOwner picture = MakePicture(2, 2, 1, {1, 0, 1, 1});
-    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle)), (Pixels{0, 1, 1, 1}));
-    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture.handle, {{&P::FilterFlipDirection, 1}})), (Pixels{1, 1, 1, 0}));
+    const LockedDib picture = MakePicture(2, 2, 1, {1, 0, 1, 1});
+    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture)), (Pixels{0, 1, 1, 1}));
+    EXPECT_EQ(PixelsOf(RunKernel("Flip", picture, {{&P::FilterFlipDirection, 1}})), (Pixels{1, 1, 1, 0}));
 }
 
 TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
@@ -31,30 +31,29 @@ TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
         int32_t left, right;
         Pixels columns;
     };
-    const DibOwner picture = MakePicture(5, 1, 8, {10, 11, 12, 13, 14});
+    const LockedDib picture = MakePicture(5, 1, 8, {10, 11, 12, 13, 14});
     for (const Case &c :
          {Case{0, 4, {10, 11, 12, 13}}, Case{3, 1, {11, 12}}, Case{0, 0, {10}}, Case{4, 4, {13}}, Case{1, 1, {10}}}) {
         const std::vector<Setting> settings = {
             {&P::FilterCropLeft, c.left}, {&P::FilterCropRight, c.right}, {&P::FilterCropBottom, 0}};
-        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture.handle, settings)), c.columns) << c.left;
+        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture, settings)), c.columns) << c.left;
     }
     FilterContext context = ContextWith({{&P::FilterCropLeft, 3}});
     context.width = 20;
     context.height = 10;
-    EntryOf("Crop").slots->LoadSettings(&context);
+    EntryOf("Crop").filter->LoadSettings(&context);
     EXPECT_TRUE(context.FilterCropLeft == 0 && context.FilterCropRight == 19 && context.FilterCropBottom == 9)
         << "the page opens with the whole picture";
 }
 
 TEST(Tile, CoversWholeOrClippedSheets) {
-    const DibOwner picture = RandomPicture(7, 5, kModeTrueColor, 3);
-    DibLock from(picture.handle);
+    const LockedDib picture = RandomPicture(7, 5, kModeTrueColor, 3);
+    const ReadView from = picture;
     for (int32_t integral : {0, 1}) {
-        const DibOwner sheet =
-            RunKernel("Tile", picture.handle,
-                      {{&P::FilterTileWide, 16}, {&P::FilterTileDeep, 4}, {&P::FilterTileIntegral, integral}});
+        const LockedDib sheet = RunKernel(
+            "Tile", picture, {{&P::FilterTileWide, 16}, {&P::FilterTileDeep, 4}, {&P::FilterTileIntegral, integral}});
         EXPECT_EQ(PixelsOf(sheet).size(), integral ? 21u * 5 : 16u * 5);
-        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(from.image, x % 7, y); });
+        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(from, x % 7, y); });
     }
 }
 
@@ -66,8 +65,8 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
         uint32_t corner;
     };
     // A frame of 0x101010 with one darker speck in its right column, around 4 x 2 pixels of 0x808080.
-    const DibOwner frame(DibCreateSolid(8, 6, 0x101010)),
-        picture = PictureLike(frame.handle, [](int32_t x, int32_t y) {
+    const LockedDib frame(DibCreateSolid(8, 6, 0x101010)),
+        picture = PictureLike(frame, [](int32_t x, int32_t y) {
             return x >= 2 && x < 6 && (y == 2 || y == 3) ? 0x808080u : x == 7 && y == 3 ? 0x100510u : 0x101010u;
         });
     const Case kCases[] = {
@@ -77,18 +76,18 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
         {2, 0, 34, true, true, false, true, 4, 4, 0x808080},   {2, 0, 50, true, false, true, false, 8, 1, 0x101010},
     };
     for (const Case &c : kCases) {
-        const DibOwner trimmed = RunKernel("Trim", picture.handle,
-                                           {{&P::FilterTrimMode, c.mode},
-                                            {&P::FilterTrimTol, c.tolerance},
-                                            {&P::FilterTrimSize, c.sizeOrPercent},
-                                            {&P::FilterTrimPercent, c.sizeOrPercent},
-                                            {&P::FilterTrimNorth, c.north},
-                                            {&P::FilterTrimEast, c.east},
-                                            {&P::FilterTrimSouth, c.south},
-                                            {&P::FilterTrimWest, c.west}});
-        DibLock lock(trimmed.handle);
-        EXPECT_TRUE(lock.view.width == c.width && lock.view.height == c.height) << &c - kCases;
-        EXPECT_EQ(DibGetPixel(lock.image, 0, 0), c.corner) << &c - kCases;
+        const LockedDib trimmed = RunKernel("Trim", picture,
+                                            {{&P::FilterTrimMode, c.mode},
+                                             {&P::FilterTrimTol, c.tolerance},
+                                             {&P::FilterTrimSize, c.sizeOrPercent},
+                                             {&P::FilterTrimPercent, c.sizeOrPercent},
+                                             {&P::FilterTrimNorth, c.north},
+                                             {&P::FilterTrimEast, c.east},
+                                             {&P::FilterTrimSouth, c.south},
+                                             {&P::FilterTrimWest, c.west}});
+        const ReadView lock = trimmed;
+        EXPECT_TRUE(lock.width == c.width && lock.height == c.height) << &c - kCases;
+        EXPECT_EQ(DibGetPixel(lock, 0, 0), c.corner) << &c - kCases;
     }
 }
 
@@ -100,44 +99,44 @@ static FilterContext RotateContext(int32_t tenths, int32_t direction, bool byShe
 }
 
 TEST(Rotate, TurnsByQuartersBothWays) {
-    const DibOwner picture = MakePicture(3, 1, 8, {1, 2, 3});
+    const LockedDib picture = MakePicture(3, 1, 8, {1, 2, 3});
     for (const auto &[tenths, direction, first] :
          {std::tuple{900, 0, 3u}, {900, 1, 1u}, {2700, 1, 3u}, {1800, 0, 3u}, {0, 0, 1u}}) {
         FilterContext context = RotateContext(tenths, direction, true);
-        EXPECT_EQ(PixelsOf(RunKernel("Rotate", picture.handle, &context)), (Pixels{first, 2, 4 - first})) << tenths;
+        EXPECT_EQ(PixelsOf(RunKernel("Rotate", picture, &context)), (Pixels{first, 2, 4 - first})) << tenths;
         EXPECT_EQ(context.auxImage, nullptr);
     }
 }
 
 TEST(Rotate, AWholeTurnToTheRightGoesTheLongWayAndChangesNothing) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        const DibOwner picture = RandomPicture(14, 9, mode, 5);
+        const LockedDib picture = RandomPicture(14, 9, mode, 5);
         for (bool byShears : {false, true}) {
             FilterContext context = RotateContext(0, 1, byShears);
-            EXPECT_TRUE(SamePicture(RunKernel("Rotate", picture.handle, &context), picture));
-            EXPECT_EQ(PixelsOf(DibOwner(context.auxImage)), Pixels(14 * 9, 255));
+            EXPECT_TRUE(SamePicture(RunKernel("Rotate", picture, &context), picture));
+            EXPECT_EQ(PixelsOf(LockedDib(context.auxImage)), Pixels(14 * 9, 255));
         }
     }
 }
 
 TEST(Rotate, FillsAndCoversWhatItShould) {
-    DibOwner picture(DibCreateSolid(60, 40, 0xC06030));
+    LockedDib picture(DibCreateSolid(60, 40, 0xC06030));
     for (int32_t tenths : {1, 300, 449, 451, 1000, 2250, 3599}) {
         const double angle = tenths * 3.14159265358979 / 1800, c = std::cos(angle), s = std::sin(angle);
         for (int32_t kind = 0; kind < 6; kind++) {
             FilterContext context = RotateContext(tenths, 0, kind % 3 == 1);
             context.FilterRotateInterpolate = kind % 3 != 2;
             context.FilterRotatePreserve = kind >= 3;
-            DibOwner rotated = RunKernel("Rotate", picture.handle, &context), coverage(context.auxImage);
-            DibLock lock(rotated.handle), mask(coverage.handle);
-            const int32_t width = lock.view.width, height = lock.view.height;
+            LockedDib rotated = RunKernel("Rotate", picture, &context), coverage(context.auxImage);
+            const ReadView lock = rotated, mask = coverage;
+            const int32_t width = lock.width, height = lock.height;
             EXPECT_NEAR(width, kind >= 3 ? 60 : 60 * std::fabs(c) + 40 * std::fabs(s) + 0.5, 0.51);
             EXPECT_NEAR(height, kind >= 3 ? 40 : 40 * std::fabs(c) + 60 * std::fabs(s) + 0.5, 0.51);
-            ForEachPixel(lock.view, [&](int32_t x, int32_t y) {
+            ForEachPixel(lock, [&](int32_t x, int32_t y) {
                 const double right = x + 0.5 - width / 2.0, down = y + 0.5 - height / 2.0;
                 const double depth =
                     std::min(30 - std::fabs(c * right - s * down), 20 - std::fabs(s * right + c * down));
-                const uint32_t color = DibGetPixel(lock.image, x, y), cover = DibGetPixel(mask.image, x, y);
+                const uint32_t color = DibGetPixel(lock, x, y), cover = DibGetPixel(mask, x, y);
                 if (depth > 0.51) {
                     ASSERT_TRUE(color == 0xC06030 && cover == 255) << tenths << " kind " << kind;
                 } else if (depth < -0.51) {
@@ -151,35 +150,35 @@ TEST(Rotate, FillsAndCoversWhatItShould) {
 }
 
 TEST(Rotate, EveryDepthMovesAlike) {
-    DibOwner grey = RandomPicture(150, 83, kModeGrey, 9), color(DibToRgb(grey.handle));
+    LockedDib grey = RandomPicture(150, 83, kModeGrey, 9), color(DibToRgb(grey));
     for (const char *filter : {"Rotate", "Shear", "Seamless"}) {
         for (int32_t kind = 0; kind < 3; kind++) {
             FilterContext context = RotateContext(2137 + kind, kind & 1, kind == 1);
             context.FilterRotateInterpolate = kind != 2;
             context.FilterSeamlessMaintain = kind & 1;
             context.paperColor = 0x606060;
-            DibOwner greyResult = RunKernel(filter, grey.handle, &context);
-            DibOwner greyCoverage(std::exchange(context.auxImage, nullptr));
-            DibOwner colorResult = RunKernel(filter, color.handle, &context), coverage(context.auxImage);
-            DibOwner expected(DibToRgb(greyResult.handle));
-            EXPECT_TRUE(SamePicture(colorResult.handle, expected.handle)) << filter << " " << kind;
-            EXPECT_TRUE(!coverage || SamePicture(coverage.handle, greyCoverage.handle)) << filter << " " << kind;
+            LockedDib greyResult = RunKernel(filter, grey, &context);
+            LockedDib greyCoverage(std::exchange(context.auxImage, nullptr));
+            LockedDib colorResult = RunKernel(filter, color, &context), coverage(context.auxImage);
+            LockedDib expected(DibToRgb(greyResult));
+            EXPECT_TRUE(SamePicture(colorResult, expected)) << filter << " " << kind;
+            EXPECT_TRUE(!coverage || SamePicture(coverage, greyCoverage)) << filter << " " << kind;
         }
     }
 }
 
 TEST(Rotate, MaximumQualityKeepsFineDetail) {
-    const DibOwner blank(DibCreateSolid(100, 100, 0)),
-        picture = PictureLike(blank.handle, [](int32_t x, int32_t y) {
+    const LockedDib blank(DibCreateSolid(100, 100, 0)),
+        picture = PictureLike(blank, [](int32_t x, int32_t y) {
             return static_cast<uint32_t>(128 + 60 * std::sin(x * 1.9) + 60 * std::cos(y * 1.3)) * 0x010101;
         });
     // Mean difference to the middle of a picture of fine stripes after a turn to the left and back.
     const auto error = [&](int32_t tenths, bool byShears) {
-        DibOwner turned(DibClone(picture.handle));
+        LockedDib turned(DibClone(picture));
         for (int32_t direction : {0, 1}) {
             FilterContext context = RotateContext(tenths, direction, byShears);
             context.FilterRotatePreserve = 1;
-            turned = RunKernel("Rotate", turned.handle, &context);
+            turned = RunKernel("Rotate", turned, &context);
             BlockFree(context.auxImage);
         }
         const Pixels before = PixelsOf(picture), after = PixelsOf(turned);
@@ -192,34 +191,34 @@ TEST(Rotate, MaximumQualityKeepsFineDetail) {
 }
 
 TEST(Shear, LeansWithoutCutting) {
-    DibOwner picture(DibCreateSolid(30, 21, 0x405060));
+    LockedDib picture(DibCreateSolid(30, 21, 0x405060));
     const auto shear = [&](int32_t x, int32_t y) {
         FilterContext context = ContextWith({{&P::FilterShearDegreeX, 30 + x}, {&P::FilterShearDegreeY, 30 + y}});
         context.paperColor = 0;
-        return RunKernel("Shear", picture.handle, &context);
+        return RunKernel("Shear", picture, &context);
     };
     EXPECT_TRUE(SamePicture(shear(0, 0), picture));
     for (const auto &[x, y] : {std::pair{20, 0}, {0, -30}, {-13, 30}}) {
-        DibOwner leaning = shear(x, y);
-        DibLock lock(leaning.handle);
-        EXPECT_EQ(lock.view.width, x == 0 ? 30 : 30 + 2 * std::ceil(10 * std::tan(std::abs(x) * M_PI / 180)));
-        EXPECT_EQ(lock.view.height > 21, y != 0);
+        LockedDib leaning = shear(x, y);
+        const ReadView lock = leaning;
+        EXPECT_EQ(lock.width, x == 0 ? 30 : 30 + 2 * std::ceil(10 * std::tan(std::abs(x) * M_PI / 180)));
+        EXPECT_EQ(lock.height > 21, y != 0);
         double sum = 0;
-        for (uint32_t pixel : PixelsOf(leaning.handle)) sum += RedOf(pixel) / 96.0;
+        for (uint32_t pixel : PixelsOf(leaning)) sum += RedOf(pixel) / 96.0;
         EXPECT_NEAR(sum, 30 * 21, 4) << "all of the picture is there";
         // The corner that leans away: top left when the top goes right, and so on.
-        EXPECT_EQ(DibGetPixel(lock.image, x > 0 || y < 0 ? 0 : lock.view.width - 1, 0), 0u);
+        EXPECT_EQ(DibGetPixel(lock, x > 0 || y < 0 ? 0 : lock.width - 1, 0), 0u);
     }
 }
 
 /// Mean step between neighbouring columns, across the seam where copies join and elsewhere.
-static void MeasureSteps(const DibOwner &tile, double *seam, double *inside) {
-    DibLock lock(tile.handle);
-    const int32_t width = lock.view.width;
+static void MeasureSteps(const LockedDib &tile, double *seam, double *inside) {
+    const ReadView lock = tile;
+    const int32_t width = lock.width;
     *seam = *inside = 0;
-    ForEachPixel(lock.view, [&](int32_t x, int32_t y) {
-        const int32_t a = RedOf(DibGetPixel(lock.image, x, y)), b = RedOf(DibGetPixel(lock.image, (x + 1) % width, y));
-        (x + 1 == width ? *seam : *inside) += std::abs(a - b) / static_cast<double>(lock.view.height);
+    ForEachPixel(lock, [&](int32_t x, int32_t y) {
+        const int32_t a = RedOf(DibGetPixel(lock, x, y)), b = RedOf(DibGetPixel(lock, (x + 1) % width, y));
+        (x + 1 == width ? *seam : *inside) += std::abs(a - b) / static_cast<double>(lock.height);
     });
     *inside /= std::max(width - 1, 1);
 }
@@ -227,11 +226,11 @@ static void MeasureSteps(const DibOwner &tile, double *seam, double *inside) {
 TEST(Seamless, SeamsAreNoRougherThanTheInside) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
         for (int32_t size : {64, 65}) {
-            const DibOwner noise = RandomPicture(size, size, mode, 3);
-            const DibOwner picture = PictureLike(
-                noise.handle, [](int32_t x, int32_t y) { return static_cast<uint32_t>(x * 3 + y / 2) * 0x010101; });
+            const LockedDib noise = RandomPicture(size, size, mode, 3);
+            const LockedDib picture = PictureLike(
+                noise, [](int32_t x, int32_t y) { return static_cast<uint32_t>(x * 3 + y / 2) * 0x010101; });
             for (int32_t maintain : {0, 1}) {
-                const DibOwner tile = RunKernel("Seamless", picture.handle, {{&P::FilterSeamlessMaintain, maintain}});
+                const LockedDib tile = RunKernel("Seamless", picture, {{&P::FilterSeamlessMaintain, maintain}});
                 const auto side = static_cast<size_t>(maintain ? size : (size + 1) / 2);
                 EXPECT_EQ(PixelsOf(tile).size(), side * side);
                 double seam = 0, plainSeam = 0, inside = 0, blended = 0;
@@ -245,14 +244,14 @@ TEST(Seamless, SeamsAreNoRougherThanTheInside) {
 }
 
 TEST(Seamless, PalettesChooseAndOnePixelStays) {
-    const DibOwner indexes = MakePicture(4, 4, 8, {7, 7, 90, 90, 7, 7, 90, 90, 201, 201, 3, 3, 201, 201, 3, 3});
+    const LockedDib indexes = MakePicture(4, 4, 8, {7, 7, 90, 90, 7, 7, 90, 90, 201, 201, 3, 3, 201, 201, 3, 3});
     FilterContext context = MakeContext(kModePalette);
-    for (uint32_t pixel : PixelsOf(RunKernel("Seamless", indexes.handle, &context, true)))
+    for (uint32_t pixel : PixelsOf(RunKernel("Seamless", indexes, &context, true)))
         EXPECT_TRUE(pixel == 7 || pixel == 90 || pixel == 201 || pixel == 3) << pixel;
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        const DibOwner dot = RandomPicture(1, 1, mode, 3);
+        const LockedDib dot = RandomPicture(1, 1, mode, 3);
         for (int32_t maintain : {0, 1})
-            EXPECT_TRUE(SamePicture(RunKernel("Seamless", dot.handle, {{&P::FilterSeamlessMaintain, maintain}}), dot));
+            EXPECT_TRUE(SamePicture(RunKernel("Seamless", dot, {{&P::FilterSeamlessMaintain, maintain}}), dot));
     }
 }
 

@@ -5,7 +5,7 @@
 #include <numbers>
 
 #include "common/random.h"
-#include "filters/geometry/warp_sample.h"
+#include "image/geometry/warp_sample.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -13,15 +13,14 @@ namespace {
 
 constexpr double kPi = std::numbers::pi;
 
-uint32_t SampleByDefinition(const DibLock &from, double x, double y, uint32_t paper) {
-    const int32_t width = from.view.width, height = from.view.height;
+uint32_t SampleByDefinition(const ReadView &from, double x, double y, uint32_t paper) {
+    const int32_t width = from.width, height = from.height;
     const double u = x + 0.5, v = y + 0.5;
     if (u < -1 || u >= width || v < -1 || v >= height) return paper;
     const double fx = u - std::floor(u), fy = v - std::floor(v);
     const auto read = [&](bool right, bool below) {
         const bool inX = right ? width > u + 1 : u >= 0, inY = below ? height > v + 1 : v >= 0;
-        return inX && inY ? DibGetPixel(from.image, static_cast<int32_t>(u + right), static_cast<int32_t>(v + below))
-                          : paper;
+        return inX && inY ? DibGetPixel(from, static_cast<int32_t>(u + right), static_cast<int32_t>(v + below)) : paper;
     };
     const uint32_t p00 = read(false, false), p10 = read(true, false), p01 = read(false, true), p11 = read(true, true);
     const auto mix = [&](int shift) {
@@ -32,41 +31,42 @@ uint32_t SampleByDefinition(const DibLock &from, double x, double y, uint32_t pa
     return mix(0) | mix(8) | mix(16);
 }
 
-uint32_t Swirled(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
-    const double width = from.view.width, height = from.view.height, cx = width * 0.5, cy = height * 0.5;
+uint32_t Swirled(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const double width = from.width, height = from.height, cx = width * 0.5, cy = height * 0.5;
     const double radius = std::max(cx, cy);
     const double xScale = width < height ? height / width : 1, yScale = width > height ? width / height : 1;
     const double dx = (x - cx) * xScale, dy = (y - cy) * yScale, square = dx * dx + dy * dy;
-    if (square >= radius * radius) return DibGetPixel(from.image, x, y);
+    if (square >= radius * radius) return DibGetPixel(from, x, y);
     const double t = 1 - std::sqrt(square) / radius;
     const double angle = (context.FilterSwirlDegrees - 1440) * kPi / 180 * (t * t);
-    const uint32_t alpha = DibGetPixel(from.image, x, y) & 0xFF000000;
+    const uint32_t alpha = DibGetPixel(from, x, y) & 0xFF000000;
     return alpha | SampleByDefinition(from, (std::cos(angle) * dx - std::sin(angle) * dy) / xScale + cx,
                                       (std::sin(angle) * dx + std::cos(angle) * dy) / yScale + cy, context.paperColor);
 }
 
-uint32_t ImplodedBy(const DibLock &from, Color paper, double amount, int32_t xOff, int32_t yOff, int32_t x, int32_t y) {
-    const double width = from.view.width, height = from.view.height;
+uint32_t ImplodedBy(const ReadView &from, Color paper, double amount, int32_t xOff, int32_t yOff, int32_t x,
+                    int32_t y) {
+    const double width = from.width, height = from.height;
     const double cx = xOff / 100.0 * width, cy = yOff / 100.0 * height, radius = width < height ? cy : cx;
     const double xScale = width < height ? height / width : 1, yScale = height < width ? width / height : 1;
     const double dx = (x - cx) * xScale, dy = (y - cy) * yScale, square = dx * dx + dy * dy;
-    if (square >= radius * radius) return DibGetPixel(from.image, x, y);
+    if (square >= radius * radius) return DibGetPixel(from, x, y);
     const double factor = square == 0 ? 1.0 : std::pow(std::sin(std::sqrt(square) * (kPi / 2) / radius), amount);
     return SampleByDefinition(from, factor * dx / xScale + cx, factor * dy / yScale + cy, paper);
 }
 
-uint32_t Imploded(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+uint32_t Imploded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     return ImplodedBy(from, context.paperColor, context.FilterImplodeRadius / 100.0, context.FilterImplodeXOff,
                       context.FilterImplodeYOff, x, y);
 }
 
-uint32_t Exploded(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+uint32_t Exploded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     return ImplodedBy(from, context.paperColor, -context.FilterExplodeRadius / 100.0, context.FilterExplodeXOff,
                       context.FilterExplodeYOff, x, y);
 }
 
-uint32_t Rippled(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
-    const int32_t width = from.view.width, height = from.view.height;
+uint32_t Rippled(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int32_t width = from.width, height = from.height;
     const double cx = width * (context.FilterWaterCenterX - 100) / 100 + width * 0.5;
     const double cy = height * (context.FilterWaterCenterY - 100) / 100 + height * 0.5;
     const double distance = std::sqrt((x - cx) * (x - cx) + (y - cy) * (y - cy));
@@ -82,7 +82,7 @@ uint32_t Rippled(const DibLock &from, const FilterContext &context, int32_t x, i
     for (int shiftBits = 0; shiftBits < 32; shiftBits += 8) {
         const auto read = [&](int right, int below) {
             const int32_t ix = static_cast<int32_t>(sx) + right, iy = static_cast<int32_t>(sy) + below;
-            const uint32_t pixel = ix < width && iy < height ? DibGetPixel(from.image, ix, iy) : 0;
+            const uint32_t pixel = ix < width && iy < height ? DibGetPixel(from, ix, iy) : 0;
             return static_cast<float>(pixel >> shiftBits & 255);
         };
         const float mixed =
@@ -92,8 +92,8 @@ uint32_t Rippled(const DibLock &from, const FilterContext &context, int32_t x, i
     return result;
 }
 
-uint32_t LensCorrected(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
-    const double width = from.view.width, height = from.view.height;
+uint32_t LensCorrected(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const double width = from.width, height = from.height;
     const double strength = context.FilterLensCorrectStr == 0 ? 0.00001 : context.FilterLensCorrectStr / 1000.0;
     const double zoom = context.FilterLensCorrectZoom / 100.0 + 1.0;
     const double dx = x - width * 0.5, dy = y - height * 0.5;
@@ -101,26 +101,26 @@ uint32_t LensCorrected(const DibLock &from, const FilterContext &context, int32_
     const double theta = r == 0 ? 1.0 : std::atan(r) / r;
     const auto sx = static_cast<int32_t>(theta * dx * zoom + width * 0.5);
     const auto sy = static_cast<int32_t>(theta * dy * zoom + height * 0.5);
-    const bool inside = sx >= 0 && sx < from.view.width && sy >= 0 && sy < from.view.height;
-    return inside ? DibGetPixel(from.image, sx, sy) : context.paperColor;
+    const bool inside = sx >= 0 && sx < from.width && sy >= 0 && sy < from.height;
+    return inside ? DibGetPixel(from, sx, sy) : context.paperColor;
 }
 
 /// Across the picture, or down it as if it were turned to the left.
-uint32_t Waved(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+uint32_t Waved(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     const bool down = context.FilterWavesHorizontal != 0;
-    const int32_t line = down ? from.view.width - 1 - x : y, place = down ? y : x;
+    const int32_t line = down ? from.width - 1 - x : y, place = down ? y : x;
     const double wave = std::sin(line * context.FilterWavesFrequency / 10.0) * context.FilterWavesIntensity;
     const int32_t moved = place + static_cast<int32_t>(wave);
-    if (moved < 0 || moved >= (down ? from.view.height : from.view.width)) return DibGetPixel(from.image, x, y);
-    return down ? DibGetPixel(from.image, x, moved) : DibGetPixel(from.image, moved, y);
+    if (moved < 0 || moved >= (down ? from.height : from.width)) return DibGetPixel(from, x, y);
+    return down ? DibGetPixel(from, x, moved) : DibGetPixel(from, moved, y);
 }
 
-uint32_t Scattered(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+uint32_t Scattered(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     if (x == 0 && y == 0) SeedRandom(1234567);
     const int32_t aperture = context.FilterWaterDropsAperture;
     const int32_t dx = NextRandom() % aperture - aperture / 2;
     const int32_t dy = NextRandom() % aperture - aperture / 2;
-    return DibGetPixel(from.image, x + dx, y + dy);
+    return DibGetPixel(from, x + dx, y + dy);
 }
 
 } // namespace
@@ -136,22 +136,22 @@ TEST(Warps, AgreeWithTheirDefinitions) {
     ExpectDefinition("Lens Correction", {colors}, ByPixel(LensCorrected));
     ExpectDefinition("Waves", {all}, ByPixel(Waved));
     ExpectDefinition("Water Drops", {all}, ByPixel(Scattered));
-    const DibOwner source = RandomPicture(40, 40, kModeTrueColor, 1), first = RunKernel("Water Drops", source.handle);
+    const LockedDib source = RandomPicture(40, 40, kModeTrueColor, 1), first = RunKernel("Water Drops", source);
     setenv("SOURCE_DATE_EPOCH", "2", 1);
-    EXPECT_FALSE(SamePicture(first, RunKernel("Water Drops", source.handle))) << "the clock has moved";
+    EXPECT_FALSE(SamePicture(first, RunKernel("Water Drops", source))) << "the clock has moved";
     unsetenv("SOURCE_DATE_EPOCH");
 }
 
 TEST(WarpSample, MixesNeighboursAndBackground) {
-    const DibOwner picture = MakePicture(2, 2, 8, {10, 20, 30, 41});
-    DibLock lock(picture.handle);
+    const LockedDib picture = MakePicture(2, 2, 8, {10, 20, 30, 41});
+    const ReadView lock = picture;
     for (double y = -2; y <= 2; y += 0.25) {
         for (double x = -2; x <= 2; x += 0.25)
-            EXPECT_EQ(WarpSampleBilinear(lock.image, x, y, 200) & 255, SampleByDefinition(lock, x, y, 200) & 255)
+            EXPECT_EQ(WarpSampleBilinear(lock, x, y, 200) & 255, SampleByDefinition(lock, x, y, 200) & 255)
                 << x << ' ' << y;
     }
-    EXPECT_EQ(WarpSampleBilinear(lock.image, 0, 0, 200) & 255, 25u) << "25.25, the middle of all four";
-    EXPECT_EQ(WarpSampleBilinear(lock.image, std::numeric_limits<double>::quiet_NaN(), 0, 200) & 255, 200u);
+    EXPECT_EQ(WarpSampleBilinear(lock, 0, 0, 200) & 255, 25u) << "25.25, the middle of all four";
+    EXPECT_EQ(WarpSampleBilinear(lock, std::numeric_limits<double>::quiet_NaN(), 0, 200) & 255, 200u);
 }
 
 } // namespace lmf::testing

@@ -17,25 +17,25 @@ TEST(Equalize, PushesTonesAwayFromTheTwoLevels) {
         {0, 255, {0x000000, 0xFFFFFF, 0x123456}, {0x000000, 0xFFFFFF, 0x123456}},
     };
     for (const Case &each : cases) {
-        const DibOwner picture = MakePicture(3, 1, 24, each.before);
+        const LockedDib picture = MakePicture(3, 1, 24, each.before);
         const std::vector<Setting> settings = {{&P::FilterEqualizeShadow, each.shadow},
                                                {&P::FilterEqualizeHightlight, each.highlight}};
-        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture.handle, settings)), each.after) << each.shadow;
+        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture, settings)), each.after) << each.shadow;
     }
-    const DibOwner grey = MakePicture(4, 1, 8, {0, 100, 129, 255});
-    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey.handle)), (Pixels{0, 86, 129, 255}));
+    const LockedDib grey = MakePicture(4, 1, 8, {0, 100, 129, 255});
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey)), (Pixels{0, 86, 129, 255}));
 }
 
 TEST(Normalize, StretchesBetweenTheOutermostPercents) {
     // Levels 50 and 200 have the weighted greys 49 and 198; the table is 254 * (level - 49) / 149 between them.
-    const DibOwner two = MakePicture(3, 1, 24, {0x323232, 0xC8C8C8, 0x646464});
-    EXPECT_EQ(PixelsOf(RunKernel("Normalize", two.handle)), (Pixels{0x010101, 0xFFFFFF, 0x565656}));
+    const LockedDib two = MakePicture(3, 1, 24, {0x323232, 0xC8C8C8, 0x646464});
+    EXPECT_EQ(PixelsOf(RunKernel("Normalize", two)), (Pixels{0x010101, 0xFFFFFF, 0x565656}));
     // 1 of 200 pixels is below the percent that is cut: the lone black one does not hold the scale open.
     Pixels pixels(200, 0x808080);
     pixels[7] = 0x000000;
     for (size_t i = 100; i < 200; i++) pixels[i] = 0xFFFFFF;
-    const DibOwner crowd = MakePicture(20, 10, 24, pixels);
-    const Pixels result = PixelsOf(RunKernel("Normalize", crowd.handle));
+    const LockedDib crowd = MakePicture(20, 10, 24, pixels);
+    const Pixels result = PixelsOf(RunKernel("Normalize", crowd));
     EXPECT_EQ(result[7], 0x000000u);
     EXPECT_EQ(result[8], 0x010101u) << "level 128 has weighted grey 127, the new black";
     EXPECT_EQ(result[199], 0xFEFEFEu);
@@ -43,23 +43,23 @@ TEST(Normalize, StretchesBetweenTheOutermostPercents) {
 
 TEST(Normalize, OneGreyLevelStays) {
     for (uint32_t level : {0u, 77u, 255u}) {
-        const DibOwner flat = MakePicture(4, 3, 24, Pixels(12, level * 0x010101));
+        const LockedDib flat = MakePicture(4, 3, 24, Pixels(12, level * 0x010101));
         const uint32_t grey = static_cast<uint32_t>(WeightedGrey(level * 0x010101));
         const uint32_t wanted = level > grey ? 0xFFFFFF : level * 0x010101;
-        EXPECT_EQ(PixelsOf(RunKernel("Normalize", flat.handle)), Pixels(12, wanted)) << level;
+        EXPECT_EQ(PixelsOf(RunKernel("Normalize", flat)), Pixels(12, wanted)) << level;
     }
 }
 
 /// The first of the brightest pixels, or the paper, becomes white.
-static DibOwner SlowWhiteBalance(DibHandle source, const FilterContext &context) {
+static LockedDib SlowWhiteBalance(const ReadView &source, const FilterContext &context) {
     Color reference = 0;
     for (Color pixel : PixelsOf(source))
         if (WeightedGrey(pixel) > WeightedGrey(reference)) reference = pixel;
     if (context.FilterWhiteBalancePaper) reference = context.paperColor;
-    return ByPixel([reference](const DibLock &from, const FilterContext &, int32_t x, int32_t y) {
+    return ByPixel([reference](const ReadView &from, const FilterContext &, int32_t x, int32_t y) {
         uint32_t moved = 0;
         for (int32_t shift = 0; shift < 24; shift += 8) {
-            const uint32_t channel = DibGetPixel(from.image, x, y) >> shift & 255;
+            const uint32_t channel = DibGetPixel(from, x, y) >> shift & 255;
             moved |= std::min(channel + 255 - (reference >> shift & 255), 255u) << shift;
         }
         return moved;
@@ -69,27 +69,26 @@ static DibOwner SlowWhiteBalance(DibHandle source, const FilterContext &context)
 TEST(WhiteBalance, TheReferenceBecomesWhite) {
     ExpectDefinition("White Balance", {}, SlowWhiteBalance);
     // The greys are 128, 198 and 198: the first of the two brightest counts.
-    const DibOwner picture = MakePicture(3, 1, 24, {0x6464C8, 0xC8C8C8, 0xC8C8C9}), black = MakePicture(2, 2, 24);
-    EXPECT_EQ(PixelsOf(RunKernel("White Balance", picture.handle)), (Pixels{0x9B9BFF, 0xFFFFFF, 0xFFFFFF}));
-    EXPECT_EQ(PixelsOf(RunKernel("White Balance", black.handle)), Pixels(4, 0xFFFFFF));
+    const LockedDib picture = MakePicture(3, 1, 24, {0x6464C8, 0xC8C8C8, 0xC8C8C9}), black = MakePicture(2, 2, 24);
+    EXPECT_EQ(PixelsOf(RunKernel("White Balance", picture)), (Pixels{0x9B9BFF, 0xFFFFFF, 0xFFFFFF}));
+    EXPECT_EQ(PixelsOf(RunKernel("White Balance", black)), Pixels(4, 0xFFFFFF));
 }
 
 /// Photo Fine-tune with one step switched on.
 static Pixels FineTune(const Pixels &pixels, NumberField enable, NumberField value, int32_t amount) {
-    const DibOwner picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
-    return PixelsOf(RunKernel("Photo Fine-tune", picture.handle, {{enable, 1}, {value, amount}}));
+    const LockedDib picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
+    return PixelsOf(RunKernel("Photo Fine-tune", picture, {{enable, 1}, {value, amount}}));
 }
 
 TEST(PhotoFineTune, NothingOnGivesACopy) {
-    const DibOwner picture = RandomPicture(9, 9, kModeTrueColor, 3);
-    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle), picture));
+    const LockedDib picture = RandomPicture(9, 9, kModeTrueColor, 3);
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture), picture));
     std::vector<Setting> steps;
     for (NumberField enable :
          {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
           &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjEnableShadow})
         steps.push_back({enable, 1});
-    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture.handle, steps), picture))
-        << "neutral values are no steps";
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture, steps), picture)) << "neutral values are no steps";
 }
 
 TEST(PhotoFineTune, StepsFollowTheirRules) {
@@ -109,8 +108,8 @@ TEST(PhotoFineTune, StepsFollowTheirRules) {
 }
 
 TEST(PhotoFineTune, TonesOutsideTheBandKeepTheirAlpha) {
-    const DibOwner picture = MakePicture(2, 1, 32, {0x80404040, 0x80C0C8D2});
-    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle,
+    const LockedDib picture = MakePicture(2, 1, 32, {0x80404040, 0x80C0C8D2});
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture,
                                  {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 200}})),
               (Pixels{0x80404040, 0xEDF5FF}));
 }
@@ -119,8 +118,8 @@ TEST(PhotoFineTune, WhiteBalanceLeavesTheFiltersOwnSettingAlone) {
     FilterContext context = MakeContext();
     context.FilterPhotoAdjWhitebal = context.FilterWhiteBalancePaper = 1;
     context.paperColor = 0x000000;
-    const DibOwner picture = MakePicture(1, 1, 24, {0xC8C8C8});
-    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture.handle, &context)), (Pixels{0xFFFFFF}));
+    const LockedDib picture = MakePicture(1, 1, 24, {0xC8C8C8});
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture, &context)), (Pixels{0xFFFFFF}));
     EXPECT_EQ(context.FilterWhiteBalancePaper, 1);
 }
 

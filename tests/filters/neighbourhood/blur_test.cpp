@@ -1,7 +1,7 @@
 // Each blur against a slow form that follows its arithmetic pixel by pixel.
 #include <cmath>
 
-#include "filters/neighbourhood/gaussian.h"
+#include "image/blur/gaussian.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -13,20 +13,20 @@ static uint32_t ChannelOf(uint32_t pixel, int32_t channel) {
 }
 
 /// One pass of the Gaussian blur along rows or columns.
-static DibOwner GaussianPass(DibHandle source, const std::vector<double> &kernel, bool vertical) {
-    DibLock from(source);
+static LockedDib GaussianPass(const ReadView &source, const std::vector<double> &kernel, bool vertical) {
+    const ReadView from = source;
     const int32_t width = static_cast<int32_t>(kernel.size()), half = width / 2;
-    const int32_t count = vertical ? from.view.height : from.view.width;
+    const int32_t count = vertical ? from.height : from.width;
     return PictureLike(source, [&](int32_t x, int32_t y) {
         const int32_t at = vertical ? y : x;
         uint32_t pixel = 0;
-        for (int32_t c = 0; c < (from.view.bits == 24 ? 3 : 1); c++) {
+        for (int32_t c = 0; c < (from.bits == 24 ? 3 : 1); c++) {
             double sum = 0.0, used = 0.0;
             for (int32_t k = 0; k < width; k++) {
                 const int32_t tap = at - half + k;
                 if (tap < 0 || tap >= count) continue;
                 sum += kernel[static_cast<size_t>(k)] *
-                       ChannelOf(DibGetPixel(from.image, vertical ? x : tap, vertical ? tap : y), c);
+                       ChannelOf(DibGetPixel(from, vertical ? x : tap, vertical ? tap : y), c);
                 used += kernel[static_cast<size_t>(k)];
             }
             const bool end = at < half || at >= count - half;
@@ -36,13 +36,13 @@ static DibOwner GaussianPass(DibHandle source, const std::vector<double> &kernel
     });
 }
 
-static DibOwner SlowGaussian(DibHandle source, const FilterContext &context) {
-    if (context.mode == kModePalette || context.mode == kModeMono) return DibOwner(DibClone(source));
-    DibLock lock(source);
+static LockedDib SlowGaussian(const ReadView &source, const FilterContext &context) {
+    if (context.mode == kModePalette || context.mode == kModeMono) return LockedDib(DibClone(source));
+    const ReadView lock = source;
     const double nominal = 2 * std::ceil(context.FilterGaussianRadius / 10.0) + 1.0;
     BlurKernel kernel;
     const int32_t width =
-        BuildGaussianKernel(std::min(std::min(lock.view.width, lock.view.height), static_cast<int32_t>(nominal)),
+        BuildGaussianKernel(std::min(std::min(lock.width, lock.height), static_cast<int32_t>(nominal)),
                             context.FilterGaussianSigma / 10.0, &kernel);
     const std::vector<double> weights(kernel->data, kernel->data + width);
     return GaussianPass(GaussianPass(source, weights, false).handle, weights, true);
@@ -54,13 +54,13 @@ TEST(GaussianBlur, AgreesWithTheSlowForm) {
 
 TEST(GaussianBlur, DirectCallsChooseBytesByDepth) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey}) {
-        const DibOwner picture = RandomPicture(40, 31, mode, 4), direct(GaussianBlurDirect(picture.handle, 70, 23));
-        EXPECT_TRUE(SamePicture(direct, RunKernel("Gaussian Blur", picture.handle,
+        const LockedDib picture = RandomPicture(40, 31, mode, 4), direct(GaussianBlurDirect(picture, 70, 23));
+        EXPECT_TRUE(SamePicture(direct, RunKernel("Gaussian Blur", picture,
                                                   {{&P::FilterGaussianRadius, 70}, {&P::FilterGaussianSigma, 23}})));
     }
 }
 
-static uint32_t SlowMotion(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+static uint32_t SlowMotion(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     BlurKernel kernel;
     const int32_t taps =
         BuildHalfGaussianKernel(2 * context.FilterMotionBlurRadius + 1, context.FilterMotionBlurSigma, &kernel);
@@ -69,12 +69,12 @@ static uint32_t SlowMotion(const DibLock &from, const FilterContext &context, in
     const double length = std::sqrt(ox * ox + oy * oy);
     double sums[3] = {};
     for (int32_t i = 0; i < taps; i++) {
-        uint32_t pixel = DibGetPixel(from.image, x + static_cast<int32_t>(i * ox / length),
-                                     y - static_cast<int32_t>(i * oy / length));
+        uint32_t pixel =
+            DibGetPixel(from, x + static_cast<int32_t>(i * ox / length), y - static_cast<int32_t>(i * oy / length));
         if (pixel == kOutside) pixel = context.paperColor;
         for (int32_t c = 0; c < 3; c++) sums[c] += (*kernel)[i] * ChannelOf(pixel, c);
     }
-    return (DibGetPixel(from.image, x, y) & 0xFF000000) |
+    return (DibGetPixel(from, x, y) & 0xFF000000) |
            PackColor(static_cast<uint32_t>(sums[0]), static_cast<uint32_t>(sums[1]), static_cast<uint32_t>(sums[2]));
 }
 
@@ -92,9 +92,9 @@ TEST(MotionBlur, WithoutARadiusTakesTheWidestKernelWhoseLastWeightCounts) {
     };
     while (lastWeight(2 * radius + 3) * 255.0 >= 1.0) radius++;
     ASSERT_GT(radius, 10);
-    const DibOwner picture = RandomPicture(90, 90, kModeTrueColor, 3);
-    EXPECT_TRUE(SamePicture(RunKernel("Motion Blur", picture.handle, {{&P::FilterMotionBlurRadius, 0}}),
-                            RunKernel("Motion Blur", picture.handle, {{&P::FilterMotionBlurRadius, radius}})));
+    const LockedDib picture = RandomPicture(90, 90, kModeTrueColor, 3);
+    EXPECT_TRUE(SamePicture(RunKernel("Motion Blur", picture, {{&P::FilterMotionBlurRadius, 0}}),
+                            RunKernel("Motion Blur", picture, {{&P::FilterMotionBlurRadius, radius}})));
 }
 
 static uint32_t MeanOf(const Pixels &pixels) {
@@ -106,17 +106,17 @@ static uint32_t MeanOf(const Pixels &pixels) {
     return PackColor(sums[0] / count, sums[1] / count, sums[2] / count);
 }
 
-static uint32_t SlowZoom(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
-    const int width = from.view.width, height = from.view.height, cx = width / 2, cy = height / 2;
+static uint32_t SlowZoom(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int width = from.width, height = from.height, cx = width / 2, cy = height / 2;
     const auto step = static_cast<float>(context.FilterZoomBlurDisp / 100.0);
-    Pixels pixels{DibGetPixel(from.image, x, y)};
+    Pixels pixels{DibGetPixel(from, x, y)};
     for (int i = 1; i < context.FilterZoomBlurCycles; i++) {
         const float percent = static_cast<float>(i) * step;
         const double scale = 1.0 - percent / 100.0;
         const int sx = static_cast<int>((static_cast<float>(x) - static_cast<float>(cx)) * scale + cx);
         const int sy = static_cast<int>((static_cast<float>(y) - static_cast<float>(cy)) * scale + cy);
         if (sx < 0 || sx >= width || sy < 0 || sy >= height) break;
-        pixels.push_back(DibGetPixel(from.image, sx, sy));
+        pixels.push_back(DibGetPixel(from, sx, sy));
     }
     return MeanOf(pixels);
 }
@@ -126,25 +126,25 @@ TEST(ZoomBlur, AgreesWithTheSlowForm) {
 }
 
 /// Reads the result as it changes.
-static DibOwner SlowRadial(DibHandle source, const FilterContext &context) {
-    DibOwner result(DibClone(source));
-    DibLock to(result.handle);
+static LockedDib SlowRadial(const ReadView &source, const FilterContext &context) {
+    LockedDib result(DibClone(source));
+    const ReadView to = result;
     const double a = context.FilterRadialBlurAngle * 3.141592653589793 / 180;
-    const double cx = to.view.width * 0.5, cy = to.view.height * 0.5, r = std::sqrt(cx * cx + cy * cy);
+    const double cx = to.width * 0.5, cy = to.height * 0.5, r = std::sqrt(cx * cx + cy * cy);
     const int n = static_cast<int>(std::abs(std::sqrt(r) * (a * 4.0) + 2.0));
     const double theta = a / (n - 1);
-    ForEachPixel(to.view, [&](int32_t x, int32_t y) {
+    ForEachPixel(to, [&](int32_t x, int32_t y) {
         const double dx = x - cx, dy = y - cy, rho = std::sqrt(dx * dx + dy * dy);
         int step = 1;
         if (rho != 0) step = std::min(std::max(static_cast<int>(r / rho), 1), n - 1);
         Pixels pixels;
         for (int i = 0; i < n; i += step) {
             const double phi = i * theta - (n - 1) * theta * 0.5, c = std::cos(phi), s = std::sin(phi);
-            const uint32_t pixel = DibGetPixel(to.image, static_cast<int>(c * dx + cx - s * dy + 0.5),
+            const uint32_t pixel = DibGetPixel(to, static_cast<int>(c * dx + cx - s * dy + 0.5),
                                                static_cast<int>(s * dx + cy + c * dy + 0.5));
             pixels.push_back(pixel == kOutside ? context.paperColor : pixel);
         }
-        DibSetPixel(to.image, x, y, MeanOf(pixels));
+        DibSetPixel(to, x, y, MeanOf(pixels));
     });
     to.Unlock();
     return result;

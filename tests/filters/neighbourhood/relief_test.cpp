@@ -2,7 +2,7 @@
 #include <cmath>
 #include <functional>
 
-#include "filters/neighbourhood/gaussian.h"
+#include "image/blur/gaussian.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -14,11 +14,11 @@ static uint32_t RoundAndLimit(double value) {
 /// The square convolution with wrapped edges of the page of Emboss; `weight(u, v, bell, total)` with v counted upward,
 /// as rows lie in memory.
 static Definition OnTorus(std::function<double(int32_t, int32_t, double, double)> weight) {
-    return [=](DibHandle source, const FilterContext &context) {
+    return [=](const ReadView &source, const FilterContext &context) {
         const int32_t order = context.FilterEmbossWidth | 1, half = order / 2;
         int32_t width = 0, height = 0;
         DibInfo(source, &width, &height, nullptr, nullptr);
-        if (width < order || height < order) return DibOwner();
+        if (width < order || height < order) return LockedDib();
         const double sigma = context.FilterEmbossSigma / 10.0;
         const auto bell = [=](int32_t i) {
             const int32_t u = i % order - half, v = i / order - half;
@@ -56,14 +56,14 @@ TEST(Relief, SharpenAndEmbossConvolveATorus) {
 
 TEST(Relief, UnsharpMaskDrivesValuesFromTheBlurredOnes) {
     const Trials trials = {.kinds = {Kind::Color, Kind::Grey}, .otherPage = "Gaussian Blur"};
-    ExpectDefinition("Unsharp Mask", trials, [](DibHandle source, FilterContext context) {
-        const DibOwner blurred(GaussianBlurKernelRun(source, &context));
-        DibLock soft(blurred.handle);
-        return ByPixel([&](const DibLock &from, const FilterContext &, int32_t x, int32_t y) {
+    ExpectDefinition("Unsharp Mask", trials, [](const ReadView &source, FilterContext context) {
+        const LockedDib blurred(GaussianBlurKernelRun(source, &context));
+        const ReadView soft = blurred;
+        return ByPixel([&](const ReadView &from, const FilterContext &, int32_t x, int32_t y) {
             uint32_t pixel = 0;
-            for (int32_t shift = 0; shift < (from.view.bits == 8 ? 8 : 24); shift += 8) {
-                const double byte = DibGetPixel(from.image, x, y) >> shift & 255;
-                const double d = byte - (DibGetPixel(soft.image, x, y) >> shift & 255);
+            for (int32_t shift = 0; shift < (from.bits == 8 ? 8 : 24); shift += 8) {
+                const double byte = DibGetPixel(from, x, y) >> shift & 255;
+                const double d = byte - (DibGetPixel(soft, x, y) >> shift & 255);
                 const bool far = std::fabs(2 * d) >= context.FilterUnsharpThreshold / 10.0 * 255.0;
                 pixel |= RoundAndLimit(far ? byte + d * (context.FilterUnsharpAmount / 10.0) : byte) << shift;
             }
@@ -87,9 +87,9 @@ TEST(Relief, BumpRepeatsThePixelsOwnRowAndColumnAtTheEdges) {
 }
 
 TEST(Relief, EdgeEnhancementDividesByTheWeightsThatFallOnThePicture) {
-    const DibOwner picture = MakePicture(3, 3, 8, {10, 10, 10, 10, 50, 10, 10, 10, 10});
+    const LockedDib picture = MakePicture(3, 3, 8, {10, 10, 10, 10, 50, 10, 10, 10, 10});
     const auto enhanced = [&](int32_t level) {
-        return PixelsOf(RunKernel("Edge Enhancement", picture.handle, {{&P::FilterEdgeEnhanceLevel, level}}));
+        return PixelsOf(RunKernel("Edge Enhancement", picture, {{&P::FilterEdgeEnhanceLevel, level}}));
     };
     // Light: (13 * 50 - 80) / 5 in the middle; (13 * 10 - 70) / 10 in a corner. Medium: 5 * 50 - 40.
     EXPECT_EQ(enhanced(0), (Pixels{6, 5, 6, 5, 114, 5, 6, 5, 6}));
@@ -98,17 +98,17 @@ TEST(Relief, EdgeEnhancementDividesByTheWeightsThatFallOnThePicture) {
 }
 
 TEST(Relief, EdgeTraceGrowsTheZeros) {
-    const auto rule = [](const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
+    const auto rule = [](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
         bool near = false;
-        for (int32_t i = 0; i < 9; i++) near |= DibGetPixel(from.image, x + i % 3 - 1, y + i / 3 - 1) == 0;
-        return near && (context.FilterEdgeTraceFatten || DibGetPixel(from.image, x, y) != 0) ? 0u : 1u;
+        for (int32_t i = 0; i < 9; i++) near |= DibGetPixel(from, x + i % 3 - 1, y + i / 3 - 1) == 0;
+        return near && (context.FilterEdgeTraceFatten || DibGetPixel(from, x, y) != 0) ? 0u : 1u;
     };
     ExpectDefinition("Edge Trace and Fatten", {{Kind::Mono}}, ByPixel(rule));
     EXPECT_FALSE(RunKernel("Edge Trace and Fatten", RandomPicture(4, 4, kModeGrey, 1).handle));
 }
 
 /// Brightness of three bytes at a place in the pixel rows; bytes outside them count as 0.
-static int32_t HeightAt(const DibView &view, int64_t place) {
+static int32_t HeightAt(const ReadView &view, int64_t place) {
     int32_t bytes[3];
     for (int32_t c = 0; c < 3; c++) {
         const bool inside = place + c >= 0 && place + c < view.stride * static_cast<int64_t>(view.height);
@@ -118,15 +118,15 @@ static int32_t HeightAt(const DibView &view, int64_t place) {
 }
 
 /// Light on the heights of the rows as they lie in memory.
-static uint32_t Shaded(const DibLock &from, const FilterContext &context, int32_t x, int32_t y) {
-    const int32_t width = from.view.width, height = from.view.height;
-    if (height < 3) return DibGetPixel(from.image, x, y);
+static uint32_t Shaded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int32_t width = from.width, height = from.height;
+    if (height < 3) return DibGetPixel(from, x, y);
     const double pi = 3.141592653589793;
     const double a = context.FilterShadeAzimuth * pi / 180, e = context.FilterShadeElevation * pi / 180;
     const double lx = 255 * std::cos(a) * std::cos(e), ly = 255 * std::sin(a) * std::cos(e), lz = 255 * std::sin(e);
     const int32_t first = std::min(std::max(height - 2 - y, 0), height - 3);
     const auto heightOf = [&](int32_t row, int32_t column) {
-        return HeightAt(from.view, (first + row) * from.view.stride + column * 3);
+        return HeightAt(from, (first + row) * from.stride + column * 3);
     };
     const int32_t l = x > 0 ? x - 1 : x + 1, p = x > 0 ? x + 1 : x - 1, q = x < width - 1 ? x + 1 : x - 1;
     int32_t nx = 0;
@@ -138,7 +138,7 @@ static uint32_t Shaded(const DibLock &from, const FilterContext &context, int32_
     if (nx == 0 && ny == 0) shade = lz;
     uint32_t lit[3];
     for (int32_t c = 0; c < 3; c++) {
-        const int32_t product = static_cast<int32_t>(from.view.MemoryRow(first + 1)[x * 3 + 2 - c] * shade);
+        const int32_t product = static_cast<int32_t>(from.MemoryRow(first + 1)[x * 3 + 2 - c] * shade);
         lit[c] = static_cast<uint32_t>(context.FilterShadeLevel ? product / 255.0 : shade);
     }
     return PackColor(lit[0], lit[1], lit[2]);
@@ -161,8 +161,8 @@ TEST(Relief, NeonDrawsTheGradient) {
     };
     ExpectDefinition("Neon", {}, ByChannel(rule));
     int32_t width = 0, height = 0;
-    const DibOwner large = RandomPicture(1000, 8, kModeTrueColor, 3);
-    ASSERT_TRUE(DibInfo(RunKernel("Neon", large.handle).handle, &width, &height, nullptr, nullptr));
+    const LockedDib large = RandomPicture(1000, 8, kModeTrueColor, 3);
+    ASSERT_TRUE(DibInfo(RunKernel("Neon", large).handle, &width, &height, nullptr, nullptr));
     EXPECT_TRUE(width == 1000 && height == 8) << "drawn smaller and enlarged again";
 }
 

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <map>
 
-#include "filters/noise/window_width.h"
+#include "image/noise/window_width.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -12,9 +12,9 @@ namespace {
 /// Refuses pictures that are smaller than the window; else what `rule` makes of each channel.
 template <typename Rule>
 Definition WithWindow(int32_t P::*radius, double unit, Rule rule) {
-    return [=](DibHandle source, const FilterContext &context) {
+    return [=](const ReadView &source, const FilterContext &context) {
         const int32_t n = WindowWidth(context.*radius / unit, 0.5);
-        if (std::min(context.width, context.height) < n) return DibOwner();
+        if (std::min(context.width, context.height) < n) return LockedDib();
         return ByChannel([=](auto read, const FilterContext &, int32_t x, int32_t y) { return rule(read, n, x, y); })(
             source, context);
     };
@@ -68,16 +68,16 @@ struct SlowHull {
     }
 };
 
-DibOwner SlowDespeckle(DibHandle source, const FilterContext &context) {
-    DibLock from(source);
+LockedDib SlowDespeckle(const ReadView &source, const FilterContext &context) {
+    const ReadView from = source;
     const int32_t width = context.width, height = context.height;
     const auto cell = [&](int32_t x, int32_t y) { return static_cast<size_t>((height - y) * (width + 2) + x + 1); };
     std::vector<SlowHull> hulls;
     for (int32_t channel = 0; channel < 3; channel++) {
         const std::vector<uint8_t> zeros(static_cast<size_t>(width + 2) * static_cast<size_t>(height + 2));
         SlowHull hull{width, height, zeros, zeros};
-        ForEachPixel(from.view, [&](int32_t x, int32_t y) {
-            hull.f[cell(x, y)] = static_cast<uint8_t>(DibGetPixel(from.image, x, y) >> 8 * channel);
+        ForEachPixel(from, [&](int32_t x, int32_t y) {
+            hull.f[cell(x, y)] = static_cast<uint8_t>(DibGetPixel(from, x, y) >> 8 * channel);
         });
         for (int32_t o : {width + 2, 1, width + 3, width + 1}) {
             hull.Run(o, 1);

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "common/random.h"
-#include "filters/neighbourhood/gaussian.h"
+#include "image/blur/gaussian.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -46,13 +46,13 @@ int32_t SlowSample(int32_t a, int32_t type) {
 }
 
 /// Bytes in the order of the rows in memory, blue first.
-DibOwner SlowAddNoise(DibHandle source, const FilterContext &context) {
-    DibOwner result(DibClone(source));
-    DibLock lock(result.handle);
+LockedDib SlowAddNoise(const ReadView &source, const FilterContext &context) {
+    LockedDib result(DibClone(source));
+    const ReadView lock = result;
     const int32_t a = context.FilterNoiseLevel, type = context.FilterNoiseType,
                   bytes = context.mode == kModeGrey ? 1 : 3;
-    ForEachPixel(lock.view, [&](int32_t x, int32_t y) {
-        uint8_t *pixel = lock.view.MemoryRow(y) + x * bytes;
+    ForEachPixel(lock, [&](int32_t x, int32_t y) {
+        uint8_t *pixel = lock.MemoryRow(y) + x * bytes;
         int32_t sample = SlowSample(a, type);
         for (int32_t i = 0; i < bytes; i++) {
             if (i > 0 && context.FilterNoiseColour != 0) sample = SlowSample(a, type);
@@ -63,20 +63,20 @@ DibOwner SlowAddNoise(DibHandle source, const FilterContext &context) {
     return result;
 }
 
-DibOwner SlowFilmGrain(DibHandle source, const FilterContext &context) {
+LockedDib SlowFilmGrain(const ReadView &source, const FilterContext &context) {
     SeedRandom(static_cast<uint32_t>(context.FilterFilmgrainSeed));
-    DibOwner grain = MakePicture(context.width, context.height, 24);
-    grain = PictureLike(grain.handle, [&](int32_t, int32_t) {
+    LockedDib grain = MakePicture(context.width, context.height, 24);
+    grain = PictureLike(grain, [&](int32_t, int32_t) {
         return static_cast<uint32_t>((NextRandom() % (context.FilterFilmgrainStrength * 127 / 100) + 128) & 255) *
                0x010101;
     });
-    grain.Reset(GaussianBlurDirect(grain.handle, 42 - context.FilterFilmgrainBlur, 40));
-    DibLock noise(grain.handle);
-    DibOwner plain = ByChannel([&](auto read, const FilterContext &, int32_t x, int32_t y) {
-        return std::clamp(read(x, y) + RedOf(DibGetPixel(noise.image, x, y)) - 128, 0, 255);
+    grain.Reset(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, 40));
+    const ReadView noise = grain;
+    LockedDib plain = ByChannel([&](auto read, const FilterContext &, int32_t x, int32_t y) {
+        return std::clamp(read(x, y) + RedOf(DibGetPixel(noise, x, y)) - 128, 0, 255);
     })(source, context);
     if (!context.FilterFilmgrainNormalize) return plain;
-    DibOwner stretched = RunKernel("Normalize", plain.handle);
+    LockedDib stretched = RunKernel("Normalize", plain);
     return stretched ? std::move(stretched) : std::move(plain);
 }
 

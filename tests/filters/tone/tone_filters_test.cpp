@@ -1,7 +1,7 @@
 #include <cmath>
 
 #include "engine/page.h"
-#include "filters/tone/tone_table.h"
+#include "image/color/tone_table.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -40,8 +40,8 @@ TEST(ToneFilters, WorkedExamples) {
         {"Hue Saturation Brightness", {{&P::FilterHSBHue, 360}}, 0xFFFF00, 0xFF00FF},
     };
     for (const Case &example : cases) {
-        const DibOwner source = MakePicture(1, 1, 24, {example.from});
-        EXPECT_EQ(PixelsOf(RunKernel(example.filter, source.handle, example.settings)).at(0), example.to)
+        const LockedDib source = MakePicture(1, 1, 24, {example.from});
+        EXPECT_EQ(PixelsOf(RunKernel(example.filter, source, example.settings)).at(0), example.to)
             << example.filter << std::hex << " of " << example.from;
     }
 }
@@ -49,8 +49,8 @@ TEST(ToneFilters, WorkedExamples) {
 /// The definition that makes each colour rule(color, context).
 template <typename Rule>
 static Definition ByColor(Rule rule) {
-    return ByPixel([rule](const DibLock &from, const FilterContext &context, int32_t x, int32_t y) -> Color {
-        return rule(DibGetPixel(from.image, x, y), context);
+    return ByPixel([rule](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) -> Color {
+        return rule(DibGetPixel(from, x, y), context);
     });
 }
 
@@ -134,37 +134,37 @@ TEST(ToneFilters, PalettePicturesChangeTheirColorsAndGreyOnesTheirPixels) {
         {&P::FilterGammaLevel, 150}, {&P::FilterGreen, 90}, {&P::FilterContrast, 170}};
     for (const std::string filter :
          {"Contrast and Brightness", "Gamma", "Posterize", "Color and Intensity", "Invert Colors"}) {
-        const auto changed = [&](const DibOwner &picture) { return RunKernel(filter, picture.handle, settings); };
-        const DibOwner source = RandomPicture(7, 5, kModePalette, 4), result = changed(source);
+        const auto changed = [&](const LockedDib &picture) { return RunKernel(filter, picture, settings); };
+        const LockedDib source = RandomPicture(7, 5, kModePalette, 4), result = changed(source);
         EXPECT_EQ(PixelsOf(result), PixelsOf(source)) << filter;
         const Palette768 before = PaletteOf(source), after = PaletteOf(result);
         for (uint32_t i : {0u, 200u, 255u})
             EXPECT_EQ(PixelsOf(changed(MakePicture(1, 1, 24, {before.At(i)}))), Pixels{after.At(i)}) << filter;
 
-        const DibOwner grey = changed(MakePicture(1, 1, 8, {100}));
+        const LockedDib grey = changed(MakePicture(1, 1, 8, {100}));
         EXPECT_EQ(!grey, filter == "Color and Intensity") << filter;
         if (!grey) continue;
         EXPECT_EQ(PixelsOf(grey)[0], PixelsOf(changed(MakePicture(1, 1, 24, {0x646464})))[0] & 0xFF) << filter;
-        EXPECT_EQ(DibClassify(grey.handle), kModeGrey) << filter;
+        EXPECT_EQ(DibClassify(grey), kModeGrey) << filter;
     }
-    const DibOwner mono = RandomPicture(13, 5, kModeMono, 7), inverted = RunKernel("Invert Colors", mono.handle);
+    const LockedDib mono = RandomPicture(13, 5, kModeMono, 7), inverted = RunKernel("Invert Colors", mono);
     EXPECT_EQ(PixelsOf(inverted), PixelsOf(mono));
     EXPECT_EQ(PaletteOf(inverted).At(0), PaletteOf(mono).At(1));
 }
 
 TEST(ToneFilters, ModesThatAFilterDoesNotKnowAreRefusedOrBlank) {
-    const DibOwner mono = MakePicture(2, 1, 1, {1, 0}), deep = MakePicture(1, 1, 32, {0x80646464});
-    EXPECT_FALSE(RunKernel("Color and Intensity", mono.handle));
-    EXPECT_EQ(PixelsOf(RunKernel("Solarize", mono.handle)), (Pixels{0, 0}));
-    EXPECT_EQ(PixelsOf(RunKernel("White Threshold", deep.handle, {{&P::FilterWhiteThresholdLevel, 250}})), Pixels{255});
-    EXPECT_EQ(PixelsOf(RunKernel("Gamma", deep.handle)), Pixels{0x00646464});
+    const LockedDib mono = MakePicture(2, 1, 1, {1, 0}), deep = MakePicture(1, 1, 32, {0x80646464});
+    EXPECT_FALSE(RunKernel("Color and Intensity", mono));
+    EXPECT_EQ(PixelsOf(RunKernel("Solarize", mono)), (Pixels{0, 0}));
+    EXPECT_EQ(PixelsOf(RunKernel("White Threshold", deep, {{&P::FilterWhiteThresholdLevel, 250}})), Pixels{255});
+    EXPECT_EQ(PixelsOf(RunKernel("Gamma", deep)), Pixels{0x00646464});
 }
 
 TEST(ToneFilters, AntialiasedThresholdsKeepTheSize) {
     for (int32_t width = 1; width < 7; width++) {
-        const DibOwner source(DibCreateSolid(width, 3, 0x969696));
-        EXPECT_TRUE(SamePicture(RunKernel("Black Threshold", source.handle, {{&P::FilterBlackAntialias, 1}}), source));
-        EXPECT_TRUE(SamePicture(RunKernel("White Threshold", source.handle, {{&P::FilterWhiteAntiAlias, 1}}), source));
+        const LockedDib source(DibCreateSolid(width, 3, 0x969696));
+        EXPECT_TRUE(SamePicture(RunKernel("Black Threshold", source, {{&P::FilterBlackAntialias, 1}}), source));
+        EXPECT_TRUE(SamePicture(RunKernel("White Threshold", source, {{&P::FilterWhiteAntiAlias, 1}}), source));
     }
 }
 

@@ -1,0 +1,235 @@
+#include "image/scale/steps.h"
+
+#include "common/multiversion.h"
+
+namespace lmf {
+
+// Divisions by a small count n of values up to 255 n are multiplications by 2^shift / n, rounded up, and a shift: exact
+// as long as 255 n^2 is below 2^shift.
+static constexpr uint32_t kMeanShift = 24;
+static constexpr uint32_t kRunShift = 40;
+static constexpr int32_t kLargestRun = 60000;
+
+/// The samples of the source that become one sample of the result.
+struct Bin {
+    int32_t first;
+    int32_t count;       ///< at most 100
+    uint32_t reciprocal; ///< 2^kMeanShift / count, rounded up
+};
+
+/// The two samples of the source that an enlarged sample mixes, each with its truncated share.
+struct Mix {
+    int32_t first, second;
+    uint64_t firstShare, secondShare; ///< in units of 2^-kRunShift
+};
+
+static int32_t ScaledSize(int32_t size, int32_t percent) {
+    const int64_t scaled = static_cast<int64_t>(size) * percent / 100;
+    return scaled >= 1 && scaled <= INT32_MAX ? static_cast<int32_t>(scaled) : 0;
+}
+
+static void FillBins(BlockArray<Bin> &bins, int32_t newSize, int32_t size, int32_t percent) {
+    int32_t first = 0;
+    for (int32_t i = 0; i < newSize; i++) {
+        const int64_t wanted = int64_t{100} * (i + int64_t{1}) / percent;
+        const auto end = static_cast<int32_t>(std::min<int64_t>(wanted, size));
+        const int32_t count = end - first;
+        bins[i] = {first, count, count > 0 ? ((1u << kMeanShift) - 1) / static_cast<uint32_t>(count) + 1 : 0};
+        first = end;
+    }
+}
+
+static uint64_t Share(int64_t weight, int64_t run) {
+    return static_cast<uint64_t>(weight * (((int64_t{1} << kRunShift) - 1) / run + 1));
+}
+
+static void FillMixes(BlockArray<Mix> &mixes, int32_t newSize, int32_t size, int32_t percent) {
+    const int64_t step = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
+    mixes[0] = {0, 0, 0, Share(1, 1)};
+    int64_t previous = 0;
+    for (int32_t s = 1; s < size && previous < newSize; s++) {
+        const int64_t end = s * step / 100;
+        const int64_t run = end - previous;
+        for (int64_t k = 0; k < run && previous + k < newSize; k++)
+            mixes[previous + k] = {s - 1, s, Share(run - 1 - k, run), Share(k + 1, run)};
+        if (end < newSize) mixes[end] = {s, s, 0, Share(1, 1)};
+        previous = end;
+    }
+    mixes[newSize - 1] = {size - 1, size - 1, 0, Share(1, 1)};
+}
+
+template <int32_t kChannels>
+static void ShrinkRow(uint8_t *to, const uint8_t *from, const Bin *bins, int32_t newSize) {
+    for (int32_t x = 0; x < newSize; x++) {
+        uint32_t sums[kChannels] = {};
+        const uint8_t *sample = from + static_cast<ptrdiff_t>(bins[x].first) * kChannels;
+        for (int32_t i = 0; i < bins[x].count; i++) {
+            for (int32_t c = 0; c < kChannels; c++) sums[c] += *sample++;
+        }
+        for (int32_t c = 0; c < kChannels; c++)
+            *to++ = static_cast<uint8_t>(static_cast<uint64_t>(sums[c]) * bins[x].reciprocal >> kMeanShift);
+    }
+}
+
+LMF_MULTIVERSION
+static void AddRow(uint32_t *__restrict sums, const uint8_t *__restrict row, size_t count) {
+    for (size_t i = 0; i < count; i++) sums[i] += row[i];
+}
+
+LMF_MULTIVERSION
+static void StoreMeans(uint8_t *__restrict to, uint32_t *__restrict sums, size_t count, uint32_t reciprocal) {
+    for (size_t i = 0; i < count; i++) {
+        to[i] = static_cast<uint8_t>(sums[i] * reciprocal >> kMeanShift);
+        sums[i] = 0;
+    }
+}
+
+template <int32_t kChannels>
+static void EnlargeRow(uint8_t *to, const uint8_t *from, const Mix *mixes, int32_t newSize) {
+    for (int32_t x = 0; x < newSize; x++) {
+        const Mix mix = mixes[x];
+        const uint8_t *first = from + static_cast<ptrdiff_t>(mix.first) * kChannels;
+        const uint8_t *second = from + static_cast<ptrdiff_t>(mix.second) * kChannels;
+        for (int32_t c = 0; c < kChannels; c++)
+            *to++ = static_cast<uint8_t>((first[c] * mix.firstShare >> kRunShift) +
+                                         (second[c] * mix.secondShare >> kRunShift));
+    }
+}
+
+LMF_MULTIVERSION
+static void MixRows(uint8_t *__restrict to, const uint8_t *__restrict first, const uint8_t *__restrict second,
+                    uint64_t firstShare, uint64_t secondShare, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        to[i] = static_cast<uint8_t>((first[i] * firstShare >> kRunShift) + (second[i] * secondShare >> kRunShift));
+}
+
+static uint32_t MeanPixel(const ReadView &image, const Bin &bin, int32_t line, bool vertical) {
+    uint32_t sums[3] = {};
+    for (int32_t i = bin.first; i < bin.first + bin.count; i++) {
+        const uint32_t pixel = vertical ? DibGetPixel(image, line, i) : DibGetPixel(image, i, line);
+        for (int32_t c = 0; c < 3; c++) sums[c] += pixel >> (8 * c) & 0xFF;
+    }
+    const auto count = static_cast<uint32_t>(std::max(bin.count, 1));
+    return PackColor(sums[0] / count, sums[1] / count, sums[2] / count);
+}
+
+static uint32_t MixPixel(uint32_t first, uint32_t second, const Mix &mix) {
+    uint32_t channels[3];
+    for (int32_t c = 0; c < 3; c++)
+        channels[c] = static_cast<uint32_t>(((first >> (8 * c) & 0xFF) * mix.firstShare >> kRunShift) +
+                                            ((second >> (8 * c) & 0xFF) * mix.secondShare >> kRunShift));
+    return PackColor(channels[0], channels[1], channels[2]);
+}
+
+static void ShrinkPixels(const ReadView &from, const WriteView &to, const BlockArray<Bin> &bins, bool vertical) {
+    for (int32_t y = 0; y < to.height; y++) {
+        for (int32_t x = 0; x < to.width; x++)
+            DibSetPixel(to, x, y, MeanPixel(from, bins[vertical ? y : x], vertical ? x : y, vertical));
+    }
+}
+
+static void EnlargePixels(const ReadView &from, const WriteView &to, const BlockArray<Mix> &mixes, bool vertical) {
+    for (int32_t y = 0; y < to.height; y++) {
+        for (int32_t x = 0; x < to.width; x++) {
+            const Mix &mix = mixes[vertical ? y : x];
+            const uint32_t first = DibGetPixel(from, vertical ? x : mix.first, vertical ? mix.first : y);
+            const uint32_t second = DibGetPixel(from, vertical ? x : mix.second, vertical ? mix.second : y);
+            DibSetPixel(to, x, y, MixPixel(first, second, mix));
+        }
+    }
+}
+
+/// Is there a fast form for the depth?
+static bool HasRowForm(const ReadView &from) {
+    return from.bits == 8 || from.bits == 24;
+}
+
+DibHandle DibShrinkHorz(const ReadView &source, int32_t percent) {
+    LockedDib result(DibCreateLike(source, ScaledSize(source.width, percent), source.height));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    const uint32_t bits = source.bits;
+    const bool byTriples = bits == 1 || bits > 8;
+    // Rows at depths below 24 hold fewer triples than pixels.
+    const auto triples = [](const ReadView &view) {
+        return static_cast<int32_t>(std::min<int64_t>(view.width, view.stride / 3));
+    };
+    const int32_t newSize = byTriples ? triples(to) : to.width;
+    BlockArray<Bin> bins(static_cast<uint64_t>(to.width));
+    if (!bins) return nullptr;
+    FillBins(bins, newSize, byTriples ? triples(source) : source.width, percent);
+    if (!byTriples && bits != 8) {
+        ShrinkPixels(source, to, bins, false);
+    } else {
+        for (int32_t y = 0; y < to.height; y++)
+            (byTriples ? ShrinkRow<3> : ShrinkRow<1>)(to.Row(y), source.Row(y), bins.data, newSize);
+    }
+    return result.Release();
+}
+
+DibHandle DibShrinkVert(const ReadView &source, int32_t percent) {
+    LockedDib result(DibCreateLike(source, source.width, ScaledSize(source.height, percent)));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    const size_t rowBytes = static_cast<size_t>(source.width) * (source.bits / 8);
+    BlockArray<Bin> bins(static_cast<uint64_t>(to.height));
+    BlockArray<uint32_t> sums(rowBytes + 1);
+    if (!bins || !sums) return nullptr;
+    FillBins(bins, to.height, source.height, percent);
+    if (HasRowForm(source)) {
+        for (int32_t y = 0; y < to.height; y++) {
+            for (int32_t i = 0; i < bins[y].count; i++) AddRow(sums.data, source.Row(bins[y].first + i), rowBytes);
+            StoreMeans(to.Row(y), sums.data, rowBytes, bins[y].reciprocal);
+        }
+    } else {
+        ShrinkPixels(source, to, bins, true);
+    }
+    return result.Release();
+}
+
+DibHandle DibEnlargeHorz(const ReadView &source, int32_t percent) {
+    if (percent / 100 >= kLargestRun) return nullptr;
+    LockedDib result(DibCreateLike(source, ScaledSize(source.width, percent), source.height));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    BlockArray<Mix> mixes(static_cast<uint64_t>(to.width));
+    if (!mixes) return nullptr;
+    FillMixes(mixes, to.width, source.width, percent);
+    if (HasRowForm(source)) {
+        for (int32_t y = 0; y < to.height; y++)
+            (source.bits == 24 ? EnlargeRow<3> : EnlargeRow<1>)(to.Row(y), source.Row(y), mixes.data, to.width);
+    } else {
+        EnlargePixels(source, to, mixes, false);
+    }
+    return result.Release();
+}
+
+DibHandle DibEnlargeVert(const ReadView &source, int32_t percent) {
+    if (percent / 100 >= kLargestRun) return nullptr;
+    LockedDib result(DibCreateLike(source, source.width, ScaledSize(source.height, percent)));
+    const WriteView &to = result.View();
+    if (!result) return nullptr;
+    BlockArray<Mix> mixes(static_cast<uint64_t>(to.height));
+    if (!mixes) return nullptr;
+    FillMixes(mixes, to.height, source.height, percent);
+    const size_t rowBytes = static_cast<size_t>(source.width) * (source.bits / 8);
+    if (HasRowForm(source)) {
+        for (int32_t y = 0; y < to.height; y++)
+            MixRows(to.Row(y), source.Row(mixes[y].first), source.Row(mixes[y].second), mixes[y].firstShare,
+                    mixes[y].secondShare, rowBytes);
+    } else {
+        EnlargePixels(source, to, mixes, true);
+    }
+    return result.Release();
+}
+
+DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percentY) {
+    LockedDib wide(percentX > 100   ? DibEnlargeHorz(source, percentX)
+                   : percentX < 100 ? DibShrinkHorz(source, percentX)
+                                    : DibClone(source));
+    if (!wide) return nullptr;
+    if (percentY > 100) return DibEnlargeVert(wide, percentY);
+    return percentY < 100 ? DibShrinkVert(wide, percentY) : wide.Release();
+}
+
+} // namespace lmf

@@ -1,0 +1,189 @@
+#include "image/color/dither.h"
+#include "image/color/nearest_color.h"
+#include "image/color/palette.h"
+#include "image/core/dib_ops.h"
+#include "support/pictures.h"
+
+namespace lmf::testing {
+
+static Palette768 RandomPalette(uint32_t seed, uint32_t colors, uint32_t low, uint32_t range) {
+    Palette768 palette{};
+    for (uint32_t i = 0; i < colors * 3; i++)
+        palette.rgb[i] = static_cast<uint8_t>(low + TestRandom(&seed) / 64 % range);
+    return palette;
+}
+
+TEST(NearestFinder, FindsWhatAScanFinds) {
+    const Palette768 palettes[] = {RandomPalette(1, 256, 0, 256), RandomPalette(2, 256, 100, 12),
+                                   RandomPalette(3, 16, 0, 256), RandomPalette(4, 30, 40, 3), GreyRamp()};
+    for (const Palette768 &palette : palettes) {
+        for (int32_t count : {256, 128, 4, 1}) {
+            NearestFinder finder(palette, count);
+            ASSERT_TRUE(finder);
+            uint32_t state = 77;
+            for (int32_t i = 0; i < 40000; i++) {
+                // Half of the colours come from the neighbourhood of the dense palettes.
+                const uint32_t random = TestRandom(&state) >> 3;
+                const uint32_t mask = i % 2 != 0 ? 255 : 15, base = i % 2 != 0 ? 0 : 96;
+                const Color color = (random & mask * 0x010101) + base * 0x010101;
+                const int32_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+                ASSERT_EQ(finder.Find(red, green, blue),
+                          static_cast<uint32_t>(PaletteNearest(red, green, blue, palette, count)))
+                    << red << " " << green << " " << blue << " of " << count;
+            }
+        }
+    }
+}
+
+/// Error diffusion to colours, share by share.
+static Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &palette, uint32_t bits) {
+    const ReadView from = picture;
+    const int32_t width = from.width, height = from.height;
+    Pixels result(static_cast<size_t>(width * height));
+    std::vector<int32_t> current(static_cast<size_t>(3 * width + 256)), next(current.size());
+    for (int32_t y = height - 1; y >= 0; y--) {
+        for (int32_t i = 0; i < 3 * width; i++)
+            current[static_cast<size_t>(i)] += DibGetPixel(from, i / 3, y) >> (8 * (i % 3)) & 255;
+        for (int32_t x = 0; x < width; x++) {
+            int32_t *here = &current[static_cast<size_t>(3 * x)], *above = &next[static_cast<size_t>(3 * x)];
+            int32_t rgb[3];
+            for (int32_t c = 0; c < 3; c++) rgb[c] = std::clamp(here[c], 0, 255);
+            const int32_t i = PaletteNearest(rgb[0], rgb[1], rgb[2], palette, 1 << bits);
+            result[static_cast<size_t>(y * width + x)] = static_cast<uint32_t>(i);
+            for (int32_t c = 0; c < 3; c++) {
+                const int32_t error = rgb[c] - palette.rgb[i * 3 + c];
+                if (x + 1 < width) here[3 + c] += (error * 7) >> 4;
+                if (y == 0) continue;
+                if (x > 1) above[c - 3] += (error * 3) >> 4;
+                if (x + 1 < width) above[3 + c] += error >> 4;
+                above[c] += (error * 5) >> 4;
+            }
+        }
+        current = next;
+        std::fill(next.begin(), next.end(), 0);
+    }
+    return result;
+}
+
+/// Error diffusion to black and white, share by share, on rows with their padding.
+static Pixels SlowMonoDiffusion(const ReadView &picture, int32_t brightness, int32_t contrast) {
+    const ReadView from = picture;
+    const int32_t width = from.width, height = from.height, stride = (width + 3) / 4 * 4;
+    std::vector<int32_t> bytes(static_cast<size_t>(stride * height));
+    const auto at = [&](int32_t x, int32_t y) -> int32_t & { return bytes[static_cast<size_t>(y * stride + x)]; };
+    int32_t table[256], low = 255, high = 0;
+    double value = brightness - contrast;
+    for (int32_t &entry : table) {
+        entry = value > 254 ? 254 : value < 1 ? 1 : static_cast<int32_t>(value);
+        value += 256.0 / (256 - 2 * contrast);
+    }
+    Palette768 palette;
+    DibReadPalette(from, &palette);
+    ForEachPixel(from, [&](int32_t x, int32_t y) {
+        const uint32_t pixel = DibGetPixel(from, x, height - 1 - y);
+        at(x, y) = WeightedGrey(from.bits > 8 ? pixel : palette.At(pixel));
+        low = std::min(low, at(x, y));
+        high = std::max(high, at(x, y));
+    });
+    const auto send = [&](int32_t x, int32_t y, int32_t share) { at(x, y) = std::clamp(at(x, y) + share, 0, 255); };
+    Pixels result(static_cast<size_t>(width * height));
+    ForEachPixel(from, [&](int32_t x, int32_t y) {
+        const int32_t q = table[at(x, y)];
+        const bool white = q > (high + low) / 2;
+        result[static_cast<size_t>((height - 1 - y) * width + x)] = white;
+        const int32_t unit = (q - (white ? high : low)) >> 4;
+        if (y + 1 < height) {
+            if (x + 1 < width) send(x + 1, y + 1, unit);
+            if (x != 1) send(x - 1, y + 1, 3 * unit);
+            send(x, y + 1, 5 * unit);
+        }
+        if (x + 1 < width) send(x + 1, y, 7 * unit);
+    });
+    return result;
+}
+
+static constexpr int32_t kSizes[][2] = {{1, 1}, {1, 6}, {2, 5}, {3, 4}, {4, 3}, {8, 9}, {9, 1}, {67, 21}, {64, 20}};
+
+TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
+    for (const auto &size : kSizes) {
+        for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
+            LockedDib picture = RandomPicture(size[0], size[1], mode, 5);
+            for (const auto &tone :
+                 {MonoTone{}, MonoTone{0, 0}, MonoTone{90, -40}, MonoTone{10, 128}, MonoTone{1, 200}}) {
+                LockedDib mono(ErrorDiffuse(picture, GreyRamp(), 1, tone));
+                ASSERT_EQ(PixelsOf(mono), SlowMonoDiffusion(picture, tone.brightness, tone.contrast))
+                    << size[0] << " x " << size[1] << " mode " << mode;
+            }
+            LockedDib rgb(ExpandToRgb(picture));
+            for (uint32_t bits : {2u, 4u, 6u, 8u}) {
+                const Palette768 palette = RandomPalette(bits, 1 << bits, 30, 180);
+                LockedDib result(ErrorDiffuse(picture, palette, bits));
+                ASSERT_EQ(PixelsOf(result), SlowColorDiffusion(rgb, palette, bits))
+                    << size[0] << " x " << size[1] << " mode " << mode << " bits " << bits;
+                const ReadView lock = result;
+                EXPECT_EQ(lock.bits, bits <= 4 ? 4u : 8u);
+            }
+        }
+    }
+    EXPECT_EQ(ErrorDiffuse(RandomPicture(3, 3, kModeMono, 1).handle, GreyRamp(), 1), nullptr);
+    EXPECT_EQ(ErrorDiffuse(nullptr, GreyRamp(), 1), nullptr);
+}
+
+TEST(RemapNearest, TakesTheNearestEntryOrTheBrightSide) {
+    const Palette768 palette = RandomPalette(9, 64, 0, 256);
+    LockedDib color = RandomPicture(33, 7, kModeTrueColor, 2);
+    const Pixels pixels = PixelsOf(color);
+    Pixels nearest, bright;
+    for (uint32_t pixel : pixels) {
+        nearest.push_back(
+            static_cast<uint32_t>(PaletteNearest(RedOf(pixel), GreenOf(pixel), BlueOf(pixel), palette, 64)));
+        bright.push_back(WeightedGrey(pixel) >= 129);
+    }
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(color, palette, 6))), nearest);
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(color, palette, 1))), bright);
+
+    // Indexed sources go through their own table, 1-bit ones to white and black whatever they hold.
+    const Palette768 few{{250, 250, 250, 10, 10, 10, 128, 129, 129, 130, 132, 133}};
+    LockedDib indexed = MakePalettePicture(4, 1, 4, few, {0, 1, 2, 3});
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(indexed, few, 2))), (Pixels{0, 1, 2, 3}));
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(indexed, few, 1))), (Pixels{1, 0, 0, 1}));
+    LockedDib mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(mono, few, 2))), (Pixels{1, 0}));
+    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(mono, few, 1))), (Pixels{0, 1}));
+}
+
+TEST(ThresholdToMono, IsStrictlyAbove) {
+    LockedDib grey = MakePicture(9, 1, 8, {0, 127, 128, 129, 255, 128, 129, 128, 130});
+    EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, 128))), (Pixels{0, 0, 0, 1, 1, 0, 1, 0, 1}));
+    EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, 5000))), Pixels(9, 0));
+    EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, -5000))), Pixels(9, 1));
+    EXPECT_EQ(ThresholdToMono(RandomPicture(3, 3, kModeMono, 1).handle, 128), nullptr);
+}
+
+TEST(Bayer, ThresholdsOfATile) {
+    // Of 64 pixels of a flat grey, as many are white as thresholds lie below it; none for black, all
+    // for white. Grey 9 weighs 7.
+    for (const auto &[level, white] : {std::pair{0u, 0u}, {9u, 2u}, {255u, 64u}}) {
+        const Pixels mono =
+            PixelsOf(LockedDib(BayerMono(MakePicture(8, 8, 24, Pixels(64, level * 0x010101)).handle)).handle);
+        EXPECT_EQ(std::count(mono.begin(), mono.end(), 1u), white) << level;
+    }
+    // Grey 129 weighs 127. The top rows of the matrix are below 32 at every other place.
+    const Pixels half = PixelsOf(LockedDib(BayerMono(MakePicture(11, 2, 24, Pixels(22, 0x818181)).handle)).handle);
+    EXPECT_EQ(half, (Pixels{1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0}));
+    // Red 40 is above thresholds 0, 32 and 8 of the first row, green 9 above 0 and 8, blue 255 above all.
+    EXPECT_EQ(PixelsOf(LockedDib(BayerEight(MakePicture(5, 1, 24, Pixels(5, PackColor(40, 9, 255))).handle)).handle),
+              (Pixels{7, 4, 5, 4, 7}));
+}
+
+TEST(Bayer, Rgb332TurnsTheMatrix) {
+    // Down the first column stand the thresholds 0, 128, 32, 160 of the first matrix row: a channel of 100 moves to
+    // 75, 107, 83, 115.
+    LockedDib result(BayerRgb332(MakePicture(1, 4, 24, Pixels(4, PackColor(100, 200, 0))).handle));
+    const Pixels expected = {(75 & 224) | (150 >> 3 & 28) | 0, (107 & 224) | (182 >> 3 & 28) | 32 >> 6,
+                             (83 & 224) | (158 >> 3 & 28) | 8 >> 6, (115 & 224) | (190 >> 3 & 28) | 40 >> 6};
+    EXPECT_EQ(PixelsOf(result), expected);
+    EXPECT_EQ(PaletteOf(result).At(32 * 7 + 4 * 6 + 1), PackColor(255, 216, 85));
+}
+
+} // namespace lmf::testing
