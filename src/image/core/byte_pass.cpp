@@ -41,7 +41,7 @@ BytePass::BytePass(const ReadView &source) : from(source), result(DibCreateLike(
     if (!result) return;
     to = result.View();
     if (source.bits != 8 && source.bits != 24) {
-        wideSource = LockedDib(DibCreate(source.width, source.height, nullptr, source.bits < 8 ? 8 : 24));
+        wideSource = LockedDib(DibCreate(source.width, source.height, nullptr, to.bits <= 8 ? 8 : 24));
         if (!wideSource) return;
         WidenRows(wideSource.View(), source);
         from = wideSource;
