@@ -104,27 +104,25 @@ static void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t wi
     if (columns.Length() > 0 && rows.Length() > 0) FillInside(image, columns, rows, value);
 }
 
-int32_t DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
+void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
     FillClipped(image, x, y, width, height, value);
-    return 1;
 }
 
-int32_t DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
-                     int32_t thickness) {
+void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
+                  int32_t thickness) {
     // Each edge is a bar of its own; a frame thicker than the box passes the opposite edge.
-    const int64_t far = thickness;
-    FillClipped(image, x, y, far, height, value);
-    FillClipped(image, x + int64_t{width} - far, y, far, height, value);
-    FillClipped(image, x, y, width, far, value);
-    FillClipped(image, x, y + int64_t{height} - far, width, far, value);
-    return 1;
+    const int64_t bar = thickness;
+    FillClipped(image, x, y, bar, height, value);
+    FillClipped(image, x + int64_t{width} - bar, y, bar, height, value);
+    FillClipped(image, x, y, width, bar, value);
+    FillClipped(image, x, y + int64_t{height} - bar, width, bar, value);
 }
 
-int32_t DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
-                    int32_t width, int32_t height) {
+void DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
+                 int32_t width, int32_t height) {
     const Span columns = Inside(Inside({0, width}, toX, to.width), fromX, from.width);
     const Span rows = Inside(Inside({0, height}, toY, to.height), fromY, from.height);
-    if (columns.Length() < 1) return 1;
+    if (columns.Length() < 1) return;
     // Within one picture source and destination may overlap, where the order of the pixels counts.
     const bool copyBytes = to.bottom != from.bottom && to.bits == from.bits && HasBytePixels(to.bits);
     const int64_t pixelBytes = to.bits / 8;
@@ -141,7 +139,6 @@ int32_t DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadVie
                         DibGetPixel(from, static_cast<int32_t>(fromX + k), fromRow));
         }
     }
-    return 1;
 }
 
 LMF_MULTIVERSION
@@ -313,15 +310,14 @@ DibHandle DibAdjustHsv(const ReadView &source, float hueOffset, float saturation
     if (!pass) return nullptr;
     const HsvChange change = {hueOffset, saturationScale, valueScale};
     const uint32_t alphaMask = pass.from.bits == 32 ? 0xFF000000 : 0;
+    const auto row = [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); };
     const auto pixel = [&](uint32_t value) {
-        Hsv hsv = RgbToHsv(value);
-        hsv.hue += hueOffset;
-        hsv.saturation *= saturationScale;
-        hsv.value *= valueScale;
-        return HsvToRgb(hsv) | (value & alphaMask);
+        const uint8_t from[3] = {BlueOf(value), GreenOf(value), RedOf(value)};
+        uint8_t to[3];
+        row(to, from, 1);
+        return PackColor(to[2], to[1], to[0]) | (value & alphaMask);
     };
-    MapPixels(pass, pixel,
-              [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); });
+    MapPixels(pass, pixel, row);
     return pass.Finish();
 }
 
