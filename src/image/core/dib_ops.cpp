@@ -11,6 +11,8 @@
 
 namespace lmf {
 
+namespace {
+
 /// Indexes first <= i < last of a span.
 struct Span {
     int64_t first;
@@ -20,11 +22,13 @@ struct Span {
 };
 
 /// The part of 0 <= i < length for which start + i lies inside 0 .. limit - 1; empty spans have no length.
-static Span Inside(Span span, int64_t start, int64_t limit) {
+Span Inside(Span span, int64_t start, int64_t limit) {
     span.first = std::max(span.first, -start);
     span.last = std::max(std::min(span.last, limit - start), span.first);
     return span;
 }
+
+} // namespace
 
 DibHandle DibCropRect(const ReadView &source, int32_t left, int32_t top, int32_t right, int32_t bottom) {
     const ReadView &from = source;
@@ -82,8 +86,10 @@ DibHandle DibFlipHorizontal(const ReadView &source) {
     return pass.Finish();
 }
 
+namespace {
+
 /// Fills a rectangle that lies inside the picture, in whole-byte pixels or one by one.
-static void FillInside(const WriteView &view, Span columns, Span rows, uint32_t value) {
+void FillInside(const WriteView &view, Span columns, Span rows, uint32_t value) {
     const int64_t pixelBytes = view.bits / 8;
     const auto first = static_cast<int32_t>(columns.first), last = static_cast<int32_t>(columns.last);
     const auto top = static_cast<int32_t>(rows.first);
@@ -99,10 +105,12 @@ static void FillInside(const WriteView &view, Span columns, Span rows, uint32_t 
 }
 
 /// DibFillRect in 64 bits, for rectangles that grew past the range of a coordinate.
-static void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t width, int64_t height, uint32_t value) {
+void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t width, int64_t height, uint32_t value) {
     const Span columns = Inside({x, x + width}, 0, image.width), rows = Inside({y, y + height}, 0, image.height);
     if (columns.Length() > 0 && rows.Length() > 0) FillInside(image, columns, rows, value);
 }
+
+} // namespace
 
 void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
     FillClipped(image, x, y, width, height, value);
@@ -141,14 +149,16 @@ void DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &
     }
 }
 
+namespace {
+
 LMF_MULTIVERSION
-static void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
+void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgra[x * 4 + 2], bgra[x * 4 + 1], bgra[x * 4]);
 }
 
 /// Lays a 32-bit row over a colour.
 LMF_MULTIVERSION
-static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width, Color background) {
+void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width, Color background) {
     const uint8_t red = RedOf(background), green = GreenOf(background), blue = BlueOf(background);
     for (int32_t x = 0; x < width; x++) {
         const auto clear = static_cast<uint8_t>(255 - bgra[x * 4 + 3]);
@@ -159,8 +169,8 @@ static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, 
 }
 
 LMF_MULTIVERSION
-static void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask,
-                    int32_t width, Color color) {
+void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask, int32_t width,
+             Color color) {
     const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
     for (int32_t x = 0; x < width; x++) {
         to[x * 3] = MixBytes(from[x * 3], blue, mask[x]);
@@ -169,11 +179,13 @@ static void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, cons
     }
 }
 
-static Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
+Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
     return PackColor(MixBytes(RedOf(color), RedOf(other), otherWeight),
                      MixBytes(GreenOf(color), GreenOf(other), otherWeight),
                      MixBytes(BlueOf(color), BlueOf(other), otherWeight));
 }
+
+} // namespace
 
 DibHandle DibToGrey(const ReadView &source) {
     PixelPass pass(source, 8, &GreyRamp());
@@ -206,7 +218,9 @@ DibHandle DibToGrey(const ReadView &source) {
     return pass.Finish();
 }
 
-static DibHandle ToRgb(const ReadView &source, bool plainMono) {
+namespace {
+
+DibHandle ToRgb(const ReadView &source, bool plainMono) {
     PixelPass pass(source, 24, nullptr);
     if (!pass) return nullptr;
     const ReadView &from = pass.from;
@@ -217,6 +231,8 @@ static DibHandle ToRgb(const ReadView &source, bool plainMono) {
     for (int32_t y = 0; y < from.height; y++) ReadRgbRow(to.MemoryRow(y), from, palette, y);
     return pass.Finish();
 }
+
+} // namespace
 
 DibHandle DibToRgb(const ReadView &source) {
     return ToRgb(source, true);

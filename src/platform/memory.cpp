@@ -1,5 +1,7 @@
 #include "platform/memory.h"
 
+#include "platform/system_blocks.h"
+
 namespace lmf {
 
 #ifdef LMF_FAULT_INJECTION
@@ -22,7 +24,9 @@ int64_t LiveLocks() {
     return liveLocks;
 }
 
-static bool AllocationAllowed() {
+namespace {
+
+bool AllocationAllowed() {
     if (allocationsLeft < 0) return true;
     if (allocationsLeft == 0) {
         failedAllocations++;
@@ -31,50 +35,48 @@ static bool AllocationAllowed() {
     allocationsLeft--;
     return true;
 }
-static void CountBlocks(int64_t change) {
+void CountBlocks(int64_t change) {
     liveBlocks += change;
 }
-static void CountLocks(int64_t change) {
+void CountLocks(int64_t change) {
     liveLocks += change;
 }
 #else
-static bool AllocationAllowed() {
+bool AllocationAllowed() {
     return true;
 }
-static void CountBlocks(int64_t) {}
-static void CountLocks(int64_t) {}
+void CountBlocks(int64_t) {}
+void CountLocks(int64_t) {}
 #endif
+
+} // namespace
 
 BlockHandle BlockAlloc(uint64_t bytes) {
     if (!AllocationAllowed()) return nullptr;
-    BlockHandle block = LmfBlockAlloc(bytes);
+    BlockHandle block = SystemBlockAlloc(bytes);
     if (block != nullptr) CountBlocks(1);
     return block;
 }
 
 void *BlockLock(BlockHandle block) {
-    void *bytes = LmfBlockLock(block);
+    void *bytes = SystemBlockLock(block);
     if (bytes != nullptr) CountLocks(1);
     return bytes;
 }
 
 void BlockUnlock(BlockHandle block) {
-    LmfBlockUnlock(block);
+    SystemBlockUnlock(block);
     CountLocks(-1);
 }
 
 void BlockFree(BlockHandle block) {
     if (block == nullptr) return;
-    LmfBlockFree(block);
+    SystemBlockFree(block);
     CountBlocks(-1);
 }
 
 uint64_t BlockSize(BlockHandle block) {
-    return LmfBlockSize(block);
-}
-
-BlockHandle BlockReAlloc(BlockHandle block, uint64_t bytes) {
-    return AllocationAllowed() ? LmfBlockReAlloc(block, bytes) : nullptr;
+    return SystemBlockSize(block);
 }
 
 } // namespace lmf
