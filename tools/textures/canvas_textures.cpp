@@ -26,13 +26,22 @@ Tile Sum(const Tile &a, const Tile &b) {
     return Combined(a, b, [](double left, double right) { return left + right; });
 }
 
-/// Adds a thin curve to a tile: soft dots of `height` in a row.
-void AddFibre(Tile *tile, Point from, double turn, double bend, int32_t steps, double radius, double height) {
-    for (int32_t step = 0; step < steps; step++, turn += bend) {
-        from.x += Cosine(turn) * radius * 0.6;
-        from.y += Sine(turn) * radius * 0.6;
-        VisitAround(from.x, from.y, radius,
-                    [&](size_t i, double dx, double dy) { tile->values[i] += height * Dot(dx, dy, radius); });
+/// A thin curve of soft dots in a row.
+struct Fibre {
+    Point from;
+    double turn, bend; ///< where it heads, and how much that changes a dot
+    int32_t dots;
+    double radius, height; ///< of a dot
+};
+
+void AddFibre(Tile *tile, Fibre fibre) {
+    Point &at = fibre.from;
+    for (int32_t dot = 0; dot < fibre.dots; dot++, fibre.turn += fibre.bend) {
+        at.x += Cosine(fibre.turn) * fibre.radius * 0.6;
+        at.y += Sine(fibre.turn) * fibre.radius * 0.6;
+        VisitAround(at.x, at.y, fibre.radius, [&](size_t i, double dx, double dy) {
+            tile->values[i] += fibre.height * Dot(dx, dy, fibre.radius);
+        });
     }
 }
 
@@ -43,7 +52,7 @@ Tile RagPaper() {
     });
     Random random{11};
     for (int32_t fibre = 0; fibre < 170; fibre++)
-        AddFibre(&height, Scattered(12, fibre), random.Unit(), random.Between(-0.009, 0.009), 50, 1.3, 0.16);
+        AddFibre(&height, {Scattered(12, fibre), random.Unit(), random.Between(-0.009, 0.009), 50, 1.3, 0.16});
     return Light(height, 0.5);
 }
 
@@ -51,17 +60,13 @@ Tile RagPaper() {
 Tile Plaster() {
     Tile height = Fill([](double x, double y) { return 0.5 * Fractal(21, 40, 2, 0.6, x, y); });
     for (uint32_t layer = 0; layer < 3; layer++) {
-        for (int32_t row = 0; row < kSamples; row++) {
-            for (int32_t column = 0; column < kSamples; column++) {
-                const double x = CentreOf(column), y = CentreOf(row);
-                const double bentX = x + 7 * Fractal(31 + layer, 9, 2, 0.5, x, y);
-                const double bentY = y + 7 * Fractal(41 + layer, 9, 2, 0.5, x, y);
-                const double smear = Fractal(51 + layer, 6, 2, 0.5, bentX, bentY);
-                const double ridge = 1.1 * Dot(smear - 0.12, 0, 0.12);
-                double &under = height.At(column, row);
-                under = Mix(under, under * 0.25 + 1.2 + smear + ridge, Step(0, 0.12, smear));
-            }
-        }
+        ForEachSample([&](size_t i, double x, double y) {
+            const double bentX = x + 7 * Fractal(31 + layer, 9, 2, 0.5, x, y);
+            const double bentY = y + 7 * Fractal(41 + layer, 9, 2, 0.5, x, y);
+            const double smear = Fractal(51 + layer, 6, 2, 0.5, bentX, bentY), ridge = 1.1 * Dot(smear - 0.12, 0, 0.12);
+            const double under = height.values[i];
+            height.values[i] = Mix(under, under * 0.25 + 1.2 + smear + ridge, Step(0, 0.12, smear));
+        });
     }
     return Light(Sum(height, Fill([](double x, double y) { return 0.1 * Fractal(71, 64, 2, 0.7, x, y); })), 0.8);
 }
@@ -111,7 +116,7 @@ Tile Concrete() {
 Tile Threads() {
     constexpr int32_t kThreads = 20;
     constexpr double kPitch = static_cast<double>(kSide) / kThreads;
-    const auto acrossAt = [](double x, double y) { return (y + 1.4 * Noise(141, {5, 10}, x, y)) / kPitch; };
+    const auto acrossAt = [](double x, double y) { return (y + 1.4 * Noise(141, {5, 10}, x, y)) / kPitch + 0.5; };
     const auto numberAt = [](double across) { return static_cast<uint32_t>(std::floor(across) + kThreads) % kThreads; };
     const Tile height = Fill([&](double x, double y) {
         const double across = acrossAt(x, y), off = (across - std::floor(across)) * 2 - 1;
@@ -226,7 +231,8 @@ Tile Terrazzo() {
             sides[i] = {Cosine(turn), Sine(turn), disc.radius * random.Between(0.62, 1)};
         }
         static constexpr double kStones[] = {0.05, 0.3, 0.45, 0.85, 0.95, 1.1};
-        const double stone = kStones[static_cast<size_t>(random.Unit() * 6)] + random.Between(-0.06, 0.06);
+        const double kind = kStones[static_cast<size_t>(random.Unit() * 6)];
+        const double stone = kind + random.Between(-0.06, 0.06);
         const auto seed = static_cast<uint32_t>(disc.x * 1000);
         VisitAround(disc.x, disc.y, disc.radius * 1.4, [&](size_t i, double dx, double dy) {
             double outside = -disc.radius;
@@ -267,10 +273,9 @@ Tile RecycledPaper() {
     Tile paper = Fill([](double x, double y) { return 0.2 * Fractal(271, 24, 4, 0.75, x, y); });
     Random random{291};
     for (int32_t fibre = 0; fibre < 700; fibre++) {
-        const double bend = random.Between(-0.006, 0.006);
         const double tone = random.Unit() < 0.6 ? random.Between(-0.3, -0.08) : random.Between(0.08, 0.3);
-        AddFibre(&paper, Scattered(292, fibre), random.Unit(), bend, static_cast<int32_t>(random.Length(9, 60)),
-                 random.Between(0.7, 1), tone);
+        AddFibre(&paper, {Scattered(292, fibre), random.Unit(), random.Between(-0.006, 0.006),
+                          static_cast<int32_t>(random.Length(9, 60)), random.Between(0.7, 1), tone});
     }
     for (int32_t fleck = 0; fleck < 520; fleck++) {
         const Point at = Scattered(293, fleck);
@@ -289,15 +294,15 @@ Tile RecycledPaper() {
 /// Straw on straw, the lower ones in the shade of the upper ones.
 Tile Haystack() {
     Tile hay = Fill([](double, double) { return 0.1; });
-    Random random{301};
+    Random random{303};
     constexpr int32_t kStraws = 1000;
     for (int32_t straw = 0; straw < kStraws; straw++) {
         const Point at = Scattered(302, straw);
         const double half = random.Between(16, 44), width = random.Between(1.1, 2.5);
-        const double turn = random.Between(-0.16, 0.16) + (random.Unit() < 0.25 ? 0.25 : 0.02);
+        const double heading = random.Unit() < 0.25 ? 0.25 : 0.02;
+        const double turn = heading + random.Between(-0.16, 0.16), ux = Cosine(turn), uy = Sine(turn);
         const double bow = random.Between(-0.004, 0.004);
         const double tone = random.Between(0.75, 1.1) * Mix(0.45, 1, static_cast<double>(straw) / kStraws);
-        const double ux = Cosine(turn), uy = Sine(turn);
         const auto seed = static_cast<uint32_t>(straw);
         VisitAround(at.x, at.y, half + 4, [&](size_t i, double dx, double dy) {
             const double along = dx * ux + dy * uy;
@@ -360,15 +365,14 @@ Tile UpmarketDriveway() {
         const auto number = static_cast<uint32_t>((firstColumn & (kCells - 1)) * kCells + (firstRow & (kCells - 1)));
         return Paver{Scramble(341, number, 0), std::min({left, right, top, bottom})};
     };
-    Tile tone;
-    const Tile height = Fill([&](double x, double y) {
+    Tile height, tone;
+    ForEachSample([&](size_t i, double x, double y) {
         const Paver paver = paverAt(x, y);
-        const double rough = 0.35 * Fractal(361, 50, 3, 0.7, x, y);
-        tone.values[Tile::IndexOf(static_cast<int32_t>(x * kScale), static_cast<int32_t>(y * kScale))] =
-            0.07 * Fractal(371, 110, 2, 0.8, x, y) + 0.06 * Fractal(381 + paver.id % 7, 8, 2, 0.5, x, y) +
-            0.24 * PartOf(391, paver.id) - 0.35 * (1 - Step(0.6, 2.2, paver.joint));
-        const double edge = std::clamp((paver.joint - 1) / 4.5, 0.0, 1.0);
-        return paver.joint < 1 ? 0.3 * rough : 3.4 * std::sqrt(1 - Squared(1 - edge)) + rough;
+        const double rough = 0.35 * Fractal(361, 50, 3, 0.7, x, y), speckle = 0.07 * Fractal(371, 110, 2, 0.8, x, y);
+        const double stain = 0.06 * Fractal(381 + paver.id % 7, 8, 2, 0.5, x, y);
+        const double edge = std::clamp((paver.joint - 1) / 4.5, 0.0, 1.0), shade = 1 - Step(0.6, 2.2, paver.joint);
+        height.values[i] = paver.joint < 1 ? 0.3 * rough : 3.4 * std::sqrt(1 - Squared(1 - edge)) + rough;
+        tone.values[i] = speckle + stain + 0.24 * PartOf(391, paver.id) - 0.35 * shade;
     });
     return Sum(Light(height, 0.6), tone);
 }
@@ -392,21 +396,17 @@ Tile Spheres() {
 
 /// Frozen ground that has cracked into polygons, with snow in the cracks and rime upon the ground.
 Tile Permafrost() {
-    const auto bentRegion = [](uint32_t seed, int32_t cells, double bend, double x, double y) {
-        const double bentX = x + bend * Fractal(seed + 1, 9, 3, 0.5, x, y);
-        const double bentY = y + bend * Fractal(seed + 2, 9, 3, 0.5, x, y);
-        return RegionAt(seed, {cells, cells}, 0.85, bentX, bentY);
-    };
-    Tile tone;
-    const Tile height = Fill([&](double x, double y) {
-        const Region polygon = bentRegion(411, 5, 5, x, y);
-        const double fine = bentRegion(421, 14, 4, x, y).border, ragged = Fractal(431, 40, 3, 0.7, x, y);
-        const double snow = 1 - Step(1.5, 5.5, polygon.border + 1.6 * ragged);
-        const double crack = 1 - Step(0.2, 1.1, polygon.border), rime = Step(0.15, 0.9, Fractal(441, 90, 2, 0.8, x, y));
-        tone.values[Tile::IndexOf(static_cast<int32_t>(x * kScale), static_cast<int32_t>(y * kScale))] =
-            0.5 * snow - 0.5 * crack + 0.3 * rime + 0.1 * PartOf(451, polygon.id) + 0.12 * (1 - Step(0.2, 1.4, fine));
-        return 0.9 * Fractal(461, 24, 4, 0.6, x, y) * (1 - 0.7 * snow) + 2.4 * Dot(polygon.border - 6, 0, 6) -
-               3 * crack;
+    Tile height, tone;
+    ForEachSample([&](size_t i, double x, double y) {
+        const double bentX = x + 5 * Fractal(412, 9, 3, 0.5, x, y), bentY = y + 5 * Fractal(413, 9, 3, 0.5, x, y);
+        const Region polygon = RegionAt(411, {5, 5}, 0.85, bentX, bentY);
+        const double fine = RegionAt(421, {14, 14}, 0.85, bentX, bentY).border;
+        const double snow = 1 - Step(1.5, 5.5, polygon.border + 1.6 * Fractal(431, 40, 3, 0.7, x, y));
+        const double rime = Step(0.15, 0.9, Fractal(441, 90, 2, 0.8, x, y));
+        const double crack = 1 - Step(0.2, 1.1, polygon.border), fineCrack = 1 - Step(0.2, 1.4, fine);
+        const double ground = 0.9 * Fractal(461, 24, 4, 0.6, x, y), rim = 2.4 * Dot(polygon.border - 6, 0, 6);
+        height.values[i] = ground * (1 - 0.7 * snow) + rim - 3 * crack;
+        tone.values[i] = 0.5 * (snow - crack) + 0.3 * rime + 0.12 * fineCrack + 0.1 * PartOf(451, polygon.id);
     });
     return Sum(Light(height, 0.42), tone);
 }

@@ -35,13 +35,19 @@ constexpr double CentreOf(int32_t sample) {
     return (sample + 0.5) / kScale;
 }
 
-/// The tile whose samples are value(x, y) of their centres.
+/// Calls visit(index, x, y) for every sample: the index in `values`, and its centre.
+template <typename Visit>
+void ForEachSample(Visit visit) {
+    for (int32_t row = 0; row < kSamples; row++)
+        for (int32_t column = 0; column < kSamples; column++)
+            visit(Tile::IndexOf(column, row), CentreOf(column), CentreOf(row));
+}
+
+/// The tile whose samples are value(x, y).
 template <typename Value>
 Tile Fill(Value value) {
     Tile tile;
-    for (int32_t row = 0; row < kSamples; row++)
-        for (int32_t column = 0; column < kSamples; column++)
-            tile.At(column, row) = value(CentreOf(column), CentreOf(row));
+    ForEachSample([&](size_t i, double x, double y) { tile.values[i] = value(x, y); });
     return tile;
 }
 
@@ -59,7 +65,8 @@ void VisitAround(double x, double y, double reach, Visit visit) {
 /// 32 bits that depend on all bits of three numbers.
 uint32_t Scramble(uint32_t seed, uint32_t a, uint32_t b);
 
-/// A stream of random numbers.
+/// A stream of random numbers. Draw once a statement, or within the braces of one initialisation: elsewhere compilers
+/// choose the order of the draws.
 struct Random {
     uint32_t seed;
     uint32_t draws = 0;

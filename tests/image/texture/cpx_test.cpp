@@ -118,10 +118,14 @@ TEST(Cpx, RefusesWhatIsNoPicture) {
     EXPECT_FALSE(Read(ContainerOf(taller)));
 }
 
-TEST(Cpx, FailsWithoutMemory) {
-    const Bytes container = ContainerOf(BytesOf(RandomPicture(9, 5, kModeGrey, 3)));
+TEST(Cpx, FailsWithoutMemoryAndAsksForNoneThatALieCalledFor) {
+    Bytes container = ContainerOf(BytesOf(RandomPicture(9, 5, kModeGrey, 3)));
     FailAllocationAfter(0);
     EXPECT_FALSE(Read(container));
+    EXPECT_EQ(FailedAllocations(), 1);
+    SetNumberAt(&container, kPictureSizeAt, 0x7FFFFFFF);
+    EXPECT_FALSE(Read(container));
+    EXPECT_EQ(FailedAllocations(), 1);
     FailAllocationAfter(-1);
 }
 

@@ -88,7 +88,7 @@ TEST(Textures, AreSixteenSquaresWithAMeanOf170AndARangeOfTheirOwn) {
     EXPECT_EQ(ranges.size(), 16u);
 }
 
-TEST(Relief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
+TEST(JigsawRelief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
     const DibOwner picture(JigsawRelief());
     EXPECT_EQ(DibClassify(picture.handle), kModeGrey);
     DibLock lock(picture.handle);
@@ -113,8 +113,9 @@ TEST(Relief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
 }
 
 TEST(Textures, AndReliefAreTheSameOnEveryMachine) {
-    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(CanvasTextures()))), 0u);
-    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(JigsawRelief()))), 0u);
+    // Whoever draws them anew puts the new sums here; a compiler or a machine that does so has a fault.
+    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(CanvasTextures()))), 2634286591u);
+    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(JigsawRelief()))), 1079999855u);
 }
 
 TEST(Textures, AndReliefNeedMemory) {
