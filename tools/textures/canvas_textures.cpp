@@ -84,7 +84,8 @@ Tile Muslin() {
         const double off = (drifted / kPitch - thread - 0.5) * 2 / width;
         if (off < -1 || off > 1) return -3.0;
         const double under = (number + seed) % 2 * 0.5;
-        return 2 * std::sqrt(1 - off * off) + Sine(along / kPitch / 2 + under) + 0.1 * Sine((along + drifted) / 2.6);
+        return 2 * std::sqrt(1 - off * off) + Sine(along / kPitch / 2 + under) +
+               0.1 * Sine((along + drifted) * 98 / kSide);
     };
     const Tile height = Fill([&](double x, double y) {
         return std::max({threads(82, y, x, x, y), threads(91, x, y, x, y), -2.0});
@@ -414,22 +415,10 @@ Tile Permafrost() {
 } // namespace
 
 const Texture kTextures[kTextureCount] = {
-    {"Rag paper", RagPaper, 9},
-    {"Plaster", Plaster, 17},
-    {"Muslin", Muslin, 24},
-    {"Concrete", Concrete, 16},
-    {"Threads", Threads, 34},
-    {"Quantum foam", QuantumFoam, 34},
-    {"Afternoon sun", AfternoonSun, 28},
-    {"Copperplate", Copperplate, 44},
-    {"Terrazzo", Terrazzo, 34},
-    {"Downpour", Downpour, 26},
-    {"Recycled paper", RecycledPaper, 14},
-    {"Haystack", Haystack, 46},
-    {"Filaments", Filaments, 30},
-    {"Upmarket driveway", UpmarketDriveway, 30},
-    {"Spheres", Spheres, 52},
-    {"Permafrost", Permafrost, 26},
+    {RagPaper, 9},   {Plaster, 17},          {Muslin, 24},        {Concrete, 16},
+    {Threads, 34},   {QuantumFoam, 34},      {AfternoonSun, 28},  {Copperplate, 44},
+    {Terrazzo, 34},  {Downpour, 26},         {RecycledPaper, 14}, {Haystack, 46},
+    {Filaments, 30}, {UpmarketDriveway, 30}, {Spheres, 52},       {Permafrost, 26},
 };
 
 std::vector<uint8_t> DrawTexture(const Texture &texture) {

@@ -7,7 +7,6 @@
 namespace lmf::drawing {
 
 struct Texture {
-    const char *name;
     Tile (*draw)();   ///< brightness in any unit, from any level
     double deviation; ///< standard deviation that the tones get
 };

@@ -1,5 +1,6 @@
 // Draws the textures of Canvas and the relief of Jigsaw, and prints them as a C++ source that holds their bytes.
 //   draw_textures OUT.cpp
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <string>
@@ -73,10 +74,10 @@ void PrintFunction(std::ofstream &out, const char *name, const Bytes &bytes) {
     out << "std::span<const uint8_t> " << name << "() {\n    static constexpr uint8_t kBytes[] = {";
     for (size_t start = 0; start < bytes.size(); start += kLine) {
         std::string line;
-        for (size_t i = start; i < std::min(start + kLine, bytes.size()); i++)
-            for (int32_t digit : {0, bytes[i] >> 6, bytes[i] >> 3 & 7, bytes[i] & 7})
-                line += static_cast<char>('0' + digit);
-        for (size_t i = 0; i < line.size(); i += 4) line[i] = '\\';
+        for (size_t i = start; i < std::min(start + kLine, bytes.size()); i++) {
+            line += '\\';
+            for (int32_t shift : {6, 3, 0}) line += static_cast<char>('0' + (bytes[i] >> shift & 7));
+        }
         out << "\n        \"" << line << '"';
     }
     out << "};\n    return {kBytes, " << bytes.size() << "};\n}\n\n";

@@ -50,6 +50,12 @@ std::vector<Point> EdgeOutline() {
 struct Relief {
     std::vector<Nearest> samples = std::vector<Nearest>(size_t{kFineWidth} * kFineHeight);
 
+    /// Where the sample of a column and a row lies; those that are a little outside continue on the opposite side.
+    static size_t IndexOf(int32_t column, int32_t row) {
+        return static_cast<size_t>((row + kFineHeight) % kFineHeight) * kFineWidth +
+               static_cast<size_t>((column + kFineWidth) % kFineWidth);
+    }
+
     /// Tells the samples within the bevel's reach of a straight piece of a cut.
     void CutStraight(Point from, Point to) {
         const auto first = [](double a, double b) {
@@ -64,8 +70,7 @@ struct Relief {
                 const double x = (column + 0.5) / kFine - from.x, y = (row + 0.5) / kFine - from.y;
                 const double along = std::clamp((x * wayX + y * wayY) / length, 0.0, 1.0);
                 const double dx = along * wayX - x, dy = along * wayY - y, square = dx * dx + dy * dy;
-                Nearest &sample = samples[static_cast<size_t>((row + kFineHeight) % kFineHeight) * kFineWidth +
-                                          static_cast<size_t>((column + kFineWidth) % kFineWidth)];
+                Nearest &sample = samples[IndexOf(column, row)];
                 if (square < sample.square) sample = {square, dx, dy};
             }
         }
@@ -119,8 +124,8 @@ std::vector<uint8_t> DrawRelief() {
         for (int32_t x = 0; x < kReliefWidth; x++) {
             double sum = 0;
             for (int32_t i = 0; i < kFine * kFine; i++) {
-                const auto row = static_cast<size_t>(y * kFine + i / kFine);
-                sum += Relief::ToneOf(relief.samples[row * kFineWidth + static_cast<size_t>(x * kFine + i % kFine)]);
+                const int32_t row = y * kFine + i / kFine, column = x * kFine + i % kFine;
+                sum += Relief::ToneOf(relief.samples[Relief::IndexOf(column, row)]);
             }
             tones.push_back(static_cast<uint8_t>(std::clamp(sum / (kFine * kFine) + 0.5, 0.0, 255.0)));
         }

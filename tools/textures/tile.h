@@ -74,7 +74,7 @@ struct Random {
     /// 0 to below 1.
     double Unit() { return Scramble(seed, draws++, 0) / 4294967296.0; }
     double Between(double low, double high) { return low + (high - low) * Unit(); }
-    /// A length between `low` and `high`; the more, the shorter: areas of the same size hold as much of each length.
+    /// A length between `low` and `high`, short ones more often: as 1 / length squared.
     double Length(double low, double high) { return low * high / Between(low, high); }
 };
 
