@@ -10,14 +10,14 @@ namespace {
 
 constexpr int64_t kFarAway = int64_t{1} << 62; ///< beyond every coordinate
 
-/// Corners in the right order; a box without an area becomes an empty one at (0, 0).
+/// Corners in the right order.
 DrawBox Ordered(DrawBox box) {
     if (box.left > box.right) std::swap(box.left, box.right);
     if (box.top > box.bottom) std::swap(box.top, box.bottom);
-    return box.Width() > 0 && box.Height() > 0 ? box : DrawBox{};
+    return box;
 }
 
-/// A box larger by `margin` on each side, or an empty one if its sides would meet or cross.
+/// A box larger by `margin` on each side, or an empty one where its sides would meet or cross.
 DrawBox GrownBox(const DrawBox &box, int64_t margin) {
     if (box.Width() + 2 * margin <= 0 || box.Height() + 2 * margin <= 0) return {};
     return {box.left - margin, box.top - margin, box.right + margin, box.bottom + margin};

@@ -1,8 +1,8 @@
 // Shapes as the spans of pixels that they cover in a row, in exact integer arithmetic, the same on every system.
 //
 // Coordinates are corners of pixels, y down: the centre of pixel (x, y) is (x + 1/2, y + 1/2). Any 32-bit coordinates
-// and pen widths are fine. Boxes whose corners stand in the wrong order are turned round; boxes without an area, and
-// all that is cut to nothing, hold no pixel.
+// and pen widths are fine. Boxes whose corners stand in the wrong order are turned round. A box without an area holds
+// no pixel, but a pen that goes round it does.
 //
 // Every shape has `bounds`, outside which it holds no pixel, and ForEachSpan gives the spans of one row.
 #pragma once
