@@ -71,6 +71,51 @@ static void ShrinkRow(uint8_t *to, const uint8_t *from, const Bin *bins, int32_t
     }
 }
 
+/// ShrinkRow for shares that are all alike.
+template <int32_t kChannels, int32_t kShare>
+[[gnu::always_inline]] static inline void ShrinkEvenRow(uint8_t *__restrict to, const uint8_t *__restrict from,
+                                                        int32_t newSize) {
+    for (int32_t x = 0; x < newSize; x++) {
+        for (int32_t c = 0; c < kChannels; c++) {
+            uint32_t sum = 0;
+            for (int32_t i = 0; i < kShare; i++) sum += from[(x * kShare + i) * kChannels + c];
+            to[x * kChannels + c] = static_cast<uint8_t>(sum / kShare);
+        }
+    }
+}
+
+LMF_MULTIVERSION
+static void HalveRow(uint8_t *to, const uint8_t *from, int32_t channels, int32_t newSize) {
+    channels == 3 ? ShrinkEvenRow<3, 2>(to, from, newSize) : ShrinkEvenRow<1, 2>(to, from, newSize);
+}
+
+LMF_MULTIVERSION
+static void QuarterRow(uint8_t *to, const uint8_t *from, int32_t channels, int32_t newSize) {
+    channels == 3 ? ShrinkEvenRow<3, 4>(to, from, newSize) : ShrinkEvenRow<1, 4>(to, from, newSize);
+}
+
+/// How the samples of a row become those of a narrower one.
+struct RowShares {
+    int32_t newSize;
+    int32_t share; ///< samples that go into each new one, 0 if that differs
+    BlockArray<Bin> bins;
+
+    /// For rows of `size` samples that become `newSize`, at least 1.
+    RowShares(int32_t size, int32_t newSize, int32_t percent)
+        : newSize(newSize), share(100 % percent == 0 && size / (100 / percent) >= newSize ? 100 / percent : 0),
+          bins(static_cast<uint64_t>(newSize)) {
+        if (bins) FillBins(bins, newSize, size, percent);
+    }
+
+    explicit operator bool() const { return static_cast<bool>(bins); }
+    /// @param channels bytes of a sample, 1 or 3.
+    void Shrink(uint8_t *to, const uint8_t *from, int32_t channels) const {
+        if (share == 2) return HalveRow(to, from, channels, newSize);
+        if (share == 4) return QuarterRow(to, from, channels, newSize);
+        (channels == 3 ? ShrinkRow<3> : ShrinkRow<1>)(to, from, bins.data, newSize);
+    }
+};
+
 LMF_MULTIVERSION
 static void AddRow(uint32_t *__restrict sums, const uint8_t *__restrict row, size_t count) {
     for (size_t i = 0; i < count; i++) sums[i] += row[i];
@@ -154,15 +199,12 @@ DibHandle DibShrinkHorz(const ReadView &source, int32_t percent) {
     const auto triples = [](const ReadView &view) {
         return static_cast<int32_t>(std::min<int64_t>(view.width, view.stride / 3));
     };
-    const int32_t newSize = byTriples ? triples(to) : to.width;
-    BlockArray<Bin> bins(static_cast<uint64_t>(to.width));
-    if (!bins) return nullptr;
-    FillBins(bins, newSize, byTriples ? triples(source) : source.width, percent);
+    const RowShares shares(byTriples ? triples(source) : source.width, byTriples ? triples(to) : to.width, percent);
+    if (!shares) return nullptr;
     if (!byTriples && bits != 8) {
-        ShrinkPixels(source, to, bins, false);
+        ShrinkPixels(source, to, shares.bins, false);
     } else {
-        for (int32_t y = 0; y < to.height; y++)
-            (byTriples ? ShrinkRow<3> : ShrinkRow<1>)(to.Row(y), source.Row(y), bins.data, newSize);
+        for (int32_t y = 0; y < to.height; y++) shares.Shrink(to.Row(y), source.Row(y), byTriples ? 3 : 1);
     }
     return result.Release();
 }
@@ -230,6 +272,29 @@ DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percen
     if (!wide) return nullptr;
     if (percentY > 100) return DibEnlargeVert(wide, percentY);
     return percentY < 100 ? DibShrinkVert(wide, percentY) : wide.Release();
+}
+
+bool ShrinkRows(const RowFormat &from, RowFunction fill, int32_t percentX, int32_t percentY, RowFunction take) {
+    const int32_t newWidth = ScaledSize(from.width, percentX), newHeight = ScaledSize(from.height, percentY);
+    if (newWidth < 1 || newHeight < 1 || std::max(percentX, percentY) > 100) return false;
+    const auto channels = static_cast<int32_t>(from.bits / 8);
+    const auto newBytes = static_cast<size_t>(newWidth) * static_cast<size_t>(channels);
+    const RowShares columns(from.width, newWidth, percentX);
+    BlockArray<Bin> rows(static_cast<uint64_t>(newHeight));
+    BlockArray<uint8_t> wide(static_cast<uint64_t>(from.width) * static_cast<uint64_t>(channels)), narrow(newBytes);
+    BlockArray<uint32_t> sums(newBytes);
+    if (!columns || !rows || !wide || !narrow || !sums) return false;
+    FillBins(rows, newHeight, from.height, percentY);
+    for (int32_t y = 0; y < newHeight; y++) {
+        for (int32_t i = 0; i < rows[y].count; i++) {
+            fill(rows[y].first + i, wide.data);
+            columns.Shrink(narrow.data, wide.data, channels);
+            AddRow(sums.data, narrow.data, newBytes);
+        }
+        StoreMeans(narrow.data, sums.data, newBytes, rows[y].reciprocal);
+        take(y, narrow.data);
+    }
+    return true;
 }
 
 } // namespace lmf
