@@ -226,12 +226,11 @@ DibHandle DibScalePercent(const ReadView &source, int32_t percentX, int32_t perc
     return DibScaleTo(source, newWidth, newHeight, windowIndex);
 }
 
-int32_t DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
+void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
     const double ratio =
         std::min(*width / static_cast<double>(source.width), *depth / static_cast<double>(source.height));
     *width = RoundToPixels(source.width * ratio);
     *depth = RoundToPixels(source.height * ratio);
-    return 1;
 }
 
 } // namespace lmf
