@@ -15,10 +15,8 @@ constexpr PageControl Position(int32_t id, const char *label, NumberField field,
 }
 
 constexpr PageControl kPage[] = {
-    Position(380, "Left:", &P::FilterCropLeft, RangeSource::PictureWidth,
-             "The first column that is kept."),
-    Position(381, "Top:", &P::FilterCropTop, RangeSource::PictureHeight,
-             "The first row that is kept."),
+    Position(380, "Left:", &P::FilterCropLeft, RangeSource::PictureWidth, "The first column that is kept."),
+    Position(381, "Top:", &P::FilterCropTop, RangeSource::PictureHeight, "The first row that is kept."),
     Position(382, "Right:", &P::FilterCropRight, RangeSource::PictureWidth,
              "The column behind the last one that is kept."),
     Position(383, "Bottom:", &P::FilterCropBottom, RangeSource::PictureHeight,

@@ -7,10 +7,8 @@ namespace lmf {
 namespace {
 
 constexpr PageControl kPage[] = {
-    RadioButton(460, "Horizontal", &P::FilterFlipDirection, 0, {0, 1})
-        .Help("Swaps left and right."),
-    RadioButton(461, "Vertical", &P::FilterFlipDirection, 1, {0, 1})
-        .Help("Swaps top and bottom."),
+    RadioButton(460, "Horizontal", &P::FilterFlipDirection, 0, {0, 1}).Help("Swaps left and right."),
+    RadioButton(461, "Vertical", &P::FilterFlipDirection, 1, {0, 1}).Help("Swaps top and bottom."),
 };
 
 DibHandle FlipKernel(const ReadView &source, FilterContext &context) {

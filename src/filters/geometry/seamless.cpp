@@ -35,14 +35,14 @@ struct Fade {
 /// to = far half to near half along a row, in 256ths; `shares` holds one for every byte.
 LMF_MULTIVERSION
 void FadeColumns(uint16_t *__restrict to, const uint8_t *__restrict farHalf, const uint8_t *__restrict nearHalf,
-                        const uint16_t *__restrict shares, size_t count) {
+                 const uint16_t *__restrict shares, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint16_t>(farHalf[i] * (256 - shares[i]) + nearHalf[i] * shares[i]);
 }
 
 LMF_MULTIVERSION
 void FadeRows(uint8_t *__restrict to, const uint16_t *__restrict farHalf, const uint16_t *__restrict nearHalf,
-                     uint32_t share, size_t count) {
+              uint32_t share, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>((farHalf[i] * (256 - share) + nearHalf[i] * share + 32768) >> 16);
 }

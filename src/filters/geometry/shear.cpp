@@ -49,7 +49,7 @@ struct Shift {
 
 LMF_MULTIVERSION
 void BlendNeighbours(uint8_t *__restrict to, const uint8_t *__restrict line, size_t count, size_t step,
-                            uint32_t fraction) {
+                     uint32_t fraction) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>(
             static_cast<uint16_t>(line[i + step] * (255 - fraction) + line[i] * fraction + 127) / 255);
@@ -61,8 +61,8 @@ struct PaddedLine {
     int32_t pixels;
     size_t step; ///< bytes a pixel
 
-    PaddedLine(int32_t pixels, size_t step)
-        : bytes((static_cast<uint64_t>(pixels) + 2) * step), pixels(pixels), step(step) {}
+    PaddedLine(int32_t linePixels, size_t pixelBytes)
+        : bytes((static_cast<uint64_t>(linePixels) + 2) * pixelBytes), pixels(linePixels), step(pixelBytes) {}
 
     /// Puts the line into `to`, a line of toPixels pixels, at its place plus the shift. What it leaves free stays.
     void Blend(uint8_t *to, int32_t toPixels, int32_t place, const uint8_t *line, const uint8_t *fill, Shift shift) {

@@ -56,8 +56,10 @@ DibHandle SwirlKernel(const ReadView &source, FilterContext &context) {
     const double cx = from.width * 0.5, cy = from.height * 0.5;
     const Ellipse ellipse = EllipseAbout(cx, cy, std::max(cx, cy), from);
     const double centreAngle = (context.FilterSwirlDegrees - kDegreesOffset) * std::numbers::pi / 180;
+    // Pixels have three bytes stored, so that a fourth one stays; those that cannot be read have none.
+    const InsideAlpha alpha = source.bits == 32 ? InsideAlpha::Stays : InsideAlpha::Cleared;
     const bool done = WarpInside(
-        pass, ellipse, InsideAlpha::Stays, context.paperColor,
+        pass, ellipse, alpha, context.paperColor,
         [&](const WarpTables &tables, int32_t begin, int32_t end, double dy) {
             AnglesOfRow(tables.first, begin, end, ellipse, dy, centreAngle);
             for (int32_t x = begin; x < end; x++) {

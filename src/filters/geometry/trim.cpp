@@ -51,8 +51,7 @@ bool IsPlain(const ReadView &image, const Rest &part, uint32_t corner, int32_t t
 
 /// How many lines of a side go; `lineAt(k)` is the k-th line from that side and `most` what the side may lose.
 template <typename LineAt>
-int32_t LinesToTrim(const FilterContext &context, const ReadView &image, int32_t axis, int32_t most,
-                           LineAt lineAt) {
+int32_t LinesToTrim(const FilterContext &context, const ReadView &image, int32_t axis, int32_t most, LineAt lineAt) {
     if (context.FilterTrimMode == kBySize) return std::min(context.FilterTrimSize, most);
     if (context.FilterTrimMode == kByPercent)
         return static_cast<int32_t>(std::min<int64_t>(int64_t{axis} * context.FilterTrimPercent / 100, most));

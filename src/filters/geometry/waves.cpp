@@ -33,12 +33,12 @@ void WaveRows(const BytePass &pass, const FilterContext &context) {
     for (int32_t y = 0; y < height; y++) {
         const int32_t shift = ShiftOf(y, context);
         // The columns whose pixels come from elsewhere; all others keep their own.
-        const ptrdiff_t left = std::clamp(-shift, 0, width) * bytes, right = std::clamp(width - shift, 0, width) * bytes;
+        const ptrdiff_t left = std::clamp(-shift, 0, width) * bytes,
+                        right = std::clamp(width - shift, 0, width) * bytes;
         const uint8_t *source = pass.From().Row(y);
         uint8_t *target = pass.To().Row(y);
         std::memcpy(target, source, static_cast<size_t>(left));
-        if (left < right)
-            std::memcpy(target + left, source + left + shift * bytes, static_cast<size_t>(right - left));
+        if (left < right) std::memcpy(target + left, source + left + shift * bytes, static_cast<size_t>(right - left));
         std::memcpy(target + right, source + right, static_cast<size_t>(width * bytes - right));
     }
 }

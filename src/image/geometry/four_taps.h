@@ -55,8 +55,8 @@ inline __attribute__((always_inline)) void ReadTaps(FourTaps<IntPixel<kBytes>> &
     if constexpr (kBytes == 1) {
         taps = {row[left], row[right], nextRow[left], nextRow[right]};
     } else {
-        const auto lanes = [](IntLanes & to, const uint8_t *from, const IntLanes &shifts)
-            __attribute__((always_inline)) {
+        const auto lanes =
+            [](IntLanes & to, const uint8_t *from, const IntLanes &shifts) __attribute__((always_inline)) {
             int32_t word;
             std::memcpy(&word, from, sizeof word);
             to = IntLanes{word, word, word, word} >> shifts & 255;

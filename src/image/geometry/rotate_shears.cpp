@@ -24,7 +24,7 @@ void WidenBytes(float *__restrict to, const uint8_t *__restrict from, size_t cou
 
 LMF_MULTIVERSION
 void Convolve(uint8_t *__restrict to, const float *__restrict from, size_t count, size_t step,
-                     const float *__restrict weights) {
+              const float *__restrict weights) {
     const float w0 = weights[0], w1 = weights[1], w2 = weights[2], w3 = weights[3], w4 = weights[4], w5 = weights[5];
     for (size_t i = 0; i < count; i++) {
         const float *tap = from + i;
@@ -42,8 +42,8 @@ struct LineShifter {
     BlockArray<float> numbers;
 
     /// For lines of up to `pixels` pixels.
-    LineShifter(int32_t pixels, size_t channels)
-        : channels(channels), numbers((static_cast<uint64_t>(pixels) + kTaps) * channels) {}
+    LineShifter(int32_t pixels, size_t pixelBytes)
+        : channels(pixelBytes), numbers((static_cast<uint64_t>(pixels) + kTaps) * pixelBytes) {}
 
     /// Pixels `range` of `to` from a line of `pixels` pixels that lies `offset` pixels to the right there.
     void Shift(uint8_t *to, Range range, const uint8_t *from, int32_t pixels, double offset) {
@@ -61,7 +61,8 @@ private:
     static void FillWeights(float *weights, double fraction) {
         const ResampleWindow &lanczos = kResampleWindows[kWindowLanczos];
         double exact[kTaps], sum = 0.0;
-        for (int32_t i = 0; i < kTaps; i++) sum += exact[i] = lanczos.weight(i - kTapsBefore - fraction, lanczos.support);
+        for (int32_t i = 0; i < kTaps; i++)
+            sum += exact[i] = lanczos.weight(i - kTapsBefore - fraction, lanczos.support);
         for (int32_t i = 0; i < kTaps; i++) weights[i] = static_cast<float>(exact[i] / sum);
     }
 

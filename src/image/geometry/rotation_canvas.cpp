@@ -33,9 +33,9 @@ double Overlap(int64_t position, int32_t side) {
 
 } // namespace
 
-SourceMap::SourceMap(const RotationPlan &plan, const ReadView &from)
-    : plan(plan), width(from.width), height(from.height), stepX(std::llround(plan.cosine * kOne)),
-      stepY(std::llround(plan.sine * kOne)) {}
+SourceMap::SourceMap(const RotationPlan &rotation, const ReadView &from)
+    : plan(rotation), width(from.width), height(from.height), stepX(std::llround(rotation.cosine * kOne)),
+      stepY(std::llround(rotation.sine * kOne)) {}
 
 SourceRow SourceMap::Row(int32_t y) const {
     const double across = 0.5 - plan.width / 2.0, down = y + 0.5 - plan.height / 2.0;

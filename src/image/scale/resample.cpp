@@ -23,7 +23,7 @@ struct AxisWeights {
     BlockArray<Contribution> contributions;
     BlockArray<double> weights;
 
-    AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur);
+    AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur);
 
     explicit operator bool() const { return contributions && weights; }
     double CentreOf(int32_t position) const { return (position + 0.5) / factor; }
@@ -33,9 +33,9 @@ private:
     void FillWeights();
 };
 
-AxisWeights::AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur)
-    : factor(factor), scale(std::max(1.0 / factor, 1.0) * blur), support(scale * window.support), size(size),
-      newSize(newSize), window(window), contributions(static_cast<uint64_t>(newSize)), weights(FillRanges()) {
+AxisWeights::AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur)
+    : factor(growth), scale(std::max(1.0 / growth, 1.0) * blur), support(scale * shape.support), size(from),
+      newSize(to), window(shape), contributions(static_cast<uint64_t>(to)), weights(FillRanges()) {
     if (*this) FillWeights();
 }
 

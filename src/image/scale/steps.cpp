@@ -100,7 +100,7 @@ void EnlargeRow(uint8_t *to, const uint8_t *from, const Mix *mixes, int32_t newS
 
 LMF_MULTIVERSION
 void MixRows(uint8_t *__restrict to, const uint8_t *__restrict first, const uint8_t *__restrict second,
-                    uint64_t firstShare, uint64_t secondShare, size_t count) {
+             uint64_t firstShare, uint64_t secondShare, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>((first[i] * firstShare >> kRunShift) + (second[i] * secondShare >> kRunShift));
 }
