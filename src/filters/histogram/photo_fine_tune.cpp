@@ -19,8 +19,8 @@ namespace lmf {
 namespace {
 
 constexpr int32_t kNeutralKelvin = 5000;
-/// The middle of the settings that run from 0 to 200.
-constexpr int32_t kNeutralPercent = 100;
+/// Of the settings that run from 0 to 200.
+constexpr int32_t kNeutral = 100;
 /// What contrast and brightness are skipped at, one above the setting that changes nothing.
 constexpr int32_t kNeutralTone = 128;
 
@@ -33,13 +33,13 @@ constexpr PageControl kPage[] = {
     CheckBox(1091, "Enable", &P::FilterPhotoAdjEnableTemp)
         .Named("Enable color temp")
         .Help("Lets \"Color temp:\" work."),
-    OffsetSlider(1092, "Tint:", &P::FilterPhotoAdjTint, {1000, 200}, kNeutralPercent)
+    OffsetSlider(1092, "Tint:", &P::FilterPhotoAdjTint, {1000, 200}, kNeutral)
         .Edit(0, 200)
         .Track(12)
         .In(Unit::Levels)
         .Help("Moves the colors towards green above 0 and towards magenta below."),
     CheckBox(1093, "Enable", &P::FilterPhotoAdjEnableTint).Named("Enable tint").Help("Lets \"Tint:\" work."),
-    OffsetSlider(1094, "Saturation:", &P::FilterPhotoAdjSat, {1000, 200}, kNeutralPercent)
+    OffsetSlider(1094, "Saturation:", &P::FilterPhotoAdjSat, {1000, 200}, kNeutral)
         .Edit(0, 200)
         .In(Unit::Percent)
         .Help("Makes the colors stronger, or weaker as far as grey."),
@@ -54,7 +54,7 @@ constexpr PageControl kPage[] = {
     CheckBox(1099, "Enable", &P::FilterPhotoAdjEnableBright)
         .Named("Enable brightness")
         .Help("Lets \"Brightness:\" work."),
-    OffsetSlider(1100, "Highlight:", &P::FilterPhotoAdjHighlight, {1000, 200}, kNeutralPercent)
+    OffsetSlider(1100, "Highlight:", &P::FilterPhotoAdjHighlight, {1000, 200}, kNeutral)
         .Edit(0, 200)
         .Track(13)
         .In(Unit::Percent)
@@ -62,13 +62,13 @@ constexpr PageControl kPage[] = {
     CheckBox(1101, "Enable", &P::FilterPhotoAdjEnableHighlight)
         .Named("Enable highlight")
         .Help("Lets \"Highlight:\" work."),
-    OffsetSlider(1102, "Shadows:", &P::FilterPhotoAdjShadow, {1000, 200}, kNeutralPercent)
+    OffsetSlider(1102, "Shadows:", &P::FilterPhotoAdjShadow, {1000, 200}, kNeutral)
         .Edit(0, 200)
         .Track(15)
         .In(Unit::Percent)
         .Help("Lightens or darkens the dark tones of the picture."),
     CheckBox(1103, "Enable", &P::FilterPhotoAdjEnableShadow).Named("Enable shadows").Help("Lets \"Shadows:\" work."),
-    OffsetSlider(1104, "Mid-tones:", &P::FilterPhotoAdjMidtone, {1000, 200}, kNeutralPercent)
+    OffsetSlider(1104, "Mid-tones:", &P::FilterPhotoAdjMidtone, {1000, 200}, kNeutral)
         .Edit(0, 200)
         .Track(14)
         .In(Unit::Percent)
@@ -103,14 +103,12 @@ DibHandle ChangePixels(const ReadView &picture, Change change) {
 }
 
 DibHandle TemperatureStep(const ReadView &picture, const FilterContext &context) {
-    const int32_t kelvin = context.FilterPhotoAdjTemp;
-    const auto warmth = static_cast<int32_t>(kelvin <= kNeutralKelvin ? (kNeutralKelvin - kelvin) / 4000.0 * 100.0
-                                                                      : (kelvin - kNeutralKelvin) / 4000.0 * -100.0);
+    const auto warmth = static_cast<int32_t>((kNeutralKelvin - context.FilterPhotoAdjTemp) / 4000.0 * 100.0);
     return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, warmth, 0, -warmth); });
 }
 
 DibHandle TintStep(const ReadView &picture, const FilterContext &context) {
-    const int32_t green = context.FilterPhotoAdjTint - kNeutralPercent;
+    const int32_t green = context.FilterPhotoAdjTint - kNeutral;
     return ChangePixels(picture, [=](Color pixel) { return ShiftKeepingLightness(pixel, 0, green, 0); });
 }
 
@@ -172,13 +170,13 @@ constexpr Step kSteps[] = {
     {[](const ReadView &picture, const FilterContext &) { return WhiteBalance(picture, std::nullopt); },
      &P::FilterPhotoAdjWhitebal, nullptr, 0},
     {TemperatureStep, &P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjTemp, kNeutralKelvin},
-    {TintStep, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjTint, kNeutralPercent},
-    {SaturationStep, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, kNeutralPercent},
+    {TintStep, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjTint, kNeutral},
+    {SaturationStep, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, kNeutral},
     {ContrastStep, &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjCont, kNeutralTone},
     {BrightnessStep, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjBright, kNeutralTone},
-    {HighlightStep, &P::FilterPhotoAdjEnableHighlight, &P::FilterPhotoAdjHighlight, kNeutralPercent},
-    {ShadowStep, &P::FilterPhotoAdjEnableShadow, &P::FilterPhotoAdjShadow, kNeutralPercent},
-    {MidtoneStep, &P::FilterPhotoAdjEnableMidtone, &P::FilterPhotoAdjMidtone, kNeutralPercent},
+    {HighlightStep, &P::FilterPhotoAdjEnableHighlight, &P::FilterPhotoAdjHighlight, kNeutral},
+    {ShadowStep, &P::FilterPhotoAdjEnableShadow, &P::FilterPhotoAdjShadow, kNeutral},
+    {MidtoneStep, &P::FilterPhotoAdjEnableMidtone, &P::FilterPhotoAdjMidtone, kNeutral},
 };
 
 DibHandle PhotoFineTuneKernel(const ReadView &source, FilterContext &context) {
