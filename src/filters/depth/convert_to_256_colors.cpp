@@ -29,7 +29,8 @@ DibHandle ConvertTo256ColorsKernel(const ReadView &source, FilterContext &contex
     Palette768 palette;
     uint32_t colors = 256;
     if (!OctreePalette(working, &palette, &colors)) return nullptr;
-    return context.FilterConvertTo256Dither != 0 ? ErrorDiffuse(working, palette, BitsFor(colors), {25, 25})
+    const MonoTone tone = {context.ditherBrightness, context.ditherContrast};
+    return context.FilterConvertTo256Dither != 0 ? ErrorDiffuse(working, palette, BitsFor(colors), tone)
                                                  : RemapNearest(working, palette, BitsFor(colors));
 }
 
