@@ -22,9 +22,11 @@ bool LocalTime(int64_t seconds, std::tm *out) {
 
 const char kPathSeparator = '/';
 
+namespace {
+
 /// The folder that the variable names, or else one below the home folder. A relative path counts as unset: it would
 /// mean another place with every working folder.
-static bool FolderOf(const char *variable, const char *belowHome, char *out) {
+bool FolderOf(const char *variable, const char *belowHome, char *out) {
     const char *folder = std::getenv(variable);
     if (folder != nullptr && folder[0] == kPathSeparator)
         belowHome = "";
@@ -34,6 +36,8 @@ static bool FolderOf(const char *variable, const char *belowHome, char *out) {
     const int length = std::snprintf(out, kFolderSize, "%s%s", folder, belowHome);
     return length > 0 && static_cast<size_t>(length) < kFolderSize;
 }
+
+} // namespace
 
 bool ApplicationDataFolder(char *out) {
     return FolderOf("XDG_CONFIG_HOME", "/.config", out);
@@ -47,7 +51,11 @@ bool RenameOver(const char *from, const char *to) {
     return std::rename(from, to) == 0;
 }
 
-static char moduleFolder[PATH_MAX];
+namespace {
+
+char moduleFolder[PATH_MAX];
+
+} // namespace
 
 void KeepModuleFolder(void *) {
     Dl_info info;
