@@ -5,23 +5,9 @@
 namespace lmf::testing {
 
 TEST(Equalize, PushesTonesAwayFromTheTwoLevels) {
-    struct Case {
-        int32_t shadow, highlight;
-        Pixels before, after;
-    };
-    const Case cases[] = {
-        // (128 - 100) / 2 = 14 down; (201 - 128) / 2 = 36 up, clipped at 255; 128 itself stays.
-        {128, 128, {0x640A05, 0xC9C8C8, 0x808080}, {0x560000, 0xEDECEC, 0x808080}},
-        // A highlight below the shadow counts as one below it: 199 rises by 0, 200 by 0, 201 by 1.
-        {200, 100, {0xC7C7C7, 0xC8C8C8, 0xC90000}, {0xC7C7C7, 0xC8C8C8, 0xCA0101}},
-        {0, 255, {0x000000, 0xFFFFFF, 0x123456}, {0x000000, 0xFFFFFF, 0x123456}},
-    };
-    for (const Case &each : cases) {
-        const LockedDib picture = MakePicture(3, 1, 24, each.before);
-        const std::vector<Setting> settings = {{&P::FilterEqualizeShadow, each.shadow},
-                                               {&P::FilterEqualizeHightlight, each.highlight}};
-        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture, settings)), each.after) << each.shadow;
-    }
+    // (128 - 100) / 2 = 14 down; (201 - 128) / 2 = 36 up, clipped at 255; 128 itself stays.
+    const LockedDib colors = MakePicture(3, 1, 24, {0x640A05, 0xC9C8C8, 0x808080});
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", colors)), (Pixels{0x560000, 0xEDECEC, 0x808080}));
     const LockedDib grey = MakePicture(4, 1, 8, {0, 100, 131, 255}), few = MakePicture(4, 1, 4, {0, 7, 14, 15});
     EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey)), (Pixels{0, 86, 132, 255}));
     EXPECT_EQ(PixelsOf(RunKernel("Equalize", few, {{&P::FilterEqualizeShadow, 10}})), (Pixels{0, 6, 14, 15}));
@@ -109,95 +95,57 @@ TEST(WhiteBalance, TheReferenceBecomesWhite) {
     EXPECT_EQ(PixelsOf(RunKernel("White Balance", black)), Pixels(4, 0xFFFFFF));
 }
 
-namespace {
-
-/// Photo Fine-tune with one step switched on.
-Pixels FineTune(const Pixels &pixels, NumberField enable, NumberField value, int32_t amount) {
-    const LockedDib picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
-    return PixelsOf(RunKernel("Photo Fine-tune", picture, {{enable, 1}, {value, amount}}));
-}
-
-} // namespace
-
 TEST(PhotoFineTune, NothingOnGivesACopy) {
     const LockedDib picture = RandomPicture(9, 9, kModeTrueColor, 3);
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture), picture));
     std::vector<Setting> steps;
-    for (NumberField enable :
-         {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
-          &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjEnableShadow})
+    for (NumberField enable : {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
+                               &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright})
         steps.push_back({enable, 1});
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture, steps), picture)) << "neutral values are no steps";
 }
 
-TEST(PhotoFineTune, StepsFollowTheirRules) {
-    // The weight of a tone is (sin + 1) / 2 of its angle in the band, the largest shift 128 levels.
-    const Pixels tones = {0x050A14, 0x414650, 0x5F646E, 0x737882, 0x9196A0, 0xB9BEC8, 0xEBF0FA};
-    struct Band {
-        NumberField enable, value;
-        int32_t amount;
-        Pixels shifted;
-    };
-    const Band bands[] = {
-        {&P::FilterPhotoAdjEnableHighlight,
-         &P::FilterPhotoAdjHighlight,
-         200,
-         {0x050A14, 0x414650, 0x5F646E, 0x737882, 0x9A9FA9, 0xF0F5FF, 0xF0F5FF}},
-        {&P::FilterPhotoAdjEnableHighlight,
-         &P::FilterPhotoAdjHighlight,
-         0,
-         {0x050A14, 0x414650, 0x5F646E, 0x737882, 0x888D97, 0x7B808A, 0x70757F}},
-        {&P::FilterPhotoAdjEnableShadow,
-         &P::FilterPhotoAdjShadow,
-         150,
-         {0x434852, 0x5A5F69, 0x656A74, 0x737882, 0x9196A0, 0xB9BEC8, 0xEBF0FA}},
-        {&P::FilterPhotoAdjEnableShadow,
-         &P::FilterPhotoAdjShadow,
-         0,
-         {0x00050F, 0x0E131D, 0x525761, 0x737882, 0x9196A0, 0xB9BEC8, 0xEBF0FA}},
-        {&P::FilterPhotoAdjEnableMidtone,
-         &P::FilterPhotoAdjMidtone,
-         150,
-         {0x050A14, 0x434852, 0x868B95, 0xB1B6C0, 0xBEC3CD, 0xB9BEC8, 0xEBF0FA}},
-        {&P::FilterPhotoAdjEnableMidtone,
-         &P::FilterPhotoAdjMidtone,
-         0,
-         {0x050A14, 0x3D424C, 0x10151F, 0x00050F, 0x363B45, 0xB9BEC8, 0xEBF0FA}},
-    };
-    for (const Band &band : bands) EXPECT_EQ(FineTune(tones, band.enable, band.value, band.amount), band.shifted);
-    EXPECT_EQ(FineTune({0x000000, 0xFF0A80}, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjBright, 137),
-              (Pixels{0x0A0A0A, 0xFF148A}));
-    EXPECT_EQ(FineTune({0x000000, 0x808080, 0xFFFFFF}, &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjCont, 127),
-              (Pixels{0x000000, 0x808080, 0xFFFFFF}));
-    // A step of 256 / 110 from -73.
-    EXPECT_EQ(FineTune({0x646464, 0x1E1E1E, 0xC8C8C8}, &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjCont, 200),
-              (Pixels{0x9F9F9F, 0x000000, 0xFFFFFF}));
-    EXPECT_EQ(FineTune({0x3264C8, 0x64C832}, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjTint, 120),
-              (Pixels{0x3175C8, 0x56D524}));
-    // Grey has no hue: warming it by 100 moves red to 228 and blue to 28, then the lightness comes back to 128.
-    EXPECT_EQ(FineTune({0x808080}, &P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjTemp, 1000), (Pixels{0x1B80E4}));
-    EXPECT_EQ(FineTune({0x3264C8}, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, 0), (Pixels{0xC8C8C8}));
-}
-
-TEST(PhotoFineTune, StepsRunInTheirOrder) {
+TEST(PhotoFineTune, StepsFollowTheirRulesAndTheirOrder) {
     const Setting steps[][2] = {
-        {{&P::FilterPhotoAdjNormalize, 1}, {&P::FilterPhotoAdjNormalize, 1}},
-        {{&P::FilterPhotoAdjWhitebal, 1}, {&P::FilterPhotoAdjWhitebal, 1}},
         {{&P::FilterPhotoAdjEnableTemp, 1}, {&P::FilterPhotoAdjTemp, 3100}},
+        {{&P::FilterPhotoAdjEnableTemp, 1}, {&P::FilterPhotoAdjTemp, 9000}},
         {{&P::FilterPhotoAdjEnableTint, 1}, {&P::FilterPhotoAdjTint, 71}},
         {{&P::FilterPhotoAdjEnableSat, 1}, {&P::FilterPhotoAdjSat, 140}},
         {{&P::FilterPhotoAdjEnableCont, 1}, {&P::FilterPhotoAdjCont, 170}},
         {{&P::FilterPhotoAdjEnableBright, 1}, {&P::FilterPhotoAdjBright, 100}},
         {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 40}},
+        {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 200}},
         {{&P::FilterPhotoAdjEnableShadow, 1}, {&P::FilterPhotoAdjShadow, 160}},
+        {{&P::FilterPhotoAdjEnableShadow, 1}, {&P::FilterPhotoAdjShadow, 0}},
         {{&P::FilterPhotoAdjEnableMidtone, 1}, {&P::FilterPhotoAdjMidtone, 20}},
+        {{&P::FilterPhotoAdjEnableMidtone, 1}, {&P::FilterPhotoAdjMidtone, 150}},
     };
+    // What another program made of the same rules: the tones, then the result of each step.
+    static constexpr Color kTones[][7] = {
+        {0x050A14, 0x414650, 0x5F646E, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x000319, 0x11447F, 0x2F629D, 0x6294CF, 0x8ABCF7, 0x0260F7, 0xEBFDFF},
+        {0x190200, 0x913E00, 0xC36609, 0xF4983C, 0xFFCA82, 0x966363, 0xFFFEEB},
+        {0x060019, 0x4D315F, 0x6B507C, 0x9C87A9, 0xC4B0D0, 0x3145C8, 0xFAEFF8},
+        {0x000614, 0x3B4250, 0x59606E, 0x8B92A0, 0xB3BAC8, 0x0042C8, 0xF3FAEC},
+        {0x000000, 0x363E4D, 0x646B7A, 0xAFB6C5, 0xEBF3FF, 0x206BFF, 0xFFFFFF},
+        {0x000000, 0x262B35, 0x444953, 0x767B85, 0x9EA3AD, 0x1749AD, 0xDADFD5},
+        {0x050A14, 0x414650, 0x5F646E, 0x8C919B, 0x9499A3, 0x3264C8, 0xAAAFA5},
+        {0x050A14, 0x414650, 0x5F646E, 0x9A9FA9, 0xF0F5FF, 0x3264C8, 0xFAFFF5},
+        {0x50555F, 0x5F646E, 0x676C76, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x00050F, 0x0E131D, 0x525761, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x050A14, 0x3E434D, 0x20252F, 0x484D57, 0xB9BEC8, 0x003296, 0xF5FAF0},
+        {0x050A14, 0x434852, 0x868B95, 0xBEC3CD, 0xB9BEC8, 0x699BFF, 0xF5FAF0},
+    };
+    const LockedDib tones = MakePicture(7, 1, 24, Pixels(kTones[0], kTones[0] + 7));
     const LockedDib source = RandomPicture(17, 9, kModeTrueColor, 6);
-    LockedDib expected(DibClone(source));
-    std::vector<Setting> all;
-    for (const auto &step : steps) {
-        expected = RunKernel("Photo Fine-tune", expected, {step[0], step[1]});
-        all.insert(all.end(), {step[0], step[1]});
+    std::vector<Setting> all = {{&P::FilterPhotoAdjNormalize, 1}, {&P::FilterPhotoAdjWhitebal, 1}};
+    LockedDib expected = RunKernel("White Balance", RunKernel("Normalize", source));
+    for (size_t i = 0; i < std::size(steps); i++) {
+        const std::vector<Setting> step(steps[i], steps[i] + 2);
+        EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", tones, step)), Pixels(kTones[i + 1], kTones[i + 1] + 7)) << i;
+        if (i > 0 && step[0].field == steps[i - 1][0].field) continue;
+        expected = RunKernel("Photo Fine-tune", expected, step);
+        all.insert(all.end(), steps[i], steps[i] + 2);
     }
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", source, all), expected));
 }

@@ -16,21 +16,13 @@ TEST(ToneFilters, WorkedExamples) {
     const Case cases[] = {
         // 0 + 128 * 256 / 254 = 129.007, and 257 is cut at 255.
         {"Contrast and Brightness", {}, 0xFF8000, 0xFF8100},
-        {"Contrast and Brightness", {{&P::FilterContrast, 127}, {&P::FilterBrightness, 127}}, 0xFF8001, 0xFF8001},
         // A step of 256 from -128.
         {"Contrast and Brightness", {{&P::FilterContrast, 255}, {&P::FilterBrightness, 127}}, 0x020100, 0xFF8000},
         {"Color and Intensity", {{&P::FilterRed, 138}, {&P::FilterIntensity, 118}}, 0x0520F8, 0x0016F8},
-        {"Invert Colors", {}, 0x0102FF, 0xFEFD00},
         {"Gamma", {{&P::FilterGammaLevel, 200}}, 0xFF8000, 0xFF4000},
-        {"Gamma", {{&P::FilterGammaLevel, 50}}, 0xFF4000, 0xFF8000},
         {"Posterize", {}, 0x7FC0FF, 0x40C0C0},
-        {"Posterize", {{&P::FilterPosterizeSteps, 8}}, 0x7FC0FF, 0x7FC0FF},
         {"Solarize", {}, 0x7F8000, 0x8080FF},
         {"Invert Channels", {}, 0x0033C8, 0x7E33C8},
-        {"Invert Channels",
-         {{&P::FilterInvertChannelsGreen, 0}, {&P::FilterInvertChannelsBlue, 0}},
-         0x07C833,
-         0xF83733},
         {"Sigmoidal Contrast", {}, 0x803200, 0xA34201},
         {"Sigmoidal Contrast", {{&P::FilterSigcontSharpen, 0}}, 0xC86432, 0xA64C27},
         // Factor 0.3: the ends are 15 and 60, so red goes 200, 107.5, 83.75.

@@ -13,17 +13,12 @@ uint32_t BlendOne(uint32_t mode, uint32_t a, uint32_t b) {
 } // namespace
 
 TEST(DibBlend, WorkedExamplesOfEveryMode) {
-    // Three channels a time: base 200, 100, 255 against top 50, 180, 255, then base 0, 90, 127 against 0, 128, 127.
-    static constexpr Color kFirst[] = {0xFF64C8, 0xFFB4C8, 0xFF6432, 0xFF4627, 0xFF8C7D, 0xFFFFFA, 0xFF1900, 0x005096,
-                                       0x00E6FA, 0xFFD2D3, 0x008BAC, 0xFFA44E, 0xFFAC40, 0xFF8DA7, 0xFFCC2D, 0xFFA973,
-                                       0xFF6864, 0xFFFF00, 0xFF85C3, 0xFFFFF9, 0xFF2300, 0xFFFFFA, 0xFF1900};
-    static constexpr Color kSecond[] = {0x7F5A00, 0x7F8000, 0x7F5A00, 0x3F2D00, 0x7F6D00, 0xFEDA00, 0x000000, 0x002600,
-                                        0xFEDA00, 0xBFAE01, 0x808000, 0x7E5B00, 0x7E6D00, 0x7E5A00, 0x7E5A00, 0x7E5A00,
-                                        0x7F5A00, 0x000000, 0x7E3F00, 0xFEB500, 0x000000, 0xFEDA00, 0x000000};
-    for (uint32_t mode = 0; mode < 23; mode++) {
-        EXPECT_EQ(BlendOne(mode, PackColor(200, 100, 255), PackColor(50, 180, 255)), kFirst[mode]) << mode;
-        EXPECT_EQ(BlendOne(mode, PackColor(0, 90, 127), PackColor(0, 128, 127)), kSecond[mode]) << mode;
-    }
+    // Three channels a time: base 200, 100, 255 against top 50, 180, 255.
+    static constexpr Color kBlended[] = {0xFF64C8, 0xFFB4C8, 0xFF6432, 0xFF4627, 0xFF8C7D, 0xFFFFFA, 0xFF1900, 0x005096,
+                                         0x00E6FA, 0xFFD2D3, 0x008BAC, 0xFFA44E, 0xFFAC40, 0xFF8DA7, 0xFFCC2D, 0xFFA973,
+                                         0xFF6864, 0xFFFF00, 0xFF85C3, 0xFFFFF9, 0xFF2300, 0xFFFFFA, 0xFF1900};
+    for (uint32_t mode = 0; mode < 23; mode++)
+        EXPECT_EQ(BlendOne(mode, PackColor(200, 100, 255), PackColor(50, 180, 255)), kBlended[mode]) << mode;
     // All pairs of channels, as checksums (FNV-1a) of what another program made of the modes' formulas.
     static constexpr uint32_t kSums[] = {0xA2D79DC5, 0x5C5446C5, 0x9AD243C5, 0xAF367DF7, 0x3D1A31C5, 0xAEC5D945,
                                          0x2F10DB45, 0xDD3BA4C5, 0xD51CEFC5, 0xC573F46D, 0xE0BC24E3, 0x4702EC4B,
