@@ -12,6 +12,17 @@ void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t wi
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
 }
 
+LMF_MULTIVERSION
+void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict weights, int32_t width,
+             Color color) {
+    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+    for (int32_t x = 0; x < width; x++) {
+        to[x * 3] = MixBytes(from[x * 3], blue, weights[x]);
+        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, weights[x]);
+        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, weights[x]);
+    }
+}
+
 void ReadGreyRow(uint8_t *grey, const ReadView &picture, int32_t y) {
     if (picture.bits == 24) return GreyRow(grey, picture.Row(y), picture.width);
     for (int32_t x = 0; x < picture.width; x++)

@@ -9,6 +9,9 @@ namespace lmf {
 void DropAlphaRow(uint8_t *bgr, const uint8_t *bgra, int32_t width);
 /// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
 void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
+/// A row of 24-bit pixels mixed with a colour by a weight a pixel: 0 keeps the pixel, 255 gives the colour. Nothing may
+/// overlap the result.
+void TintRow(uint8_t *to, const uint8_t *from, const uint8_t *weights, int32_t width, Color color);
 
 /// WeightedGrey of row y, counted from the top, at any depth. An index counts as the red of a pixel without green and
 /// blue.
