@@ -58,7 +58,7 @@ TEST(AdjustPreviewBase, FitsThePictureIntoTheFrameByWholePercents) {
     };
     static constexpr Case kCases[] = {
         {100, 50, 100, 50, 100, 50, 0, 0},   {10, 11, 100, 50, 10, 11, 45, 19},
-        {300, 100, 100, 100, 99, 33, 0, 33}, // 33 percent
+        {300, 100, 299, 100, 297, 99, 1, 0}, // 99 percent
         {100, 51, 200, 50, 98, 50, 51, 0},   // 98 percent of 51 is 49.98
         {30, 90, 30, 45, 15, 45, 7, 0},
     };

@@ -2,7 +2,7 @@
 #include "image/color/nearest_color.h"
 #include "image/color/palette.h"
 #include "image/core/dib_ops.h"
-#include "support/pictures.h"
+#include "support/reference.h"
 
 namespace lmf::testing {
 
@@ -111,19 +111,20 @@ TEST(NearestFinder, FindsWhatAScanFinds) {
 
 TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
     for (const auto &size : kSizes) {
-        for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
-            LockedDib picture = RandomPicture(size[0], size[1], mode, 5);
+        for (const auto &[kind, seed] :
+             {std::pair{Kind::Color, 3u}, {Kind::Grey, 3u}, {Kind::Grey, 5u}, {Kind::Palette, 5u}}) {
+            const LockedDib picture = RandomKind(kind, size[0], size[1], seed);
             for (const auto &tone : {kTone, MonoTone{0, 0}, MonoTone{90, -40}, MonoTone{10, 128}, MonoTone{1, 200}}) {
                 LockedDib mono(ErrorDiffuse(picture, GreyRamp(), 1, tone));
                 ASSERT_EQ(PixelsOf(mono), SlowMonoDiffusion(picture, tone.brightness, tone.contrast))
-                    << size[0] << " x " << size[1] << " mode " << mode;
+                    << size[0] << " x " << size[1] << " seed " << seed;
             }
             LockedDib rgb(ExpandToRgb(picture));
             for (uint32_t bits : {2u, 4u, 6u, 8u}) {
                 const Palette768 palette = RandomPalette(bits, 1 << bits, 30, 180);
                 LockedDib result(ErrorDiffuse(picture, palette, bits, kTone));
                 ASSERT_EQ(PixelsOf(result), SlowColorDiffusion(rgb, palette, bits))
-                    << size[0] << " x " << size[1] << " mode " << mode << " bits " << bits;
+                    << size[0] << " x " << size[1] << " seed " << seed << " bits " << bits;
                 EXPECT_EQ(result.View().bits, bits <= 4 ? 4u : 8u);
             }
         }
