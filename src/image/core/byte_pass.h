@@ -7,12 +7,16 @@ namespace lmf {
 
 /// A source and the blank picture of its size and depth that becomes the result, both seen as rows of one byte a pixel
 /// (up to 8 bits: the index) or three (blue, green, red). Depths that are not so are widened in a copy of the source
-/// and narrowed at the end: alpha is dropped and becomes 0, indexes are cut to the bits there are, and pixels that
-/// cannot be read are all ones. False where memory is short.
+/// and narrowed at the end: alpha is dropped and becomes 0, and indexes are cut to the bits there are. False where
+/// memory is short.
 struct BytePass {
-    explicit BytePass(const ReadView &source);
+    /// What DibGetPixel reads as kOutside in the source itself (white of full alpha at 32 bits, and everything at
+    /// depths that cannot be read) is seen as `outside`.
+    explicit BytePass(const ReadView &source, Color outside = 0xFFFFFF);
 
     explicit operator bool() const { return made; }
+    /// Was it made, and of a picture of colours? For filters that have no meaning on indexes.
+    bool IsColor() const { return made && Channels() == 3; }
     /// The source's rows: 8 or 24 bits, whatever its depth.
     const ReadView &From() const { return from; }
     /// The result's rows in the same form, for any order of writing.
