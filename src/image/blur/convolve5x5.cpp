@@ -14,8 +14,10 @@ struct TapSums {
     int16_t channels[3] = {};
     int16_t weight = 0;
 
+    /// Adds a tap of `bytes` channels, 1 or 3; of one all three sums are alike.
     void Add(int16_t tapWeight, const uint8_t *tap, int32_t bytes) {
-        for (int32_t c = 0; c < bytes; c++) channels[c] = static_cast<int16_t>(channels[c] + tapWeight * tap[c]);
+        for (int32_t c = 0; c < 3; c++)
+            channels[c] = static_cast<int16_t>(channels[c] + tapWeight * tap[bytes == 3 ? c : 0]);
         weight = static_cast<int16_t>(weight + tapWeight);
     }
 };
@@ -46,12 +48,15 @@ void ConvolvePixels(const WriteView &to, const Walk &walk, int32_t y, int32_t fi
     const int64_t base = y * static_cast<int64_t>(from.stride);
     for (int32_t x = first; x < last; x++) {
         TapSums sums;
-        for (int32_t tap = 0; tap < 25; tap++) {
-            const int32_t column = x + tap % 5 - 2, row = y + tap / 5 - 2;
-            const int16_t weight = walk.window.weights[tap];
-            if (weight == 0 || column < 0 || column >= from.width || row < 0 || row >= from.height) continue;
-            const int64_t place = base + walk.TapOffset(tap / 5, column);
-            if (place >= 0 && place + bytes <= walk.End()) sums.Add(weight, from.bottom + place, bytes);
+        for (int32_t j = 0; j < 5; j++) {
+            if (y + j < 2 || y + j - 2 >= from.height) continue;
+            for (int32_t i = 0; i < 5; i++) {
+                const int32_t column = x + i - 2;
+                const int16_t weight = walk.window.weights[j * 5 + i];
+                if (weight == 0 || column < 0 || column >= from.width) continue;
+                const int64_t place = base + walk.TapOffset(j, column);
+                if (place >= 0 && place + bytes <= walk.End()) sums.Add(weight, from.bottom + place, bytes);
+            }
         }
         const int32_t divisor = sums.weight != 0 ? sums.weight : walk.window.divisor;
         for (int32_t c = 0; c < bytes; c++)
