@@ -1,6 +1,7 @@
-// Motion Blur: every pixel trails off in one direction, as when the camera moves during the exposure. "Angle" is the
-// direction of the trail in degrees, 0 up and 90 to the right; "Radius" half its length in pixels; "Depth" how
-// slowly it fades. Where the trail leaves the picture it meets the paper colour.
+// Motion Blur: every pixel drags a trail behind it, as when things move during the exposure. "Angle" is the direction
+// in which they seem to move and in which each pixel takes its samples, in degrees, 0 up and 90 to the right; "Radius"
+// is half the length of the trail in pixels; "Depth" how slowly it fades. Where the samples leave the picture they meet
+// the paper colour. Pictures with alpha keep it.
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -19,7 +20,7 @@ constexpr PageControl kPage[] = {
     Slider(602, "Radius:", &P::FilterMotionBlurRadius, {5, 300}).In(Unit::Pixels).Help("Half the length of the trail."),
     NumberEdit(600, "Angle:", &P::FilterMotionBlurAngle, {0, 359})
         .In(Unit::Degrees)
-        .Help("Direction in which each pixel's trail is gathered: 0 is up, 90 to the right."),
+        .Help("Which way things seem to move, their trail behind them: 0 is up, 90 to the right."),
 };
 
 struct Shift {
