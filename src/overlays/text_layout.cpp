@@ -102,18 +102,19 @@ struct Line {
     size_t begin;
     size_t end;
     size_t next;
+    bool endsParagraph;
     bool isLast;
 };
 
 Line NextLine(Widths &widths, size_t begin, const Wrap &wrap) {
     const std::u32string_view text = widths.text;
-    if (wrap.isSingleLine) return {begin, text.size(), text.size(), true};
+    if (wrap.isSingleLine) return {begin, text.size(), text.size(), true, true};
     const size_t stop = std::min(text.find_first_of(wrap.breaksAtLineFeeds ? U"\r\n" : U"\r", begin), text.size());
     const bool isLast = stop == text.size();
     const size_t afterStop = isLast ? stop : stop + (text.substr(stop, 2) == U"\r\n" ? 2 : 1);
     const auto broken = [&](size_t end, size_t next) {
         while (end > begin && text[end - 1] == ' ') end--;
-        return next == stop ? Line{begin, end, afterStop, isLast} : Line{begin, end, next, false};
+        return next == stop ? Line{begin, end, afterStop, true, isLast} : Line{begin, end, next, false, false};
     };
     for (size_t at = begin; wrap.breaksWords && at < stop;) {
         const bool isWord = text[at] != ' ';
@@ -122,21 +123,24 @@ Line NextLine(Widths &widths, size_t begin, const Wrap &wrap) {
             if (!isWord) return broken(at, end);
             if (at > begin) return broken(at, at);
             const size_t inside = begin + std::max<size_t>(widths.Fitting(begin, end, wrap.width), 1);
-            if (inside < end) return {begin, inside, inside, false};
+            if (inside < end) return {begin, inside, inside, false, false};
         }
         at = end;
     }
-    return {begin, stop, afterStop, isLast};
+    return {begin, stop, afterStop, true, isLast};
 }
 
-/// Calls `draw` with each line and its number. @return the number of lines
+/// Calls `draw` with each line, its number, and the text from the begin of its paragraph on. @return the number of
+/// lines
 template <typename Draw>
 int64_t ForEachLine(Widths &widths, const Wrap &wrap, Draw draw) {
-    Line line = {0, 0, 0, false};
+    Line line = {0, 0, 0, true, false};
+    std::u32string_view paragraph;
     int64_t count = 0;
     while (!line.isLast) {
+        if (line.endsParagraph) paragraph = widths.text.substr(line.next);
         line = NextLine(widths, line.next, wrap);
-        draw(line, count++);
+        draw(line, count++, paragraph);
     }
     return count;
 }
@@ -153,11 +157,9 @@ int32_t Limited(int64_t number) {
     return static_cast<int32_t>(std::clamp<int64_t>(number, INT32_MIN, INT32_MAX));
 }
 
-/// Draws the characters `begin` to `end` of a text with their left end at x. @return false when memory is short
-bool DrawPart(const TextDrawing &drawing, std::u32string_view text, size_t begin, size_t end, int64_t x, int64_t y,
-              const TextRect &clip) {
-    return DrawRun(drawing.font, text.substr(begin, end - begin), Limited(x), Limited(y), drawing.ink, drawing.surface,
-                   clip);
+/// Draws a run with its left end at x and its top at y. @return false when memory is short
+bool DrawAt(const TextDrawing &drawing, const TextRun &run, int64_t x, int64_t y, const TextRect &clip) {
+    return DrawRun(drawing.font, run, Limited(x), Limited(y), drawing.ink, drawing.surface, clip);
 }
 
 /// The height of a text, which moves the bottom of a box that is only measured.
@@ -198,14 +200,16 @@ int32_t DrawTextPlain(const TextDrawing &drawing, const char *text, TextRect *re
     const Wrap wrap = {WidthOf(*rect), isSingleLine, (format & kTextWordBreak) != 0, true};
     Widths widths(drawing.font, characters.text, nullptr);
     bool isShort = false;
-    const int64_t lines = ForEachLine(widths, wrap, [&](const Line &line, int64_t number) {
-        if (isMeasured) return;
-        const int64_t free = wrap.width - widths.Of(line.begin, line.end);
-        int64_t x = rect->left;
-        if ((format & kTextCenter) != 0) x += free / 2;
-        if ((format & kTextRight) != 0) x += free;
-        isShort |= !DrawPart(drawing, characters.text, line.begin, line.end, x, top + number * fontHeight, clip);
-    });
+    const int64_t lines =
+        ForEachLine(widths, wrap, [&](const Line &line, int64_t number, std::u32string_view paragraph) {
+            const std::u32string_view run = characters.text.substr(line.begin, line.end - line.begin);
+            if (isMeasured) return;
+            const int64_t free = wrap.width - widths.Of(line.begin, line.end);
+            int64_t x = rect->left;
+            if ((format & kTextCenter) != 0) x += free / 2;
+            if ((format & kTextRight) != 0) x += free;
+            isShort |= !DrawAt(drawing, {run, paragraph}, x, top + number * fontHeight, clip);
+        });
     if (isShort || widths.isShort) return 0;
     return Finish(lines * fontHeight, rect, isMeasured);
 }
@@ -224,19 +228,21 @@ int32_t DrawTextSpaced(const TextDrawing &drawing, const char *text, TextRect *r
     const Wrap wrap = {WidthOf(*rect), (format & kTextSingleLine) != 0, true, false};
     Widths widths(drawing.font, characters.text, inRuns ? nullptr : &charPercent);
     bool isShort = false;
-    const int64_t lines = ForEachLine(widths, wrap, [&](const Line &line, int64_t number) {
-        if (isMeasured) return;
-        const int64_t free = wrap.width - widths.Of(line.begin, line.end);
-        int64_t x = rect->left;
-        if ((format & kTextCenter) != 0) x += free / 2 + (free & 1);
-        if ((format & kTextRight) != 0) x += free + (free & 1);
-        const int64_t y = rect->top + number * step;
-        if (inRuns) isShort |= !DrawPart(drawing, characters.text, line.begin, line.end, x, y, clip);
-        for (size_t i = line.begin; i < line.end && !inRuns; i++) {
-            if (characters.text[i] <= ' ') continue;
-            isShort |= !DrawPart(drawing, characters.text, i, i + 1, x + widths.Of(line.begin, i), y, clip);
-        }
-    });
+    const int64_t lines =
+        ForEachLine(widths, wrap, [&](const Line &line, int64_t number, std::u32string_view paragraph) {
+            const std::u32string_view run = characters.text.substr(line.begin, line.end - line.begin);
+            if (isMeasured) return;
+            const int64_t free = wrap.width - widths.Of(line.begin, line.end);
+            int64_t x = rect->left;
+            if ((format & kTextCenter) != 0) x += free / 2 + (free & 1);
+            if ((format & kTextRight) != 0) x += free + (free & 1);
+            const int64_t y = rect->top + number * step;
+            if (inRuns) isShort |= !DrawAt(drawing, {run, paragraph}, x, y, clip);
+            for (size_t i = line.begin; i < line.end && !inRuns; i++) {
+                if (characters.text[i] <= ' ') continue;
+                isShort |= !DrawAt(drawing, {characters.text.substr(i, 1)}, x + widths.Of(line.begin, i), y, clip);
+            }
+        });
     if (isShort || widths.isShort) return 0;
     return Finish(step * (lines - 1) + fontHeight, rect, isMeasured);
 }

@@ -22,15 +22,13 @@ void CTimeText(char *out, const std::tm &time) {
 /// The owner's name with capitals at its start and after each blank, and nowhere else.
 void OwnerName(char *out, const TextMacroValues &values) {
     char name[kUserNameSize];
-    size_t length = 0;
-    char32_t previous = ' ';
-    if (!values.owner(name)) name[0] = '\0';
-    size_t bytes;
-    for (const char *rest = name; const char32_t character = NextCharacter(rest, &bytes); rest += bytes) {
-        length += EncodeUtf8(previous == ' ' ? UpperCase(character) : LowerCase(character), out + length);
-        previous = character;
+    char32_t letters[kUserNameSize];
+    const size_t count = values.owner(name) ? DecodeText(name, letters) : 0;
+    for (size_t i = 0; i < count; i++) {
+        const bool isFirst = i == 0 || letters[i - 1] == ' ';
+        out += EncodeUtf8(isFirst ? UpperCase(letters[i]) : LowerCase(letters[i]), out);
     }
-    out[length] = '\0';
+    *out = '\0';
 }
 
 /// Writes what a macro of the time stands for; nothing for another letter.

@@ -29,6 +29,12 @@ struct TextInk {
     int32_t penWidth = 0; ///< width in pixels of a stroke along the outlines; 0 fills the letters instead
 };
 
+/// What is drawn: a text without line ends, or a line of a longer one.
+struct TextRun {
+    std::u32string_view characters;
+    std::u32string_view paragraph = characters; ///< its first letter tells where lines begin, at the left or the right
+};
+
 /// What OpenFont looks for.
 struct FontRequest {
     const char *face = ""; ///< family in UTF-8; the closest one stands in for one that is not installed
@@ -55,13 +61,13 @@ void CloseFont(TextFont *font);
 /// the font lacks come from others. Control characters have no width.
 /// @param run  code points, on one line
 /// @return -1 when memory is short
-[[nodiscard]] int32_t MeasureRun(TextFont *font, std::u32string_view run);
+[[nodiscard]] int32_t MeasureRun(TextFont *font, std::u32string_view text);
 
 /// Draws a run, right-to-left parts in their order. Letters may reach beyond the measured width and height.
 /// @param x, y  the left end of the run and the top of its ascent, in pixels of the surface; may lie outside of it
 /// @param clip  pixels outside of it are left alone
 /// @return false when memory is short; part of the run may then be drawn
-[[nodiscard]] bool DrawRun(TextFont *font, std::u32string_view run, int32_t x, int32_t y, const TextInk &ink,
+[[nodiscard]] bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink,
                            const TextSurface &surface, const TextRect &clip);
 
 /// Calls `take` for each installed family, sorted by name.

@@ -35,7 +35,7 @@ protected:
     TextDrawing Drawing(TextCanvas &canvas) { return {font.font, kInk, canvas.Surface()}; }
     void Expect(std::u32string_view run, int32_t x, int32_t y, const TextRect *clip = nullptr) {
         const TextSurface surface = expected.Surface();
-        EXPECT_TRUE(DrawRun(font.font, run, x, y, kInk, surface, clip != nullptr ? *clip : expected.All()));
+        EXPECT_TRUE(DrawRun(font.font, {run}, x, y, kInk, surface, clip != nullptr ? *clip : expected.All()));
     }
     void StartAgain() { drawn = expected = TextCanvas(400, 200); }
 };
@@ -127,7 +127,7 @@ TEST_F(TextLayout, StandsInItsBox) {
     StartAgain();
     const TextDrawing stroke = {font.font, {0x80FF00, 4}, drawn.Surface()};
     EXPECT_EQ(DrawTextPlain(stroke, "Sample", &box, kTextSingleLine), kHeight);
-    EXPECT_TRUE(DrawRun(font.font, U"Sample", 40, 40, stroke.ink, expected.Surface(), expected.All()));
+    EXPECT_TRUE(DrawRun(font.font, {U"Sample"}, 40, 40, stroke.ink, expected.Surface(), expected.All()));
     EXPECT_TRUE(drawn == expected);
 }
 
@@ -192,6 +192,18 @@ TEST_F(TextLayout, LettersThatJoinAreDrawnInRuns) {
         EXPECT_EQ(DrawTextSpaced(Drawing(drawn), text, &box, kTextWordBreak, 120, 90), kHeight);
         EXPECT_TRUE(drawn == expected) << text;
     }
+}
+
+TEST_F(TextLayout, ABrokenLineGoesTheWayOfItsParagraph) {
+    TextRect box = Box(4);
+    const char32_t *runs[] = {U"\u05D0\u05D1\u05D2", U"x 1!", U"x 1!"};
+    for (int32_t i = 0; i < 3; i++) {
+        const TextRun run = {runs[i], i < 2 ? runs[0] : runs[i]};
+        EXPECT_TRUE(DrawRun(font.font, run, box.left, box.top + i * kHeight, kInk, expected.Surface(), box));
+    }
+    const char *text = "\xD7\x90\xD7\x91\xD7\x92 x 1!\nx 1!";
+    EXPECT_EQ(DrawTextPlain(Drawing(drawn), text, &box, kTextWordBreak), 3 * kHeight);
+    EXPECT_TRUE(drawn == expected);
 }
 
 TEST_F(TextLayout, MeasuresAndGivesUpWhenMemoryIsShort) {

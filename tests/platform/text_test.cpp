@@ -16,7 +16,7 @@ static constexpr TextInk kWhite = {0xFFFFFF};
 static constexpr char32_t kMixed[] =
     U"Mix: \u05E9\u05DC\u05D5\u05DD, \u0395\u03BB \u0416 12 \u65E5\u672C e\u0301 \U0001F600";
 
-static TextCanvas Drawn(const FontRequest &request, std::u32string_view run, const TextInk &ink = kWhite) {
+static TextCanvas Drawn(const FontRequest &request, const TextRun &run, const TextInk &ink = kWhite) {
     TextCanvas canvas(700, 240);
     const FontOwner font(request);
     EXPECT_TRUE(font);
@@ -38,10 +38,10 @@ TEST(Text, HasTheMetricsOfTheFaceThatWasAskedFor) {
     EXPECT_EQ(Width(arial, U"Hi "), 370 + 114 + 142);
     EXPECT_EQ(Width({"Courier New", 100}, U"iW"), 2 * Width({"Courier New", 100}, U"."));
     EXPECT_GT(Width({"Arial", 100, 700}, U"text"), Width({"Arial", 100}, U"text"));
-    EXPECT_NE(Drawn({"Arial", 100, 400, true}, U"text"), Drawn({"Arial", 100}, U"text"));
+    EXPECT_NE(Drawn({"Arial", 100, 400, true}, {U"text"}), Drawn({"Arial", 100}, {U"text"}));
     EXPECT_GT(Width({"A face that nobody has", 100}, U"text"), 0);
 
-    const TextRect box = InkBox(Drawn({"Arial", 143}, U"H")); // an em of 128: 88 high, from column 10 to 82
+    const TextRect box = InkBox(Drawn({"Arial", 143}, {U"H"})); // an em of 128: 88 high, from column 10 to 82
     EXPECT_NEAR(box.left, 20 + 10, 1);
     EXPECT_NEAR(box.right, 20 + 82, 1);
     EXPECT_NEAR(box.top, 20 + 116 - 88, 1);
@@ -55,8 +55,8 @@ TEST(Text, TheHeightIsWhatWasAskedFor) {
         EXPECT_EQ(FontHeight(font.font), std::max(height, 1));
         EXPECT_GE(MeasureRun(font.font, U"text"), height > 2 ? 1 : 0);
         TextCanvas canvas(20, 20);
-        EXPECT_TRUE(DrawRun(font.font, kMixed, -5, -5, kWhite, canvas.Surface(), canvas.All()));
-        EXPECT_TRUE(DrawRun(font.font, kMixed, -5, -5, {0, INT32_MAX}, canvas.Surface(), canvas.All()));
+        EXPECT_TRUE(DrawRun(font.font, {kMixed}, -5, -5, kWhite, canvas.Surface(), canvas.All()));
+        EXPECT_TRUE(DrawRun(font.font, {kMixed}, -5, -5, {0, INT32_MAX}, canvas.Surface(), canvas.All()));
     }
 }
 
@@ -67,16 +67,23 @@ TEST(Text, ARunIsItsLettersAtWholePixels) {
         ASSERT_TRUE(font);
         TextCanvas letters(700, 240);
         const auto draw = [&](std::u32string_view run, int32_t x) {
-            EXPECT_TRUE(DrawRun(font.font, run, x, 20, kWhite, letters.Surface(), letters.All()));
+            EXPECT_TRUE(DrawRun(font.font, {run}, x, 20, kWhite, letters.Surface(), letters.All()));
             return x + MeasureRun(font.font, run);
         };
         // The Hebrew letters, alef and bet, stand from right to left; control characters have no width.
         int32_t x = 20;
         for (const char32_t *letter : {U"H", U"N", U" ", U"\u05D1", U"\u05D0", U"d", U""}) x = draw(letter, x);
-        EXPECT_EQ(Drawn(request, U"HN \u05D0\u05D1d"), letters);
-        EXPECT_EQ(Drawn(request, U"\tH\r\nN\x1F \u0081d"), Drawn(request, U"HN d"));
+        EXPECT_EQ(Drawn(request, {U"HN \u05D0\u05D1d"}), letters);
+        EXPECT_EQ(Drawn(request, {U"\tH\r\nN\x1F \u0081d"}), Drawn(request, {U"HN d"}));
         EXPECT_EQ(MeasureRun(font.font, U"\t\n\r\u0081"), 0);
     }
+}
+
+TEST(Text, ALineGoesTheWayOfItsParagraph) {
+    const FontRequest request = {"Arial", 31};
+    EXPECT_EQ(Drawn(request, {U"2024!", U"\u05D0 2024!"}), Drawn(request, {U"!2024"}));
+    EXPECT_EQ(Drawn(request, {U"2024!", U"12 a \u05D0 2024!"}), Drawn(request, {U"2024!"}));
+    EXPECT_EQ(Drawn(request, {U"ab-\u05D0", U"\u05D1"}), Drawn(request, {U"\u05D0-ab", U"c"}));
 }
 
 TEST(Text, MixedScriptsMeasureAndDrawTheSameTwice) {
@@ -84,14 +91,14 @@ TEST(Text, MixedScriptsMeasureAndDrawTheSameTwice) {
         const FontRequest request = {"Arial", 40, 700, true, antialias};
         EXPECT_GT(Width(request, kMixed), 300);
         EXPECT_EQ(Width(request, kMixed), Width(request, kMixed));
-        EXPECT_EQ(Drawn(request, kMixed), Drawn(request, kMixed));
-        EXPECT_EQ(Drawn(request, kMixed, {0xFFFFFF, 3}), Drawn(request, kMixed, {0xFFFFFF, 3}));
+        EXPECT_EQ(Drawn(request, {kMixed}), Drawn(request, {kMixed}));
+        EXPECT_EQ(Drawn(request, {kMixed}, {0xFFFFFF, 3}), Drawn(request, {kMixed}, {0xFFFFFF, 3}));
     }
 }
 
 TEST(Text, OnlyWholePixelsAreDrawnWithoutAntialias) {
-    const TextCanvas smooth = Drawn({"Arial", 20}, kMixed);
-    const TextCanvas whole = Drawn({"Arial", 20, 400, false, false}, kMixed);
+    const TextCanvas smooth = Drawn({"Arial", 20}, {kMixed});
+    const TextCanvas whole = Drawn({"Arial", 20, 400, false, false}, {kMixed});
     size_t greys = 0;
     for (size_t i = 0; i < smooth.pixels.size(); i += 3) {
         greys += smooth.pixels[i] % 255 != 0;
@@ -106,7 +113,7 @@ TEST(Text, AnInkCoversByItsColor) {
     TextCanvas canvas(80, 80, 200);
     const FontOwner font({"Arial", 80, 700});
     ASSERT_TRUE(font);
-    ASSERT_TRUE(DrawRun(font.font, U"I", 0, 0, {0x102030}, canvas.Surface(), canvas.All()));
+    ASSERT_TRUE(DrawRun(font.font, {U"I"}, 0, 0, {0x102030}, canvas.Surface(), canvas.All()));
     const uint8_t *inside = canvas.At(MeasureRun(font.font, U"I") / 2, 40);
     EXPECT_TRUE(inside[0] == 0x10 && inside[1] == 0x20 && inside[2] == 0x30);
     EXPECT_TRUE(*canvas.At(0, 0) == 200 && *canvas.At(79, 40) == 200);
@@ -114,10 +121,10 @@ TEST(Text, AnInkCoversByItsColor) {
 
 TEST(Text, APenDrawsHalfItsWidthOnBothSidesOfTheOutline) {
     const FontRequest request = {"Arial", 200, 700}; // stems of 25 pixels
-    const TextCanvas filled = Drawn(request, U"l");
+    const TextCanvas filled = Drawn(request, {U"l"});
     const TextRect box = InkBox(filled);
     for (int32_t pen : {1, 2, 6, 11}) {
-        const TextCanvas stroked = Drawn(request, U"l", {0xFFFFFF, pen});
+        const TextCanvas stroked = Drawn(request, {U"l"}, {0xFFFFFF, pen});
         const TextRect grown = InkBox(stroked);
         EXPECT_NEAR(box.left - grown.left, pen / 2.0, 1) << pen;
         EXPECT_NEAR(grown.right - box.right, pen / 2.0, 1) << pen;
@@ -132,10 +139,10 @@ TEST(Text, APenDrawsHalfItsWidthOnBothSidesOfTheOutline) {
 }
 
 TEST(Text, NothingIsDrawnOutsideTheClipAndTheSameInside) {
-    constexpr int32_t kMargin = 300;
+    constexpr int32_t kMargin = 200;
     std::mt19937 random(5);
     const auto draw = [&](int32_t from, int32_t to) { return std::uniform_int_distribution(from, to)(random); };
-    for (int round = 0; round < 200; round++) {
+    for (int round = 0; round < 100; round++) {
         const FontOwner font({"Arial", draw(5, 90), draw(0, 1) * 300 + 400, draw(0, 1) != 0, draw(0, 1) != 0});
         ASSERT_TRUE(font);
         const TextInk ink = {0x30FF80, draw(-2, 4)};
@@ -143,7 +150,7 @@ TEST(Text, NothingIsDrawnOutsideTheClipAndTheSameInside) {
         const int32_t y = draw(-100, 60);
         TextCanvas whole(60 + 2 * kMargin, 50 + 2 * kMargin, 9);
         ASSERT_TRUE(
-            DrawRun(font.font, U"Ag\u05D0\u65E5 %", x + kMargin, y + kMargin, ink, whole.Surface(), whole.All()));
+            DrawRun(font.font, {U"Ag\u05D0\u65E5 %"}, x + kMargin, y + kMargin, ink, whole.Surface(), whole.All()));
 
         TextCanvas clipped(60, 50, 9);
         TextSurface surface = clipped.Surface();
@@ -153,7 +160,7 @@ TEST(Text, NothingIsDrawnOutsideTheClipAndTheSameInside) {
             surface.stride = -surface.stride;
         }
         const TextRect clip = {draw(-9, 40), draw(-9, 40), draw(5, 70), draw(5, 60)};
-        ASSERT_TRUE(DrawRun(font.font, U"Ag\u05D0\u65E5 %", x, y, ink, surface, clip));
+        ASSERT_TRUE(DrawRun(font.font, {U"Ag\u05D0\u65E5 %"}, x, y, ink, surface, clip));
         for (int32_t row = 0; row < clipped.height; row++) {
             for (int32_t column = 0; column < clipped.width; column++) {
                 const bool isInside =
@@ -168,8 +175,8 @@ TEST(Text, NothingIsDrawnOutsideTheClipAndTheSameInside) {
     TextCanvas canvas(9, 9);
     for (int32_t x : {INT32_MIN, INT32_MAX}) {
         EXPECT_TRUE(
-            DrawRun(font.font, U"far", x, x, kWhite, canvas.Surface(), {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}));
-        EXPECT_TRUE(DrawRun(font.font, U"none", 0, 0, kWhite, canvas.Surface(), {x, 0, x, 9}));
+            DrawRun(font.font, {U"far"}, x, x, kWhite, canvas.Surface(), {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}));
+        EXPECT_TRUE(DrawRun(font.font, {U"none"}, 0, 0, kWhite, canvas.Surface(), {x, 0, x, 9}));
     }
     EXPECT_EQ(canvas, TextCanvas(9, 9));
 }
@@ -191,7 +198,7 @@ TEST(Text, TheSettingsOfTheDesktopChangeNothing) {
     const auto draw = [&](const char *file) {
         std::ofstream out(file);
         for (const FontRequest &request : {FontRequest{"Arial", 17}, FontRequest{"Arial", 40, 700, true}}) {
-            const TextCanvas canvas = Drawn(request, kMixed);
+            const TextCanvas canvas = Drawn(request, {kMixed});
             out.write(reinterpret_cast<const char *>(canvas.pixels.data()),
                       static_cast<std::streamsize>(canvas.pixels.size()));
         }

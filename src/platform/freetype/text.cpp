@@ -157,8 +157,11 @@ FT_Face FallbackFace(TextFont &font, int index, char32_t character) {
     if (FcPatternGetCharSet(pattern, FC_CHARSET, 0, &characters) != FcResultMatch) return nullptr;
     if (!FcCharSetHasChar(characters, character)) return nullptr;
     FT_Face &face = font.fallbackFaces[index];
-    if (face == nullptr) face = OpenFace(font.library, pattern);
-    return face != nullptr && SetSize(font, face) && Has(face, character) ? face : nullptr;
+    if (face == nullptr) {
+        face = OpenFace(font.library, pattern);
+        if (face == nullptr || !SetSize(font, face)) return nullptr;
+    }
+    return Has(face, character) ? face : nullptr;
 }
 
 /// The face that draws a character; the font's own where none has it.
@@ -172,19 +175,28 @@ FT_Face FaceOf(TextFont &font, char32_t character, FT_Face previous) {
     return font.face;
 }
 
-/// Gives each character of the run its face.
-bool SetFaces(raqm_t *layout, TextFont &font, std::u32string_view run) {
+/// Gives each character its face.
+bool SetFaces(raqm_t *layout, TextFont &font, std::u32string_view text) {
     if (!raqm_set_freetype_face(layout, font.face)) return false;
     FT_Face face = font.face;
     size_t start = 0;
-    for (size_t i = 0; i <= run.size(); i++) {
-        const FT_Face next = i < run.size() ? FaceOf(font, run[i], face) : nullptr;
+    for (size_t i = 0; i <= text.size(); i++) {
+        const FT_Face next = i < text.size() ? FaceOf(font, text[i], face) : nullptr;
         if (next == face) continue;
         if (face != font.face && !raqm_set_freetype_face_range(layout, face, start, i - start)) return false;
         face = next;
         start = i;
     }
     return true;
+}
+
+/// Where the lines of a paragraph begin: its first letter tells.
+raqm_direction_t DirectionOf(std::u32string_view paragraph) {
+    for (char32_t character : paragraph) {
+        const FriBidiCharType type = fribidi_get_bidi_type(character);
+        if (FRIBIDI_IS_LETTER(type)) return FRIBIDI_IS_RTL(type) ? RAQM_DIRECTION_RTL : RAQM_DIRECTION_LTR;
+    }
+    return RAQM_DIRECTION_LTR;
 }
 
 /// A run as glyphs from left to right.
@@ -194,11 +206,13 @@ struct ShapedRun {
     size_t count = 0;
     bool isDone; ///< false when memory was short
 
-    ShapedRun(TextFont &font, std::u32string_view run) : layout(raqm_create()) {
+    ShapedRun(TextFont &font, const TextRun &run) : layout(raqm_create()) {
         static_assert(sizeof(char32_t) == sizeof(uint32_t));
-        isDone =
-            layout != nullptr && raqm_set_text(layout, reinterpret_cast<const uint32_t *>(run.data()), run.size()) &&
-            SetFaces(layout, font, run) && raqm_set_freetype_load_flags(layout, font.loadFlags) && raqm_layout(layout);
+        const std::u32string_view text = run.characters;
+        isDone = layout != nullptr &&
+                 raqm_set_text(layout, reinterpret_cast<const uint32_t *>(text.data()), text.size()) &&
+                 raqm_set_par_direction(layout, DirectionOf(run.paragraph)) && SetFaces(layout, font, text) &&
+                 raqm_set_freetype_load_flags(layout, font.loadFlags) && raqm_layout(layout);
         if (isDone) glyphs = raqm_get_glyphs(layout, &count);
     }
     ShapedRun(const ShapedRun &) = delete;
@@ -220,8 +234,8 @@ FT_Pos BoldStrength(const TextFont &font) {
 }
 
 /// The width of a glyph in whole pixels, so that a letter looks the same wherever it stands.
-int64_t Advance(const TextFont &font, const raqm_glyph_t &glyph, std::u32string_view run) {
-    if (IsControl(run[glyph.cluster])) return 0;
+int64_t Advance(const TextFont &font, const raqm_glyph_t &glyph, std::u32string_view text) {
+    if (IsControl(text[glyph.cluster])) return 0;
     FT_Pos advance = glyph.x_advance;
     if (advance > 0 && IsEmboldened(font, glyph.ftface)) advance += BoldStrength(font);
     return (advance + 32) >> 6;
@@ -390,18 +404,19 @@ int32_t FontHeight(const TextFont *font) {
     return font->height;
 }
 
-int32_t MeasureRun(TextFont *font, std::u32string_view run) {
-    if (run.empty()) return 0;
-    const ShapedRun shaped(*font, run);
+int32_t MeasureRun(TextFont *font, std::u32string_view text) {
+    if (text.empty()) return 0;
+    const ShapedRun shaped(*font, {text});
     if (!shaped.isDone) return -1;
     int64_t width = 0;
-    for (const raqm_glyph_t &glyph : std::span(shaped.glyphs, shaped.count)) width += Advance(*font, glyph, run);
+    for (const raqm_glyph_t &glyph : std::span(shaped.glyphs, shaped.count)) width += Advance(*font, glyph, text);
     return static_cast<int32_t>(std::clamp<int64_t>(width, 0, INT32_MAX));
 }
 
-bool DrawRun(TextFont *font, std::u32string_view run, int32_t x, int32_t y, const TextInk &ink,
-             const TextSurface &surface, const TextRect &clip) {
-    if (run.empty()) return true;
+bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, const TextSurface &surface,
+             const TextRect &clip) {
+    const std::u32string_view text = run.characters;
+    if (text.empty()) return true;
     const TextRect inside = {std::max(clip.left, 0), std::max(clip.top, 0), std::min(clip.right, surface.width),
                              std::min(clip.bottom, surface.height)};
     const ShapedRun shaped(*font, run);
@@ -409,10 +424,10 @@ bool DrawRun(TextFont *font, std::u32string_view run, int32_t x, int32_t y, cons
     if (!shaped.isDone || !drawer.isReady) return false;
     GlyphTarget target = {surface, inside, ink.color, x, int64_t{y} + font->ascent};
     for (const raqm_glyph_t &glyph : std::span(shaped.glyphs, shaped.count)) {
-        if (IsControl(run[glyph.cluster])) continue;
+        if (IsControl(text[glyph.cluster])) continue;
         // A glyph that its file has spoilt is left out.
         if (drawer.Draw(glyph, target) == FT_Err_Out_Of_Memory) return false;
-        target.x += Advance(*font, glyph, run);
+        target.x += Advance(*font, glyph, text);
     }
     return true;
 }
@@ -420,7 +435,8 @@ bool DrawRun(TextFont *font, std::u32string_view run, int32_t x, int32_t y, cons
 void ForEachFontFamily(void (*take)(void *user, const char *family), void *user) {
     FcPattern *all = FcPatternBuild(nullptr, FC_OUTLINE, FcTypeBool, FcTrue, nullptr);
     FcObjectSet *wanted = FcObjectSetBuild(FC_FAMILY, nullptr);
-    FcFontSet *fonts = all != nullptr && wanted != nullptr ? FcFontList(Config(), all, wanted) : nullptr;
+    const bool isReady = Config() != nullptr && all != nullptr && wanted != nullptr;
+    FcFontSet *fonts = isReady ? FcFontList(Config(), all, wanted) : nullptr;
     if (fonts != nullptr) {
         const std::span patterns(fonts->fonts, static_cast<size_t>(fonts->nfont));
         const auto name = [](FcPattern *pattern) {

@@ -49,12 +49,12 @@ int32_t FontHeight(const TextFont *font) {
     return Module()->fontHeight(font);
 }
 
-int32_t MeasureRun(TextFont *font, std::u32string_view run) {
-    return Module()->measureRun(font, run);
+int32_t MeasureRun(TextFont *font, std::u32string_view text) {
+    return Module()->measureRun(font, text);
 }
 
-bool DrawRun(TextFont *font, std::u32string_view run, int32_t x, int32_t y, const TextInk &ink,
-             const TextSurface &surface, const TextRect &clip) {
+bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, const TextSurface &surface,
+             const TextRect &clip) {
     return Module()->drawRun(font, run, x, y, ink, surface, clip);
 }
 
