@@ -7,15 +7,13 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include "support/shared_folder.h"
+
 namespace lmf::testing {
 
 class TextModule : public ::testing::Test {
 protected:
-    void SetUp() override {
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-        ASSERT_NE(mkdtemp(folder.data()), nullptr);
-    }
-    void TearDown() override { std::filesystem::remove_all(folder); }
+    void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
 
     /// Ends the process with 0 if text can be drawn, else with 1.
     [[noreturn]] static void Probe(const std::string &file) {
@@ -24,7 +22,7 @@ protected:
         std::exit(probe(100) > 100 ? 0 : 1);
     }
 
-    std::string folder = "/tmp/lmf-text-XXXXXX";
+    SharedFolder folder;
 };
 
 TEST_F(TextModule, LiesBesideTheLibrary) {
@@ -32,16 +30,17 @@ TEST_F(TextModule, LiesBesideTheLibrary) {
 }
 
 TEST_F(TextModule, IsMissedInOneLine) {
-    const std::string moved = folder + "/probe.so";
-    std::filesystem::copy_file(LMF_TEXT_PROBE_FILE, moved);
+    const std::string moved = folder.path + "/probe.so";
+    std::filesystem::copy_file(LMF_TEXT_PROBE_FILE, moved, std::filesystem::copy_options::skip_existing);
     EXPECT_EXIT(Probe(moved), ::testing::ExitedWithCode(1),
                 "^lmf16filter: text cannot be drawn: [^\n]*liblmf16text.so: [^\n]*\n$");
 }
 
 TEST_F(TextModule, WithoutFontsNoneIsOpened) {
     const auto probeWithoutFonts = [&] {
-        const std::string rules = folder + "/fonts.conf";
-        std::ofstream(rules) << "<?xml version='1.0'?><fontconfig><cachedir>" << folder << "</cachedir></fontconfig>";
+        const std::string rules = folder.path + "/fonts.conf";
+        std::ofstream(rules) << "<?xml version='1.0'?><fontconfig><cachedir>" << folder.path
+                             << "</cachedir></fontconfig>";
         ::setenv("FONTCONFIG_FILE", rules.c_str(), 1);
         Probe(LMF_TEXT_PROBE_FILE);
     };

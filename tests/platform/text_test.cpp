@@ -1,13 +1,13 @@
 #include "platform/text.h"
 
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <random>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "support/shared_folder.h"
 #include "support/text_surface.h"
 
 namespace lmf::testing {
@@ -193,8 +193,7 @@ TEST(Text, FamiliesAreSortedAndStandOnce) {
 TEST(Text, TheSettingsOfTheDesktopChangeNothing) {
     // In processes of their own, as the settings are read once.
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    const std::string folder = ::testing::TempDir() + "lmf-text/";
-    std::filesystem::create_directories(folder);
+    const SharedFolder folder;
     const auto draw = [&](const char *file) {
         std::ofstream out(file);
         for (const FontRequest &request : {FontRequest{"Arial", 17}, FontRequest{"Arial", 40, 700, true}}) {
@@ -205,8 +204,8 @@ TEST(Text, TheSettingsOfTheDesktopChangeNothing) {
         out.close();
         std::exit(out ? 0 : 1);
     };
-    const std::string plain = folder + "plain";
-    const std::string set = folder + "set";
+    const std::string plain = folder.path + "/plain";
+    const std::string set = folder.path + "/set";
     const auto drawWithSettings = [&] {
         std::string rules = "<include>/etc/fonts/fonts.conf</include>";
         for (const char *target : {"pattern", "font"}) {
@@ -217,7 +216,7 @@ TEST(Text, TheSettingsOfTheDesktopChangeNothing) {
             rules += "<edit name='hintstyle' mode='assign'><const>hintfull</const></edit>"
                      "<edit name='rgba' mode='assign'><const>rgb</const></edit></match>";
         }
-        const std::string file = folder + "fonts.conf";
+        const std::string file = folder.path + "/fonts.conf";
         std::ofstream(file) << "<?xml version='1.0'?><fontconfig>" << rules << "</fontconfig>";
         ::setenv("FONTCONFIG_FILE", file.c_str(), 1);
         draw(set.c_str());
@@ -230,7 +229,6 @@ TEST(Text, TheSettingsOfTheDesktopChangeNothing) {
     };
     EXPECT_EQ(content(plain).size(), 2u * 700 * 240 * 3);
     EXPECT_TRUE(content(plain) == content(set));
-    std::filesystem::remove_all(folder);
 }
 
 } // namespace lmf::testing
