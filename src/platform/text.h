@@ -1,5 +1,6 @@
 // The system's fonts: measure a run of text, draw it, stroke its outlines. Lines, alignment and spacing are made above.
-// Characters are code points. Where no font can be had, OpenFont gives null, which no other function but CloseFont takes.
+// Characters are code points. Where no font can be had, OpenFont gives null, which no other function but CloseFont
+// takes.
 #pragma once
 
 #include <cstdint>
@@ -57,8 +58,8 @@ void CloseFont(TextFont *font);
 /// Ascent plus descent in pixels: exactly what was asked for.
 [[nodiscard]] int32_t FontHeight(const TextFont *font);
 
-/// The width in whole pixels by which a text without line ends moves the place of what follows it. Scripts may be mixed;
-/// characters that the font lacks come from others. Control characters have no width.
+/// The width in whole pixels by which a text without line ends moves the place of what follows it. Scripts may be
+/// mixed; characters that the font lacks come from others. Control characters have no width.
 /// @return -1 when memory is short
 [[nodiscard]] int32_t MeasureRun(TextFont *font, std::u32string_view text);
 
