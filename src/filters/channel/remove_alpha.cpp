@@ -1,7 +1,6 @@
 // Remove Alpha: lays the picture over the paper colour by its second picture, 255 for opaque, and drops that. Where
 // the second picture is smaller, the picture counts as opaque. There are no settings.
 #include "engine/filter.h"
-#include "image/core/bgr_rows.h"
 #include "image/core/pixel_pass.h"
 #include "image/core/rows.h"
 
@@ -24,7 +23,7 @@ DibHandle RemoveAlphaKernel(const ReadView &source, FilterContext &context) {
     BlockArray<uint8_t> bgr(width * 3), clear(width);
     if (!pass || !alpha || !bgr || !clear) return nullptr;
     for (int32_t y = 0; y < source.height; y++) {
-        ReadBgrRow(source, y, bgr.data);
+        ReadBgrRow(bgr.data, source, y);
         ReadClearness(clear.data, alpha.view, y, source.width);
         TintRow(pass.to.Row(y), bgr.data, clear.data, source.width, context.paperColor);
     }

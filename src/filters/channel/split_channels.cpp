@@ -5,8 +5,8 @@
 #include <algorithm>
 
 #include "engine/filter.h"
-#include "image/core/bgr_rows.h"
 #include "image/core/pixel_pass.h"
+#include "image/core/rows.h"
 
 namespace lmf {
 
@@ -66,7 +66,7 @@ DibHandle SplitChannelsKernel(const ReadView &source, FilterContext &context) {
     if (plane.origin == Origin::SecondPicture && !second) return pass.Finish();
     for (int32_t y = 0; y < source.height; y++) {
         uint8_t *to = pass.to.Row(y);
-        if (plane.origin != Origin::SecondPicture) ReadBgrRow(source, y, bgr.data);
+        if (plane.origin != Origin::SecondPicture) ReadBgrRow(bgr.data, source, y);
         for (int32_t x = 0; x < source.width; x++) {
             to[x] = plane.origin == Origin::SecondPicture ? static_cast<uint8_t>(DibGetPixel(second.view, x, y))
                                                           : ValueOf(plane, bgr.data + x * 3, context.FilterSplitRemove);

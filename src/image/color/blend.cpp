@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "image/core/bgr_rows.h"
+#include "image/core/rows.h"
 
 namespace lmf {
 
@@ -92,8 +92,8 @@ DibHandle DibBlend(const ReadView &base, const ReadView &top, uint32_t mode) {
     const uint8_t *blended = table.data;
     std::fill(topRow.data, topRow.data + topBytes, uint8_t{255});
     for (int32_t y = 0; y < base.height; y++) {
-        ReadBgrRow(base, y, baseRow.data);
-        if (y < top.height) ReadBgrRow(top, y, topRow.data);
+        ReadBgrRow(baseRow.data, base, y);
+        if (y < top.height) ReadBgrRow(topRow.data, top, y);
         if (y == top.height) std::fill(topRow.data, topRow.data + topBytes, uint8_t{255});
         const uint8_t *a = baseRow.data, *b = topRow.data;
         uint8_t *to = result.View().Row(y);

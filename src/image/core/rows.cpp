@@ -40,6 +40,12 @@ void ReadByteRow(uint8_t *bytes, const ReadView &picture, int32_t y, Color outsi
     }
 }
 
+void ReadBgrRow(uint8_t *bgr, const ReadView &picture, int32_t y) {
+    if (ByteChannels(picture.bits) == 3) return ReadByteRow(bgr, picture, y);
+    for (ptrdiff_t x = 0; x < picture.width; x++)
+        StoreBgr(bgr + x * 3, DibGetPixel(picture, static_cast<int32_t>(x), y));
+}
+
 void WriteByteRow(const WriteView &picture, int32_t y, const uint8_t *bytes) {
     const auto width = static_cast<size_t>(picture.width);
     if (picture.bits == 24 || picture.bits == 8) {

@@ -12,6 +12,8 @@ constexpr int32_t ByteChannels(uint32_t bits) {
 /// Row y, counted from the top, as bytes. Alpha is dropped; what DibGetPixel reads as kOutside (white of full alpha,
 /// and depths that cannot be read) becomes `outside`.
 void ReadByteRow(uint8_t *bytes, const ReadView &picture, int32_t y, Color outside = 0xFFFFFF);
+/// Row y, counted from the top, as three bytes a pixel at every depth: indexes are red alone.
+void ReadBgrRow(uint8_t *bgr, const ReadView &picture, int32_t y);
 /// Stores bytes as row y, counted from the top: alpha becomes 0, indexes are cut to the bits there are. The bytes may
 /// lie at the start of the row itself.
 void WriteByteRow(const WriteView &picture, int32_t y, const uint8_t *bytes);
