@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "image/dib.h"
+#include "image/core/dib.h"
 
 namespace lmf {
 

@@ -24,10 +24,10 @@ void SetNumberAt(Bytes *bytes, size_t at, uint32_t number) {
     for (size_t i = 0; i < 4; i++) (*bytes)[at + i] = static_cast<uint8_t>(number >> 8 * i);
 }
 
-Bytes BytesOf(const DibOwner &picture) {
-    const auto *first = static_cast<const uint8_t *>(BlockLock(picture.handle));
-    Bytes bytes(first, first + BlockSize(picture.handle));
-    BlockUnlock(picture.handle);
+Bytes BytesOf(const LockedDib &picture) {
+    const auto *first = static_cast<const uint8_t *>(BlockLock(picture.owner.handle));
+    Bytes bytes(first, first + BlockSize(picture.owner.handle));
+    BlockUnlock(picture.owner.handle);
     return bytes;
 }
 
@@ -45,23 +45,23 @@ Bytes ContainerOf(const Bytes &content) {
 }
 
 /// Reads from a copy without a byte to spare, so that sanitizers see every read past the end.
-DibOwner Read(const Bytes &container) {
+LockedDib Read(const Bytes &container) {
     const auto exact = std::make_unique<uint8_t[]>(container.size());
     std::copy(container.begin(), container.end(), exact.get());
-    return DibOwner(ReadCpx({exact.get(), container.size()}));
+    return LockedDib(ReadCpx({exact.get(), container.size()}));
 }
 
 } // namespace
 
 TEST(Cpx, GivesBackEveryByteOfAPicture) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        const DibOwner picture = RandomPicture(37, 11, mode, 5);
+        const LockedDib picture = RandomPicture(37, 11, mode, 5);
         Bytes container = ContainerOf(BytesOf(picture));
         EXPECT_EQ(BytesOf(Read(container)), BytesOf(picture));
         container.insert(container.end(), 7, 0xAA);
         EXPECT_EQ(BytesOf(Read(container)), BytesOf(picture)) << "bytes after the stream";
     }
-    const DibOwner flat(DibCreate(3000, 3000, nullptr, 24)); // as far as a stream can shrink
+    const LockedDib flat(DibCreate(3000, 3000, nullptr, 24)); // as far as a stream can shrink
     EXPECT_EQ(BytesOf(Read(ContainerOf(BytesOf(flat)))), BytesOf(flat));
 }
 
@@ -82,7 +82,7 @@ TEST(Cpx, SurvivesEveryChangedByte) {
         for (uint8_t change : {0x01, 0x10, 0x80, 0xFF}) {
             Bytes changed = container;
             changed[i] ^= change;
-            const DibOwner picture = Read(changed);
+            const LockedDib picture = Read(changed);
             if (i < kPassedOverAt) {
                 ASSERT_FALSE(picture) << i;
             } else if (i < kStreamAt) {

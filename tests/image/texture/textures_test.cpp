@@ -65,12 +65,11 @@ TEST(Textures, LieInAContainerOfTheAgreedLayout) {
 }
 
 TEST(Textures, AreSixteenSquaresWithAMeanOf170AndARangeOfTheirOwn) {
-    const DibOwner picture(CanvasTextures());
-    EXPECT_EQ(BlockSize(picture.handle), 1049640u);
-    EXPECT_EQ(DibClassify(picture.handle), kModeGrey);
-    DibLock lock(picture.handle);
-    ASSERT_EQ(lock.view.width, 256);
-    ASSERT_EQ(lock.view.height, 4096);
+    const LockedDib picture(CanvasTextures());
+    EXPECT_EQ(BlockSize(picture.owner.handle), 1049640u);
+    EXPECT_EQ(DibClassify(picture), kModeGrey);
+    ASSERT_EQ(picture.View().width, 256);
+    ASSERT_EQ(picture.View().height, 4096);
 
     const Pixels all = PixelsOf(picture);
     std::set<std::pair<int32_t, int32_t>> ranges;
@@ -89,11 +88,10 @@ TEST(Textures, AreSixteenSquaresWithAMeanOf170AndARangeOfTheirOwn) {
 }
 
 TEST(JigsawRelief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
-    const DibOwner picture(JigsawRelief());
-    EXPECT_EQ(DibClassify(picture.handle), kModeGrey);
-    DibLock lock(picture.handle);
-    ASSERT_EQ(lock.view.width, 676);
-    ASSERT_EQ(lock.view.height, 476);
+    const LockedDib picture(JigsawRelief());
+    EXPECT_EQ(DibClassify(picture), kModeGrey);
+    ASSERT_EQ(picture.View().width, 676);
+    ASSERT_EQ(picture.View().height, 476);
 
     const Tones tones = {676, 476, PixelsOf(picture)};
     ExpectNoSeam(tones);
@@ -114,8 +112,8 @@ TEST(JigsawRelief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
 
 TEST(Textures, AndReliefAreTheSameOnEveryMachine) {
     // Whoever draws them anew puts the new sums here; a compiler or a machine that does so has a fault.
-    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(CanvasTextures()))), 1581642733u);
-    EXPECT_EQ(ChecksumOf(PixelsOf(DibOwner(JigsawRelief()))), 1079999855u);
+    EXPECT_EQ(ChecksumOf(PixelsOf(LockedDib(CanvasTextures()))), 1581642733u);
+    EXPECT_EQ(ChecksumOf(PixelsOf(LockedDib(JigsawRelief()))), 1079999855u);
 }
 
 TEST(Textures, AndReliefNeedMemory) {
