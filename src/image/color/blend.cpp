@@ -74,12 +74,16 @@ static int32_t BlendChannel(uint32_t mode, int32_t a, int32_t b) {
     }
 }
 
+// Divisions make most modes slow: all pairs are blended once.
+BlendTable::BlendTable(uint32_t mode) : blended(65536) {
+    for (int32_t i = 0; blended && i < 65536; i++)
+        blended[i] = static_cast<uint8_t>(BlendChannel(mode, i & 255, i >> 8));
+}
+
 DibHandle DibBlend(const ReadView &base, const ReadView &top, uint32_t mode) {
-    // Divisions make most modes slow: all pairs of channels are blended once, at 256 * b + a.
-    BlockArray<uint8_t> table(65536);
+    const BlendTable table(mode);
     if (!table) return nullptr;
-    for (int32_t i = 0; i < 65536; i++) table[i] = static_cast<uint8_t>(BlendChannel(mode, i & 255, i >> 8));
-    const uint8_t *blended = table.data;
+    const uint8_t *blended = table.blended.data;
 
     const int32_t width = base.width;
     LockedDib result(DibCreate(width, base.height, nullptr, 24));
