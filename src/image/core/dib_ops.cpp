@@ -161,17 +161,6 @@ static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, 
     }
 }
 
-LMF_MULTIVERSION
-static void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask,
-                    int32_t width, Color color) {
-    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
-    for (int32_t x = 0; x < width; x++) {
-        to[x * 3] = MixBytes(from[x * 3], blue, mask[x]);
-        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, mask[x]);
-        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, mask[x]);
-    }
-}
-
 static Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
     return PackColor(MixBytes(RedOf(color), RedOf(other), otherWeight),
                      MixBytes(GreenOf(color), GreenOf(other), otherWeight),

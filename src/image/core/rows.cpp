@@ -27,6 +27,17 @@ void DropAlphaRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32
     }
 }
 
+LMF_MULTIVERSION
+void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask, int32_t width,
+             Color color) {
+    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+    for (int32_t x = 0; x < width; x++) {
+        to[x * 3] = MixBytes(from[x * 3], blue, mask[x]);
+        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, mask[x]);
+        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, mask[x]);
+    }
+}
+
 void PackMonoRow(uint8_t *row, const uint8_t *flags, int32_t width) {
     for (int32_t x = 0; x < width; x += 8) {
         // Eight flags read as one number, the first in the low byte; the product gathers them in its top byte, the

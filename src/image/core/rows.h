@@ -10,6 +10,10 @@ void DropAlphaRow(uint8_t *bgr, const uint8_t *bgra, int32_t width);
 /// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
 void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
 
+/// Lays a colour over a row of 24-bit pixels, by as many of 255 parts as the mask says for each pixel. No row overlaps
+/// another.
+void TintRow(uint8_t *to, const uint8_t *from, const uint8_t *mask, int32_t width, Color color);
+
 /// WeightedGrey of row y, counted from the top, at any depth. An index counts as the red of a pixel without green and
 /// blue.
 void ReadGreyRow(uint8_t *grey, const ReadView &picture, int32_t y);
