@@ -4,27 +4,37 @@
 
 namespace lmf {
 
-static uint32_t randomState = 1;
+namespace {
 
-static constexpr uint32_t kMultiplier = 214013;
-static constexpr uint32_t kIncrement = 2531011;
+uint32_t randomState = 1;
+
+constexpr uint32_t kMultiplier = 214013;
+constexpr uint32_t kIncrement = 2531011;
+
+} // namespace
 
 void SeedRandom(uint32_t seed) {
     randomState = seed;
 }
 
-static uint32_t NextState(uint32_t state) {
+namespace {
+
+uint32_t NextState(uint32_t state) {
     return state * kMultiplier + kIncrement;
 }
 
-static uint32_t DrawOf(uint32_t state) {
+uint32_t DrawOf(uint32_t state) {
     return (state >> 16) & kRandomMax;
 }
+
+} // namespace
 
 int32_t NextRandom() {
     randomState = NextState(randomState);
     return static_cast<int32_t>(DrawOf(randomState));
 }
+
+namespace {
 
 /// Many steps of the generator as one: state * multiplier + increment.
 struct Leap {
@@ -35,7 +45,7 @@ struct Leap {
 };
 
 /// Puts a leap together from leaps of 1, 2, 4 and so on steps.
-static constexpr Leap LeapOf(uint64_t steps) {
+constexpr Leap LeapOf(uint64_t steps) {
     Leap leap, power{kMultiplier, kIncrement};
     for (; steps > 0; steps >>= 1) {
         if (steps & 1) leap = {leap.multiplier * power.multiplier, power.From(leap.increment)};
@@ -45,12 +55,12 @@ static constexpr Leap LeapOf(uint64_t steps) {
 }
 
 /// Each lane takes every kLanes-th draw of the stream, so that the lanes do not wait for each other.
-static constexpr size_t kLanes = 64;
-static constexpr Leap kLeap = LeapOf(kLanes);
+constexpr size_t kLanes = 64;
+constexpr Leap kLeap = LeapOf(kLanes);
 
 /// Writes whole groups of kLanes draws. @return the state after the last of them.
 LMF_MULTIVERSION
-static uint32_t DrawGroups(uint32_t state, uint16_t *draws, size_t groups) {
+uint32_t DrawGroups(uint32_t state, uint16_t *draws, size_t groups) {
     uint32_t lanes[kLanes];
     for (size_t i = 0; i < kLanes; i++) lanes[i] = state = NextState(state);
     for (size_t group = 0; group < groups; group++, draws += kLanes) {
@@ -62,6 +72,8 @@ static uint32_t DrawGroups(uint32_t state, uint16_t *draws, size_t groups) {
     }
     return state;
 }
+
+} // namespace
 
 void PeekRandoms(uint16_t *draws, size_t count) {
     const size_t groups = count / kLanes;

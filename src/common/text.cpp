@@ -4,9 +4,13 @@
 
 namespace lmf {
 
-static bool IsBlank(char c) {
+namespace {
+
+bool IsBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
+
+} // namespace
 
 int32_t ParseNumber(const char *text) {
     while (IsBlank(*text)) text++;
@@ -18,9 +22,13 @@ int32_t ParseNumber(const char *text) {
     return static_cast<int32_t>(negative ? -value : value);
 }
 
-static char LowerCase(char c) {
+namespace {
+
+char LowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
+
+} // namespace
 
 bool SameIgnoringCase(const char *a, const char *b) {
     while (*a != '\0' && LowerCase(*a) == LowerCase(*b)) {

@@ -6,7 +6,11 @@
 
 namespace lmf {
 
+namespace {
+
 enum Category : int32_t { kArtistic, kBlur, kColor, kEffect, kImage, kNoise, kPhotographic, kQuality };
+
+} // namespace
 
 // One line a filter: row, filter, category, flags, page id, item id. The flags are bits of FilterFlag, in the form in
 // which hosts document them.
@@ -113,19 +117,23 @@ enum Category : int32_t { kArtistic, kBlur, kColor, kEffect, kImage, kNoise, kPh
 LMF_CATALOGUE(LMF_DECLARE)
 #undef LMF_DECLARE
 
+namespace {
+
 // The order is the interface: hosts use row numbers.
-static constexpr int32_t kRows[] = {
+constexpr int32_t kRows[] = {
 #define LMF_ROW(row, filter, category, flags, pageId, itemId) LMF_FILTER_##row,
     LMF_CATALOGUE(LMF_ROW)
 #undef LMF_ROW
 };
 static_assert(std::ranges::equal(kRows, std::views::iota(0, kFilterCount)));
 
-static constexpr const char *kNames[] = {
+constexpr const char *kNames[] = {
 #define LMF_NAME(id, name) name,
     LMF_FILTERS(LMF_NAME)
 #undef LMF_NAME
 };
+
+} // namespace
 
 constinit FilterEntry FilterCatalogue[kFilterCount] = {
 #define LMF_ROW(row, filter, category, flags, pageId, itemId)                                                          \
@@ -149,8 +157,10 @@ bool FilterAccepts(const FilterEntry &entry, int32_t mode) {
     }
 }
 
+namespace {
+
 /// What the kind of host and its restrictions withhold, whatever the picture.
-static bool HostWithholds(const OfferRules &rules, uint32_t flags) {
+bool HostWithholds(const OfferRules &rules, uint32_t flags) {
     if (rules.runFlags & (LMF_RUN_DAUBERY | LMF_RUN_PAINT)) {
         if (flags & FilterHiddenFromPaint) return true;
         if (rules.hasHostRestrictions && rules.hostRestrictA && (flags & FilterBarredByA)) return true;
@@ -160,6 +170,8 @@ static bool HostWithholds(const OfferRules &rules, uint32_t flags) {
     if ((rules.runFlags & (LMF_RUN_REELSMITH | LMF_RUN_FRAMELOOM)) && (flags & FilterHiddenFromAnimation)) return true;
     return (flags & FilterNeedsClipboard) && !rules.clipboardHasPicture;
 }
+
+} // namespace
 
 bool FilterIsOffered(const OfferRules &rules, int32_t mode, bool restriction1, bool restriction2, bool hasSecond,
                      int32_t row) {
@@ -191,7 +203,9 @@ void LimitAllSettings(FilterContext &context) {
     for (const FilterEntry &entry : FilterCatalogue) LimitPage(*entry.filter, context);
 }
 
-static std::vector<ControlPlace> IndexControls() {
+namespace {
+
+std::vector<ControlPlace> IndexControls() {
     std::vector<ControlPlace> index;
     for (int32_t row = 0; row < kFilterCount; row++)
         for (const PageControl &control : FilterCatalogue[row].filter->page)
@@ -199,6 +213,8 @@ static std::vector<ControlPlace> IndexControls() {
     std::ranges::sort(index, {}, &ControlPlace::id);
     return index;
 }
+
+} // namespace
 
 const ControlPlace *FindControl(int32_t id) {
     static const std::vector<ControlPlace> kIndex = IndexControls();

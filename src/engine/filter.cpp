@@ -5,9 +5,13 @@
 
 namespace lmf {
 
-static void CopyText(FilterParameters &to, const FilterParameters &from, TextMember field) {
+namespace {
+
+void CopyText(FilterParameters &to, const FilterParameters &from, TextMember field) {
     std::memcpy(to.*field, from.*field, kTextSize);
 }
+
+} // namespace
 
 // Radio buttons name their setting more than once, which does no harm.
 void CopyPage(const Filter &filter, FilterParameters &to, const FilterParameters &from) {
@@ -17,9 +21,13 @@ void CopyPage(const Filter &filter, FilterParameters &to, const FilterParameters
     }
 }
 
-static void StartWithPicture(const Filter &filter, FilterContext &context) {
+namespace {
+
+void StartWithPicture(const Filter &filter, FilterContext &context) {
     if (filter.hooks.startWithPicture != nullptr) filter.hooks.startWithPicture(context);
 }
+
+} // namespace
 
 void LoadPage(const Filter &filter, FilterContext &context) {
     CopyPage(filter, context, Settings);

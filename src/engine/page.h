@@ -52,7 +52,8 @@ enum class ListSource : uint8_t {
 enum class RangeSource : uint8_t {
     Table,
     PictureWidth, ///< no further than the picture's width in pixels
-    PictureHeight
+    PictureHeight,
+    SecondPicture ///< the last value only where the picture has a second one
 };
 
 struct ControlRange {
@@ -123,6 +124,12 @@ struct PageControl {
         PageControl changed = *this;
         changed.shown = Shown::Offset;
         changed.offset = by;
+        return changed;
+    }
+    /// The same control showing value / 10.
+    constexpr PageControl InTenths() const {
+        PageControl changed = *this;
+        changed.shown = Shown::Tenths;
         return changed;
     }
     /// The same control with another track brush.

@@ -6,11 +6,15 @@
 
 namespace lmf {
 
-static constexpr SettingsStore StartSettings() {
+namespace {
+
+constexpr SettingsStore StartSettings() {
     SettingsStore settings = kFactorySettings;
     for (size_t i = 0; kBuildDate[i] != '\0'; i++) settings.BuildDate[i] = kBuildDate[i];
     return settings;
 }
+
+} // namespace
 
 constinit SettingsStore Settings = StartSettings();
 
@@ -25,14 +29,21 @@ const ConfigEntry ConfigTable[kConfigRows] = {
 #include "engine/settings.def"
 };
 
-static const ConfigEntry kKeylessRows[] = {
+namespace {
+
+const ConfigEntry kKeylessRows[] = {
 #define CONTEXT_INT(key, value) {#key, &Settings.key, kConfigInt, &FilterParameters::key},
 #include "engine/settings.def"
 };
+
+} // namespace
+
 const std::span<const ConfigEntry> kKeylessSettings = kKeylessRows;
 
+namespace {
+
 template <typename Matches>
-static const ConfigEntry *FindRow(Matches matches) {
+const ConfigEntry *FindRow(Matches matches) {
     for (const std::span<const ConfigEntry> table : {std::span<const ConfigEntry>(ConfigTable), kKeylessSettings}) {
         const auto row = std::find_if(table.begin(), table.end(), [&](const ConfigEntry &entry) {
             return (entry.number != nullptr || entry.text != nullptr) && matches(entry);
@@ -41,6 +52,8 @@ static const ConfigEntry *FindRow(Matches matches) {
     }
     return nullptr;
 }
+
+} // namespace
 
 const ConfigEntry *FindParameter(std::string_view key) {
     return FindRow([&](const ConfigEntry &entry) { return key == entry.key; });
@@ -54,7 +67,9 @@ const ConfigEntry *FindParameter(TextMember text) {
     return FindRow([&](const ConfigEntry &entry) { return entry.text == text; });
 }
 
-static consteval int CountRows(uint32_t type) {
+namespace {
+
+consteval int CountRows(uint32_t type) {
     int count = 0;
 #define FILTER_INT(key, value) count += type == kConfigInt;
 #define FILTER_BOOL(key, value) count += type == kConfigBool;
@@ -71,5 +86,7 @@ static_assert(CountRows(kConfigInt) == 252);
 static_assert(CountRows(kConfigText) == 13);
 static_assert(CountRows(kConfigText | kConfigWriteOnly) == 1);
 static_assert(88 + 252 + 13 + 1 == kConfigRows);
+
+} // namespace
 
 } // namespace lmf

@@ -19,8 +19,6 @@ void BlockUnlock(BlockHandle block);
 void BlockFree(BlockHandle block);
 /// Size in bytes; 0 for null.
 [[nodiscard]] uint64_t BlockSize(BlockHandle block);
-/// Resizes an unlocked block, keeping what fits and zeroing the rest. Null when memory is short: the block then stays.
-[[nodiscard]] BlockHandle BlockReAlloc(BlockHandle block, uint64_t bytes);
 
 /// Owns a block and frees it at the end of the scope, unless `Release` handed it on.
 struct BlockOwner {

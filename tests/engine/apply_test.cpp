@@ -1,9 +1,5 @@
-// The road of one run: capability test, ownership of every handle, the second picture.
+// The road of one run: capability test, limits, ownership of every handle, the second picture.
 #include "engine/direct_run.h"
-
-#include <gtest/gtest.h>
-
-#include "engine/catalogue.h"
 
 namespace lmf::testing {
 
@@ -11,14 +7,15 @@ TEST(Apply, SaysWhyItRefuses) {
     const LockedDib mono = RandomPicture(4, 4, kModeMono, 1), color = RandomPicture(4, 4, kModeTrueColor, 1);
     struct Case {
         int32_t row;
-        DibHandle source;
-        ErrorCode expected;
+        const LockedDib &source;
+        int32_t expected;
     };
-    const Case cases[] = {{RowOf("Gamma"), mono, kErrorUnsupported},
-                          {-1, color, kErrorUnsupported},
-                          {kFilterCount, color, kErrorUnsupported},
-                          {1 << 30, color, kErrorUnsupported},
-                          {RowOf("Invert Colors"), nullptr, kErrorMemory}};
+    const LockedDib none;
+    const Case cases[] = {{LMF_FILTER_GAMMA, mono, LMF_ERROR_UNSUPPORTED},
+                          {-1, color, LMF_ERROR_UNSUPPORTED},
+                          {kFilterCount, color, LMF_ERROR_UNSUPPORTED},
+                          {1 << 30, color, LMF_ERROR_UNSUPPORTED},
+                          {LMF_FILTER_INVERT_COLORS, none, LMF_ERROR_MEMORY}};
     for (const Case &c : cases) {
         const DirectRun run(c.row, c.source);
         EXPECT_FALSE(run.good);
@@ -27,19 +24,63 @@ TEST(Apply, SaysWhyItRefuses) {
 }
 
 TEST(Apply, FiltersThatNeedASecondPictureCountAsColorCapable) {
-    EXPECT_TRUE(FilterAccepts(FilterCatalogue[RowOf("Alpha shadow")], kModeTrueColor));
-    EXPECT_TRUE(FilterAccepts(FilterCatalogue[RowOf("Remove Alpha")], kModeTrueColor));
-    EXPECT_FALSE(FilterAccepts(FilterCatalogue[RowOf("Convert to RGB")], kModeTrueColor));
+    EXPECT_TRUE(FilterAccepts(FilterCatalogue[LMF_FILTER_ALPHA_SHADOW], kModeTrueColor));
+    EXPECT_TRUE(FilterAccepts(FilterCatalogue[LMF_FILTER_REMOVE_ALPHA], kModeTrueColor));
+    EXPECT_FALSE(FilterAccepts(FilterCatalogue[LMF_FILTER_CONVERT_TO_RGB], kModeTrueColor));
 }
 
-TEST(Apply, APointFilterLeavesTheSecondPictureAlone) {
+TEST(Apply, TheSecondPictureMovesStaysOrGoesByTheFlags) {
     const LockedDib color = RandomPicture(5, 4, kModeTrueColor, 1), alpha = RandomPicture(5, 4, kModeGrey, 2);
-    const DirectRun run(RowOf("Invert Colors"), color, alpha);
-    ASSERT_TRUE(run.good);
-    EXPECT_EQ(run.context.errorCode, kErrorOk);
-    EXPECT_NE(run.context.secondResult, alpha);
-    EXPECT_TRUE(SamePicture(run.context.secondResult, alpha));
-    EXPECT_EQ(run.context.mode, kModeTrueColor);
+    {
+        const DirectRun run(LMF_FILTER_INVERT_COLORS, color, alpha);
+        ASSERT_TRUE(run.good);
+        EXPECT_NE(run.context.secondResult, alpha.owner.handle);
+        EXPECT_TRUE(SamePicture(run.Second().view, alpha)) << "pixels stay: a copy";
+        EXPECT_EQ(run.context.errorCode, LMF_ERROR_OK);
+        EXPECT_EQ(run.context.mode, kModeTrueColor);
+    }
+    {
+        FilterContext context = MakeContext();
+        context.FilterFlipDirection = 1;
+        const DirectRun run(LMF_FILTER_FLIP, color, alpha, context), grey(LMF_FILTER_FLIP, alpha, LockedDib(), context);
+        ASSERT_TRUE(run.good && grey.good);
+        EXPECT_TRUE(SamePicture(run.Second().view, grey.Result().view)) << "moved as a grey picture is";
+        EXPECT_FALSE(SamePicture(run.Second().view, alpha));
+    }
+    for (int32_t row : {LMF_FILTER_BAYER_DITHER, LMF_FILTER_CONVERT_TO_MONO, LMF_FILTER_REMOVE_ALPHA})
+        EXPECT_EQ(DirectRun(row, color, alpha).context.secondResult, nullptr) << "dropped by " << row;
+    EXPECT_EQ(DirectRun(LMF_FILTER_INVERT_COLORS, color).context.secondResult, nullptr);
+}
+
+TEST(Apply, ASecondRunFreesWhatTheFirstLeft) {
+    const LockedDib color = RandomPicture(6, 4, kModeTrueColor, 1), alpha = RandomPicture(6, 4, kModeGrey, 2);
+    const int64_t before = LiveBlocks();
+    {
+        FilterContext context = MakeContext();
+        context.FilterRotateAngle = 301;
+        DirectRun run(LMF_FILTER_ROTATE, color, alpha, context);
+        ASSERT_TRUE(run.good);
+        const DibReadLock coverage(run.context.auxImage);
+        ASSERT_TRUE(coverage);
+        EXPECT_EQ(coverage.view.width, run.context.resultWidth);
+        run.context.filterIndex = LMF_FILTER_ADD_ALPHA;
+        EXPECT_EQ(ApplyFilter(run.context), LMF_ERROR_OK);
+        EXPECT_EQ(run.context.auxImage, nullptr);
+        EXPECT_EQ(run.context.resultWidth, 6);
+        EXPECT_EQ(DibGetPixel(run.Second().view, 0, 0), 255u) << "the new mask, not the one that came in";
+    }
+    EXPECT_EQ(LiveBlocks(), before);
+}
+
+TEST(Apply, LimitsEveryNumberBeforeTheKernelRuns) {
+    const LockedDib color = RandomPicture(9, 9, kModeTrueColor, 3);
+    FilterContext far = MakeContext(), limit = MakeContext();
+    far.FilterGaussianRadius = INT32_MAX;
+    limit.FilterGaussianRadius = 990;
+    const DirectRun a(LMF_FILTER_GAUSSIAN_BLUR, color, LockedDib(), far),
+        b(LMF_FILTER_GAUSSIAN_BLUR, color, LockedDib(), limit);
+    EXPECT_TRUE(SamePicture(a.Result().view, b.Result().view));
+    EXPECT_EQ(a.context.FilterGaussianRadius, 990);
 }
 
 } // namespace lmf::testing

@@ -38,9 +38,6 @@ TEST(Catalogue, RowsAreComplete) {
         EXPECT_TRUE(pageIds.insert(entry.pageId).second) << entry.name;
         EXPECT_TRUE(entry.flags & FilterEnabled) << entry.name;
         EXPECT_TRUE(entry.category >= 0 && entry.category <= 7) << entry.name;
-        const FilterSlots &slots = *entry.slots;
-        EXPECT_TRUE(slots.FilterKernel && slots.LoadSettings && slots.StoreSettings) << entry.name;
-        EXPECT_TRUE(slots.ResetDefaults && slots.OnQuery) << entry.name;
     }
     EXPECT_EQ(*itemIds.rbegin(), 94);
     EXPECT_EQ(*pageIds.begin(), 9000);
@@ -101,10 +98,17 @@ TEST(Catalogue, OfferFollowsTheHost) {
         bool offered;
     };
     const Case cases[] = {
-        {"Crop", kRunStandard, true},       {"Crop", kRunBatch, false},        {"Crop", kRunBatch | kRunDaubery, false},
-        {"Add Alpha", kRunStandard, true},  {"Add Alpha", kRunDaubery, false}, {"Add Alpha", kRunPaint, false},
-        {"Add Alpha", kRunBatch, true},     {"Caption", kRunReelsmith, false}, {"Caption", kRunFrameloom, false},
-        {"Caption", kRunFixedFilter, true}, {"Average", kRunReelsmith, true},
+        {"Crop", LMF_RUN_STANDARD, true},
+        {"Crop", LMF_RUN_BATCH, false},
+        {"Crop", LMF_RUN_BATCH | LMF_RUN_DAUBERY, false},
+        {"Add Alpha", LMF_RUN_STANDARD, true},
+        {"Add Alpha", LMF_RUN_DAUBERY, false},
+        {"Add Alpha", LMF_RUN_PAINT, false},
+        {"Add Alpha", LMF_RUN_BATCH, true},
+        {"Caption", LMF_RUN_REELSMITH, false},
+        {"Caption", LMF_RUN_FRAMELOOM, false},
+        {"Caption", LMF_RUN_FIXED_FILTER, true},
+        {"Average", LMF_RUN_REELSMITH, true},
     };
     for (const Case &c : cases) {
         OfferRules rules;
@@ -112,13 +116,13 @@ TEST(Catalogue, OfferFollowsTheHost) {
         EXPECT_EQ(Offered(c.filter, rules), c.offered) << c.filter << " " << c.runFlags;
     }
     // A host's restrictions count for the paint hosts alone: Halftone is barred by the first, Corners by the second.
-    for (uint32_t runFlags : {kRunStandard, kRunDaubery, kRunPaint}) {
+    for (const uint32_t runFlags : {LMF_RUN_STANDARD, LMF_RUN_DAUBERY, LMF_RUN_PAINT}) {
         for (bool passed : {false, true}) {
             OfferRules a, b;
             a.runFlags = b.runFlags = runFlags;
             a.hasHostRestrictions = b.hasHostRestrictions = passed;
             a.hostRestrictA = b.hostRestrictB = true;
-            const bool barred = passed && runFlags != kRunStandard;
+            const bool barred = passed && runFlags != LMF_RUN_STANDARD;
             EXPECT_EQ(Offered("Halftone", a), !barred);
             EXPECT_EQ(Offered("Corners", b), !barred);
             EXPECT_TRUE(Offered("Halftone", b));

@@ -11,22 +11,22 @@ struct DirectRun {
     FilterContext context;
     bool good;
 
-    DirectRun(int32_t row, const ReadView &source, DibHandle second = nullptr,
-              const FilterContext &start = MakeContext())
+    DirectRun(int32_t row, DibHandle source, DibHandle second = nullptr, const FilterContext &start = MakeContext())
         : context(start) {
         context.filterIndex = row;
         context.source = source;
         context.second = second;
         context.mode = DibClassify(source);
         DibInfo(source, &context.width, &context.height, nullptr, nullptr);
-        context.secondResult = DibClone(second);
         good = ApplyFilterDirect(&context) != 0;
     }
-    ~DirectRun() {
-        BlockFree(context.result);
-        BlockFree(context.secondResult);
-        BlockFree(context.auxImage);
-    }
+    DirectRun(int32_t row, const LockedDib &source, const LockedDib &second = LockedDib(),
+              const FilterContext &start = MakeContext())
+        : DirectRun(row, source.owner.handle, second.owner.handle, start) {}
+    ~DirectRun() { FreePictures(context); }
+
+    DibReadLock Result() const { return DibReadLock(context.result); }
+    DibReadLock Second() const { return DibReadLock(context.secondResult); }
 };
 
 } // namespace lmf::testing

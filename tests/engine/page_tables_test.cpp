@@ -14,8 +14,6 @@
 namespace lmf {
 namespace {
 
-using testing::MakeContext;
-
 /// Calls `visit(entry, control)` for every control of every page.
 template <typename Visit>
 void ForEachControl(Visit visit) {
@@ -101,20 +99,6 @@ TEST_F(Pages, ControlIdsAreUniqueOverAllPages) {
     });
 }
 
-TEST_F(Pages, DefaultsLieInTheirRanges) {
-    ForEachNumber([](const std::string &name, const PageControl &control) {
-        EXPECT_LE(control.limits.Typed().min, control.limits.Typed().max) << name;
-        EXPECT_LE(control.limits.Stored().min, control.limits.Typed().min) << name;
-        EXPECT_GE(control.limits.Stored().max, control.limits.Typed().max) << name;
-        EXPECT_GE(RestoreValueOf(control), control.limits.Stored().min) << name;
-        EXPECT_LE(RestoreValueOf(control), control.limits.Stored().max) << name;
-        if (control.kind != ControlKind::CheckBox) {
-            EXPECT_GE(kFactorySettings.*control.number, control.limits.Typed().min) << name;
-            EXPECT_LE(kFactorySettings.*control.number, control.limits.Typed().max) << name;
-        }
-    });
-}
-
 TEST_F(Pages, CombosAndRadioButtonsNameAllTheirValues) {
     std::map<std::string, std::pair<std::set<int32_t>, ControlRange>> pressed;
     std::set<std::string> openLists;
@@ -131,7 +115,7 @@ TEST_F(Pages, CombosAndRadioButtonsNameAllTheirValues) {
         }
         if (control.kind == ControlKind::RadioButton) {
             EXPECT_TRUE(pressed[key].first.insert(control.pressedValue).second) << key;
-            pressed[key].second = control.edit;
+            pressed[key].second = control.limits.Typed();
         }
     });
     EXPECT_EQ(openLists, (std::set<std::string>{"FilterFaceDetectOption", "FilterSocialMediaDestination"}));
@@ -146,8 +130,8 @@ TEST_F(Pages, CombosAndRadioButtonsNameAllTheirValues) {
 TEST_F(Pages, RestoringGivesTheFactoryValuesButForFour) {
     Settings = kFactorySettings;
     FilterContext loaded{}, restored{};
-    LoadAllSettings(&loaded);
-    ResetAllDefaults(&restored);
+    LoadAllSettings(loaded);
+    ResetAllDefaults(restored);
     ForEachControl([&](const FilterEntry &entry, const PageControl &control) {
         if (control.text == nullptr) return;
         EXPECT_STREQ(restored.*control.text, kFactorySettings.*control.text) << entry.name;
@@ -176,7 +160,7 @@ TEST_F(Pages, LoadingLimitsEveryNumberToItsRange) {
         context.width = 30;
         context.height = 20;
         FilterContext again = context;
-        LoadAllSettings(&context);
+        LoadAllSettings(context);
         ForEachNumber([&](const std::string &name, const PageControl &control) {
             EXPECT_EQ(context.*control.number,
                       std::clamp(extreme, control.limits.Stored().min, control.limits.Stored().max))
@@ -184,8 +168,8 @@ TEST_F(Pages, LoadingLimitsEveryNumberToItsRange) {
         });
         EXPECT_EQ(context.FilterMattWidth, 30);
         EXPECT_EQ(context.FilterMattDepth, 20);
-        StoreAllSettings(&context);
-        LoadAllSettings(&again);
+        StoreAllSettings(context);
+        LoadAllSettings(again);
         EXPECT_EQ(std::memcmp(static_cast<void *>(&again), static_cast<void *>(&context), sizeof context), 0);
     }
 }
@@ -194,46 +178,38 @@ TEST_F(Pages, AFilterTouchesItsOwnSettingsOnly) {
     for (const FilterEntry &entry : FilterCatalogue) {
         FilterContext context{};
         std::memset(static_cast<FilterParameters *>(&context), 0x5A, sizeof(FilterParameters));
-        FilterContext other = context;
-        entry.filter->ResetDefaults(&context);
+        const FilterContext other = context;
+        ResetPage(*entry.filter, context);
         // Copying the page's values over must take back all that was changed.
-        const uint32_t answer = entry.filter->OnQuery(nullptr, kQueryUpdate, reinterpret_cast<uintptr_t>(&context),
-                                                      reinterpret_cast<uintptr_t>(&other));
-        EXPECT_EQ(std::memcmp(static_cast<void *>(&context), static_cast<void *>(&other), sizeof context), 0)
+        CopyPage(*entry.filter, context, other);
+        EXPECT_EQ(std::memcmp(static_cast<void *>(&context), static_cast<const void *>(&other), sizeof context), 0)
             << entry.name;
-        EXPECT_EQ(answer == kQueryUnknown, entry.filter->page.empty()) << entry.name;
     }
 }
 
-TEST_F(Pages, QueriesAreAnsweredByTheOwnerAlone) {
-    for (const FilterEntry &owner : FilterCatalogue) {
-        EXPECT_EQ(owner.filter->OnQuery(nullptr, 0x41424344, 0, 0), kQueryUnknown) << owner.name;
-        for (const PageControl &control : owner.filter->page) {
-            if (control.kind != ControlKind::Slider) continue;
-            for (const FilterEntry &entry : FilterCatalogue) {
-                const uint32_t expected = &entry == &owner ? static_cast<uint32_t>(control.trackStyle) : kNotMine;
-                EXPECT_EQ(entry.filter->OnQuery(nullptr, kQueryTrackStyle, static_cast<uintptr_t>(control.id), 0),
-                          expected)
-                    << entry.name << " " << control.id;
-            }
+TEST_F(Pages, AControlIsFoundByItsId) {
+    for (int32_t row = 0; row < kFilterCount; row++) {
+        for (const PageControl &control : FilterCatalogue[row].filter->page) {
+            const ControlPlace *place = FindControl(control.id);
+            ASSERT_EQ(place != nullptr, control.kind != ControlKind::None);
+            if (place == nullptr) continue;
+            EXPECT_EQ(place->control, &control);
+            EXPECT_EQ(place->row, row);
         }
     }
+    EXPECT_EQ(FindControl(199), nullptr);
+    EXPECT_EQ(FindControl(INT32_MAX), nullptr);
 }
 
-TEST_F(Pages, SlotsRefuseWithoutValidation) {
-    Settings.FilterContrast = 77;
-    FilterContext context = MakeContext();
-    const FilterContext before = context;
-    ValidationState = 0;
-    LoadAllSettings(&context);
-    ResetAllDefaults(&context);
-    EXPECT_EQ(FilterCatalogue[0].filter->OnQuery(nullptr, kQueryTrackStyle, 200, 0), 0u);
-    context.FilterContrast = 78;
-    StoreAllSettings(&context);
-    ValidationState = 1;
-    context.FilterContrast = before.FilterContrast;
-    EXPECT_EQ(std::memcmp(static_cast<void *>(&context), static_cast<const void *>(&before), sizeof context), 0);
-    EXPECT_EQ(Settings.FilterContrast, 77);
+TEST(EnableRules, TestOneBitForEachValue) {
+    const EnableRule on = EnabledWhileOn(1, nullptr), off = EnabledWhileOff(1, nullptr), two = EnabledAt(1, nullptr, 2);
+    const int32_t values[] = {INT32_MIN, 0, 1, 2, 31, INT32_MAX};
+    const bool allowedOn[] = {false, false, true, true, true, true};
+    for (size_t i = 0; i < std::size(values); i++) {
+        EXPECT_EQ(on.Allows(values[i]), allowedOn[i]) << values[i];
+        EXPECT_NE(off.Allows(values[i]), allowedOn[i]) << values[i];
+        EXPECT_EQ(two.Allows(values[i]), values[i] == 2) << values[i];
+    }
 }
 
 } // namespace

@@ -329,11 +329,11 @@ int32_t Agree(void *, const char *) {
 /// One direct or other call of the main entry on a small grey picture.
 uint64_t Call(uint32_t runFlags, const char *filter, LmfValidation callback = Agree, bool picture = true) {
     const LockedDib source = testing::MakePicture(2, 2, 8);
-    LmfHandle handle = picture ? source : nullptr;
+    LmfHandle handle = picture ? source.owner.handle : nullptr;
     LmfHandle second = nullptr;
     Settings.CurrentFilter = RowOf(filter);
     const uint64_t done =
-        DoImageFilter(nullptr, &handle, callback, &second, 0, 0, runFlags, nullptr, "", 0, 0, nullptr);
+        DoImageFilter({nullptr, &handle, callback, &second, 0, 0, runFlags, nullptr, "", 0, 0, nullptr});
     if (done != 0) BlockFree(handle);
     return done;
 }

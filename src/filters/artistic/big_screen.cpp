@@ -35,7 +35,7 @@ DibHandle DrawLamp(int32_t size, FilterContext &context) {
 DibHandle BigScreenKernel(const ReadView &source, FilterContext &context) {
     const LockedDib lampPicture(DrawLamp(context.FilterBigscreenSize, context));
     BytePass pass(source);
-    if (!lampPicture || !pass || pass.Channels() != 3) return nullptr;
+    if (!lampPicture || !pass.IsColor()) return nullptr;
     const ReadView lamp = lampPicture;
     const int32_t width = source.width, height = source.height;
     // Lamps that stick out do so alike on both sides.

@@ -36,8 +36,7 @@ ReadView TextureOf(const ReadView &textures, int32_t index) {
 DibHandle CanvasKernel(const ReadView &source, FilterContext &context) {
     const LockedDib textures(CanvasTextures());
     if (!textures) return nullptr;
-    ToneTable tones;
-    BuildContrastTable(context.FilterTextureCont - 127, context.FilterTextureBri - 127, &tones);
+    const ToneTable tones = BuildContrastTable(context.FilterTextureCont, context.FilterTextureBri);
     ToneOffsets offsets;
     for (int32_t i = 0; i < 256; i++) offsets.at[i] = static_cast<int16_t>(tones.at[i] - 128);
     return AddTile(source, TextureOf(textures, context.FilterTextureMode), offsets);

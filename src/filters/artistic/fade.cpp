@@ -27,8 +27,8 @@ struct Band {
     int32_t first = 0, count = 0;
     bool paperFirst; ///< is the paper at its beginning, not at its end?
 
-    Band(int32_t length, int32_t percent, bool paperFirst)
-        : count(static_cast<int32_t>(int64_t{percent} * length / 100)), paperFirst(paperFirst) {
+    Band(int32_t length, int32_t percent, bool startsWithPaper)
+        : count(static_cast<int32_t>(int64_t{percent} * length / 100)), paperFirst(startsWithPaper) {
         if (!paperFirst) first = length - count;
     }
 

@@ -69,8 +69,7 @@ DibHandle ImpactKernel(const ReadView &source, FilterContext &context) {
     LockedDib picture(BlurredCopy(source, context.FilterImpactBlur));
     const BlendTable table(static_cast<uint32_t>(context.FilterImpactMode));
     if (!picture || !table) return nullptr;
-    ToneTable tones;
-    BuildContrastTable(context.FilterImpactContrast - 127, context.FilterImpactBrightness - 127, &tones);
+    const ToneTable tones = BuildContrastTable(context.FilterImpactContrast, context.FilterImpactBrightness);
     BlendInPlace(picture.View(), grey, table, tones);
     if (!context.FilterImpactOutlineEnable) return picture.Release();
     const LockedDib outline(Neon(grey));

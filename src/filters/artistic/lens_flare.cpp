@@ -6,8 +6,8 @@
 
 #include "common/multiversion.h"
 #include "engine/filter.h"
-#include "image/core/bgr_rows.h"
 #include "image/core/pixel_pass.h"
+#include "image/core/rows.h"
 
 namespace lmf {
 
@@ -165,8 +165,8 @@ std::array<Spot, kSpots> PlaceLights(const FilterContext &context, int32_t width
                     {static_cast<float>(light.tint.blue) / 255.0f, static_cast<float>(light.tint.green) / 255.0f,
                      static_cast<float>(light.tint.red) / 255.0f}};
     };
-    const auto along = [](int32_t distance, float place, int32_t middle) {
-        return static_cast<int32_t>(static_cast<float>(distance) * place + static_cast<float>(middle));
+    const auto along = [](int32_t distance, float factor, int32_t middle) {
+        return static_cast<int32_t>(static_cast<float>(distance) * factor + static_cast<float>(middle));
     };
     std::array<Spot, kSpots> spots;
     Spot *spot = spots.data();
@@ -184,9 +184,9 @@ struct LitRow {
     BlockArray<float> amounts;
     BlockArray<uint8_t> isReached; ///< by any light, for each pixel
 
-    explicit LitRow(int32_t width)
-        : width(width), bgr(static_cast<uint64_t>(width) * 3), amounts(static_cast<uint64_t>(width)),
-          isReached(static_cast<uint64_t>(width)) {}
+    explicit LitRow(int32_t pixels)
+        : width(pixels), bgr(static_cast<uint64_t>(pixels) * 3), amounts(static_cast<uint64_t>(pixels)),
+          isReached(static_cast<uint64_t>(pixels)) {}
     explicit operator bool() const { return bgr && amounts && isReached; }
 
     void Add(const Spot &spot, int32_t y, bool markReached) {
@@ -206,13 +206,13 @@ struct LitRow {
 DibHandle LensFlareKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     LitRow row(source.width);
-    if (!pass || !row) return nullptr;
+    if (!pass || !row || ByteChannels(source.bits) != 3) return nullptr;
     const std::array<Spot, kSpots> spots = PlaceLights(context, source.width, source.height);
     const bool hasAlpha = source.bits == 32;
     for (int32_t y = 0; y < source.height; y++) {
-        ReadBgrRow(source, y, row.bgr.data);
+        ReadByteRow(row.bgr.data, source, y);
         for (const Spot &spot : spots) row.Add(spot, y, hasAlpha);
-        WriteBgrRow(pass.to, y, row.bgr.data);
+        WriteByteRow(pass.to, y, row.bgr.data);
         // Only pixels that a light reaches lose their alpha.
         for (int32_t x = 0; x < source.width && hasAlpha; x++) {
             if (row.isReached[x] == 0) DibSetPixel(pass.to, x, y, DibGetPixel(source, x, y));

@@ -65,8 +65,8 @@ struct LuminanceRows {
     const ptrdiff_t stride;
     BlockArray<uint8_t> bytes; ///< each row twice, `count` rows apart, so that any `count` rows in turn lie in order
 
-    LuminanceRows(const ReadView &picture, int32_t reach, Color paperColor)
-        : picture(picture), reach(reach), count(2 * reach + 1), paper(Luminance(paperColor)),
+    LuminanceRows(const ReadView &source, int32_t brushReach, Color paperColor)
+        : picture(source), reach(brushReach), count(2 * reach + 1), paper(Luminance(paperColor)),
           stride(static_cast<ptrdiff_t>(picture.width) + 2 * reach), bytes(static_cast<uint64_t>(stride * count * 2)) {}
     explicit operator bool() const { return static_cast<bool>(bytes); }
 
@@ -89,7 +89,7 @@ struct Strokes {
     std::array<ptrdiff_t, kMostRows> firsts, lasts;
     alignas(64) uint8_t counts[256];
 
-    Strokes(const Brush &brush, ptrdiff_t stride) : brush(brush) {
+    Strokes(const Brush &used, ptrdiff_t stride) : brush(used) {
         const auto offset = [&](const Sample &sample) { return sample.dy * stride + sample.dx; };
         for (size_t i = 0; i < brush.sampleCount; i++) samples[i] = offset(brush.samples[i]);
         for (size_t i = 0; i < brush.rowCount; i++) firsts[i] = offset(brush.firsts[i]);

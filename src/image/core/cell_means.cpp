@@ -44,8 +44,8 @@ void WriteMeans(uint8_t *to, const uint16_t *sums, int32_t width, int32_t cellWi
 
 } // namespace
 
-CellMeans::CellMeans(int32_t width, int32_t channels, int32_t cellWidth, int32_t cut)
-    : width(width), channels(channels), cellWidth(cellWidth), cut(cut),
+CellMeans::CellMeans(int32_t rowWidth, int32_t rowChannels, int32_t widthOfCells, int32_t firstCut)
+    : width(rowWidth), channels(rowChannels), cellWidth(widthOfCells), cut(firstCut),
       sums(static_cast<uint64_t>(width) * static_cast<uint64_t>(channels)),
       row(static_cast<uint64_t>(width) * static_cast<uint64_t>(channels)) {}
 

@@ -10,9 +10,9 @@ inline constexpr int32_t kLargestCell = 128;
 
 /// The mean colours of a row of cells, and the sums that they come from.
 struct CellMeans {
-    /// For rows of `width` pixels of one byte or three, and cells of `cellWidth` pixels of which the first one has lost
-    /// its first `cut` columns: 0 <= cut < cellWidth <= kLargestCell.
-    CellMeans(int32_t width, int32_t channels, int32_t cellWidth, int32_t cut = 0);
+    /// For rows of pixels of one byte or three, and cells of which the first one has lost its first columns, fewer than
+    /// it has: 0 <= firstCut < widthOfCells <= kLargestCell.
+    CellMeans(int32_t rowWidth, int32_t rowChannels, int32_t widthOfCells, int32_t firstCut = 0);
     /// False when there was no memory.
     explicit operator bool() const { return sums && row; }
 

@@ -4,10 +4,12 @@
 
 namespace lmf {
 
-static constexpr uint64_t kBlockLimit = uint64_t{1} << 32;
+namespace {
+
+constexpr uint64_t kBlockLimit = uint64_t{1} << 32;
 
 /// Does the block hold all that its header claims?
-static bool HoldsItsPicture(const void *image, uint64_t blockSize) {
+bool HoldsItsPicture(const void *image, uint64_t blockSize) {
     if (blockSize < sizeof(DibHeader)) return false;
     const auto *header = static_cast<const DibHeader *>(image);
     if (header->biWidth < 1 || header->biHeight < 1) return false;
@@ -20,7 +22,7 @@ static bool HoldsItsPicture(const void *image, uint64_t blockSize) {
 
 /// Takes a picture of `blockSize` bytes apart.
 template <typename Byte>
-static PictureView<Byte> ViewOf(Byte *image, uint64_t blockSize) {
+PictureView<Byte> ViewOf(Byte *image, uint64_t blockSize) {
     const auto *header = reinterpret_cast<const DibHeader *>(image);
     PictureView<Byte> view;
     view.width = header->biWidth;
@@ -32,6 +34,8 @@ static PictureView<Byte> ViewOf(Byte *image, uint64_t blockSize) {
     view.blockSize = blockSize;
     return view;
 }
+
+} // namespace
 
 template <typename View>
 ScopedLock<View>::ScopedLock(DibHandle handle) {
@@ -54,12 +58,16 @@ void ScopedLock<View>::Unlock() {
 template struct ScopedLock<ReadView>;
 template struct ScopedLock<WriteView>;
 
-static uint32_t DepthForRequest(uint32_t request) {
+namespace {
+
+uint32_t DepthForRequest(uint32_t request) {
     if (request == 0 || request > 24) return 32;
     if (request == 1) return 1;
     if (request <= 4) return 4;
     return request <= 8 ? 8 : 24;
 }
+
+} // namespace
 
 DibHandle DibCreate(int32_t width, int32_t height, const Palette768 *palette, uint32_t depth) {
     if (width < 1 || height < 1) return nullptr;
@@ -102,7 +110,9 @@ DibHandle DibCreateSolid(int32_t width, int32_t height, Color color) {
     return solid.Release();
 }
 
-static DibHandle CloneBlock(const void *block, uint64_t size) {
+namespace {
+
+DibHandle CloneBlock(const void *block, uint64_t size) {
     BlockOwner copy(BlockAlloc(size));
     void *to = BlockLock(copy.handle);
     if (to == nullptr) return nullptr;
@@ -110,6 +120,8 @@ static DibHandle CloneBlock(const void *block, uint64_t size) {
     BlockUnlock(copy.handle);
     return copy.Release();
 }
+
+} // namespace
 
 DibHandle DibClone(const ReadView &source) {
     return CloneBlock(source.colorTable - sizeof(DibHeader), source.blockSize);

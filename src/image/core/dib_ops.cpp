@@ -11,6 +11,8 @@
 
 namespace lmf {
 
+namespace {
+
 /// Indexes first <= i < last of a span.
 struct Span {
     int64_t first;
@@ -20,11 +22,13 @@ struct Span {
 };
 
 /// The part of 0 <= i < length for which start + i lies inside 0 .. limit - 1; empty spans have no length.
-static Span Inside(Span span, int64_t start, int64_t limit) {
+Span Inside(Span span, int64_t start, int64_t limit) {
     span.first = std::max(span.first, -start);
     span.last = std::max(std::min(span.last, limit - start), span.first);
     return span;
 }
+
+} // namespace
 
 DibHandle DibCropRect(const ReadView &source, int32_t left, int32_t top, int32_t right, int32_t bottom) {
     const ReadView &from = source;
@@ -82,8 +86,10 @@ DibHandle DibFlipHorizontal(const ReadView &source) {
     return pass.Finish();
 }
 
+namespace {
+
 /// Fills a rectangle that lies inside the picture, in whole-byte pixels or one by one.
-static void FillInside(const WriteView &view, Span columns, Span rows, uint32_t value) {
+void FillInside(const WriteView &view, Span columns, Span rows, uint32_t value) {
     const int64_t pixelBytes = view.bits / 8;
     const auto first = static_cast<int32_t>(columns.first), last = static_cast<int32_t>(columns.last);
     const auto top = static_cast<int32_t>(rows.first);
@@ -99,32 +105,32 @@ static void FillInside(const WriteView &view, Span columns, Span rows, uint32_t 
 }
 
 /// DibFillRect in 64 bits, for rectangles that grew past the range of a coordinate.
-static void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t width, int64_t height, uint32_t value) {
+void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t width, int64_t height, uint32_t value) {
     const Span columns = Inside({x, x + width}, 0, image.width), rows = Inside({y, y + height}, 0, image.height);
     if (columns.Length() > 0 && rows.Length() > 0) FillInside(image, columns, rows, value);
 }
 
-int32_t DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
+} // namespace
+
+void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
     FillClipped(image, x, y, width, height, value);
-    return 1;
 }
 
-int32_t DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
-                     int32_t thickness) {
+void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
+                  int32_t thickness) {
     // Each edge is a bar of its own; a frame thicker than the box passes the opposite edge.
-    const int64_t far = thickness;
-    FillClipped(image, x, y, far, height, value);
-    FillClipped(image, x + int64_t{width} - far, y, far, height, value);
-    FillClipped(image, x, y, width, far, value);
-    FillClipped(image, x, y + int64_t{height} - far, width, far, value);
-    return 1;
+    const int64_t bar = thickness;
+    FillClipped(image, x, y, bar, height, value);
+    FillClipped(image, x + int64_t{width} - bar, y, bar, height, value);
+    FillClipped(image, x, y, width, bar, value);
+    FillClipped(image, x, y + int64_t{height} - bar, width, bar, value);
 }
 
-int32_t DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
-                    int32_t width, int32_t height) {
+void DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
+                 int32_t width, int32_t height) {
     const Span columns = Inside(Inside({0, width}, toX, to.width), fromX, from.width);
     const Span rows = Inside(Inside({0, height}, toY, to.height), fromY, from.height);
-    if (columns.Length() < 1) return 1;
+    if (columns.Length() < 1) return;
     // Within one picture source and destination may overlap, where the order of the pixels counts.
     const bool copyBytes = to.bottom != from.bottom && to.bits == from.bits && HasBytePixels(to.bits);
     const int64_t pixelBytes = to.bits / 8;
@@ -141,17 +147,18 @@ int32_t DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadVie
                         DibGetPixel(from, static_cast<int32_t>(fromX + k), fromRow));
         }
     }
-    return 1;
 }
 
+namespace {
+
 LMF_MULTIVERSION
-static void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
+void GreyRow32(uint8_t *__restrict grey, const uint8_t *__restrict bgra, int32_t width) {
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgra[x * 4 + 2], bgra[x * 4 + 1], bgra[x * 4]);
 }
 
 /// Lays a 32-bit row over a colour.
 LMF_MULTIVERSION
-static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width, Color background) {
+void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t width, Color background) {
     const uint8_t red = RedOf(background), green = GreenOf(background), blue = BlueOf(background);
     for (int32_t x = 0; x < width; x++) {
         const auto clear = static_cast<uint8_t>(255 - bgra[x * 4 + 3]);
@@ -161,11 +168,13 @@ static void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, 
     }
 }
 
-static Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
+Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
     return PackColor(MixBytes(RedOf(color), RedOf(other), otherWeight),
                      MixBytes(GreenOf(color), GreenOf(other), otherWeight),
                      MixBytes(BlueOf(color), BlueOf(other), otherWeight));
 }
+
+} // namespace
 
 DibHandle DibToGrey(const ReadView &source) {
     PixelPass pass(source, 8, &GreyRamp());
@@ -198,7 +207,9 @@ DibHandle DibToGrey(const ReadView &source) {
     return pass.Finish();
 }
 
-static DibHandle ToRgb(const ReadView &source, bool plainMono) {
+namespace {
+
+DibHandle ToRgb(const ReadView &source, bool plainMono) {
     PixelPass pass(source, 24, nullptr);
     if (!pass) return nullptr;
     const ReadView &from = pass.from;
@@ -209,6 +220,8 @@ static DibHandle ToRgb(const ReadView &source, bool plainMono) {
     for (int32_t y = 0; y < from.height; y++) ReadRgbRow(to.MemoryRow(y), from, palette, y);
     return pass.Finish();
 }
+
+} // namespace
 
 DibHandle DibToRgb(const ReadView &source) {
     return ToRgb(source, true);
@@ -302,15 +315,14 @@ DibHandle DibAdjustHsv(const ReadView &source, float hueOffset, float saturation
     if (!pass) return nullptr;
     const HsvChange change = {hueOffset, saturationScale, valueScale};
     const uint32_t alphaMask = pass.from.bits == 32 ? 0xFF000000 : 0;
+    const auto row = [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); };
     const auto pixel = [&](uint32_t value) {
-        Hsv hsv = RgbToHsv(value);
-        hsv.hue += hueOffset;
-        hsv.saturation *= saturationScale;
-        hsv.value *= valueScale;
-        return HsvToRgb(hsv) | (value & alphaMask);
+        const uint8_t from[3] = {BlueOf(value), GreenOf(value), RedOf(value)};
+        uint8_t to[3];
+        row(to, from, 1);
+        return PackColor(to[2], to[1], to[0]) | (value & alphaMask);
     };
-    MapPixels(pass, pixel,
-              [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); });
+    MapPixels(pass, pixel, row);
     return pass.Finish();
 }
 

@@ -31,13 +31,13 @@ namespace lmf {
 /// Hue moved by degrees, saturation and value scaled; 32-bit pictures keep their alpha.
 [[nodiscard]] DibHandle DibAdjustHsv(const ReadView &source, float hueOffset, float saturationScale, float valueScale);
 
-/// Sets every pixel of the rectangle to a raw value. @return 1.
-int32_t DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value);
-/// Sets `thickness` pixels inside each edge of the rectangle to a raw value. @return 1.
-int32_t DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
-                     int32_t thickness);
-/// Copies raw values where both coordinates lie inside their pictures. @return 1.
-int32_t DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
-                    int32_t width, int32_t height);
+/// Sets every pixel of the rectangle to a raw value.
+void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value);
+/// Sets `thickness` pixels inside each edge of the rectangle to a raw value.
+void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
+                  int32_t thickness);
+/// Copies raw values where both coordinates lie inside their pictures.
+void DibCopyRect(const WriteView &to, int32_t toX, int32_t toY, const ReadView &from, int32_t fromX, int32_t fromY,
+                 int32_t width, int32_t height);
 
 } // namespace lmf

@@ -8,13 +8,14 @@
 
 namespace lmf {
 
-static void LookUpInOrder(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count,
-                          const ToneTable &table) {
+namespace {
+
+void LookUpInOrder(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count, const ToneTable &table) {
     for (size_t i = 0; i < count; i++) to[i] = table.at[from[i]];
 }
 
-static void LookUpPixelsInOrder(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels,
-                                const ChannelTables &tables) {
+void LookUpPixelsInOrder(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels,
+                         const ChannelTables &tables) {
     for (size_t i = 0; i < pixels; i++) {
         to[i * 3] = tables.blue.at[from[i * 3]];
         to[i * 3 + 1] = tables.green.at[from[i * 3 + 1]];
@@ -22,13 +23,17 @@ static void LookUpPixelsInOrder(uint8_t *__restrict to, const uint8_t *__restric
     }
 }
 
+} // namespace
+
 #if LMF_HAS_MULTIVERSION
 
 // Processors with the byte permutation of AVX-512 VBMI hold a whole table in four registers and look up 64 bytes at a
 // time, as fast as memory delivers them.
 #define LMF_VBMI __attribute__((target("arch=x86-64-v4,avx512vbmi")))
 
-static bool HasVbmi() {
+namespace {
+
+bool HasVbmi() {
     return __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512bw");
 }
 
@@ -36,21 +41,21 @@ struct TableRegisters {
     __m512i quarter[4];
 };
 
-LMF_VBMI static inline TableRegisters LoadTable(const ToneTable &table) {
+LMF_VBMI inline TableRegisters LoadTable(const ToneTable &table) {
     TableRegisters registers;
     for (int i = 0; i < 4; i++) registers.quarter[i] = _mm512_loadu_si512(table.at + 64 * i);
     return registers;
 }
 
-LMF_VBMI static inline __m512i LookUp64(__m512i index, const TableRegisters &table) {
+LMF_VBMI inline __m512i LookUp64(__m512i index, const TableRegisters &table) {
     const __m512i low = _mm512_permutex2var_epi8(table.quarter[0], index, table.quarter[1]);
     const __m512i high = _mm512_permutex2var_epi8(table.quarter[2], index, table.quarter[3]);
     return _mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high);
 }
 
 /// As many whole steps of 64 bytes as there are. @return the bytes done.
-LMF_VBMI static size_t LookUpSteps(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count,
-                                   const ToneTable &table) {
+LMF_VBMI size_t LookUpSteps(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count,
+                            const ToneTable &table) {
     const TableRegisters registers = LoadTable(table);
     size_t i = 0;
     for (; i + 64 <= count; i += 64) _mm512_storeu_si512(to + i, LookUp64(_mm512_loadu_si512(from + i), registers));
@@ -58,8 +63,8 @@ LMF_VBMI static size_t LookUpSteps(uint8_t *__restrict to, const uint8_t *__rest
 }
 
 /// As many whole steps of 64 pixels as there are. @return the pixels done.
-LMF_VBMI static size_t LookUpPixelSteps(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels,
-                                        const ChannelTables &tables) {
+LMF_VBMI size_t LookUpPixelSteps(uint8_t *__restrict to, const uint8_t *__restrict from, size_t pixels,
+                                 const ChannelTables &tables) {
     const TableRegisters blue = LoadTable(tables.blue), green = LoadTable(tables.green), red = LoadTable(tables.red);
     // Bit i is set where byte 64 * part + i of a step is green or red.
     uint64_t isGreen[3] = {}, isRed[3] = {};
@@ -80,18 +85,24 @@ LMF_VBMI static size_t LookUpPixelSteps(uint8_t *__restrict to, const uint8_t *_
     return i;
 }
 
+} // namespace
+
 #else
 
-static bool HasVbmi() {
+namespace {
+
+bool HasVbmi() {
     return false;
 }
 
-static size_t LookUpSteps(uint8_t *, const uint8_t *, size_t, const ToneTable &) {
+size_t LookUpSteps(uint8_t *, const uint8_t *, size_t, const ToneTable &) {
     return 0;
 }
-static size_t LookUpPixelSteps(uint8_t *, const uint8_t *, size_t, const ChannelTables &) {
+size_t LookUpPixelSteps(uint8_t *, const uint8_t *, size_t, const ChannelTables &) {
     return 0;
 }
+
+} // namespace
 
 #endif
 

@@ -29,7 +29,7 @@ struct AxisWeights {
     BlockArray<Contribution> contributions;
     BlockArray<double> weights;
 
-    AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur);
+    AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur);
 
     explicit operator bool() const { return contributions && weights; }
     double CentreOf(int32_t position) const { return (position + 0.5) / factor; }
@@ -42,9 +42,9 @@ private:
     bool AreWeightsOfCopies() const;
 };
 
-AxisWeights::AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur)
-    : factor(factor), scale(std::max(1.0 / factor, 1.0) * blur), support(scale * window.support), size(size),
-      newSize(newSize), window(window), contributions(static_cast<uint64_t>(newSize)), weights(FillRanges()) {
+AxisWeights::AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur)
+    : factor(growth), scale(std::max(1.0 / growth, 1.0) * blur), support(scale * shape.support), size(from),
+      newSize(to), window(shape), contributions(static_cast<uint64_t>(to)), weights(FillRanges()) {
     if (!*this) return;
     FillWeights();
     copies = newSize == size && AreWeightsOfCopies();
@@ -386,12 +386,11 @@ DibHandle DibScalePercent(const ReadView &source, int32_t percentX, int32_t perc
     return DibScaleTo(source, newWidth, newHeight, windowIndex);
 }
 
-int32_t DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
+void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
     const double ratio =
         std::min(*width / static_cast<double>(source.width), *depth / static_cast<double>(source.height));
     *width = RoundToPixels(source.width * ratio);
     *depth = RoundToPixels(source.height * ratio);
-    return 1;
 }
 
 } // namespace lmf

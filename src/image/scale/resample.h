@@ -48,7 +48,6 @@ extern const ResampleWindow kResampleWindows[16];
                              int32_t windowIndex, RowFunction take);
 
 /// Shrinks one side of a box of pixels so that it has the picture's aspect.
-/// @return 1, or 0 with the box untouched if the source cannot be locked.
-int32_t DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth);
+void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth);
 
 } // namespace lmf

@@ -14,7 +14,7 @@ namespace lmf {
 [[nodiscard]] DibHandle DibShrinkHorz(const ReadView &source, int32_t percent);
 /// DibShrinkHorz for rows.
 [[nodiscard]] DibHandle DibShrinkVert(const ReadView &source, int32_t percent);
-/// Columns enlarged to `percent`, interpolated in truncated steps between neighbours.
+/// Columns enlarged to `percent`, below 6000000, interpolated in truncated steps between neighbours.
 [[nodiscard]] DibHandle DibEnlargeHorz(const ReadView &source, int32_t percent);
 /// DibEnlargeHorz for rows.
 [[nodiscard]] DibHandle DibEnlargeVert(const ReadView &source, int32_t percent);

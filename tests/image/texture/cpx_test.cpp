@@ -26,7 +26,7 @@ void SetNumberAt(Bytes *bytes, size_t at, uint32_t number) {
 
 Bytes BytesOf(const LockedDib &picture) {
     const auto *first = static_cast<const uint8_t *>(BlockLock(picture.owner.handle));
-    Bytes bytes(first, first + BlockSize(picture.owner.handle));
+    Bytes bytes(first, first + ReadView(picture).blockSize);
     BlockUnlock(picture.owner.handle);
     return bytes;
 }

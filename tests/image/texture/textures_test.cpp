@@ -66,10 +66,10 @@ TEST(Textures, LieInAContainerOfTheAgreedLayout) {
 
 TEST(Textures, AreSixteenSquaresWithAMeanOf170AndARangeOfTheirOwn) {
     const LockedDib picture(CanvasTextures());
-    EXPECT_EQ(BlockSize(picture.owner.handle), 1049640u);
+    EXPECT_EQ(ReadView(picture).blockSize, 1049640u);
     EXPECT_EQ(DibClassify(picture), kModeGrey);
-    ASSERT_EQ(picture.View().width, 256);
-    ASSERT_EQ(picture.View().height, 4096);
+    ASSERT_EQ(ReadView(picture).width, 256);
+    ASSERT_EQ(ReadView(picture).height, 4096);
 
     const Pixels all = PixelsOf(picture);
     std::set<std::pair<int32_t, int32_t>> ranges;
@@ -90,8 +90,8 @@ TEST(Textures, AreSixteenSquaresWithAMeanOf170AndARangeOfTheirOwn) {
 TEST(JigsawRelief, IsFlatBetweenBevelsThatFaceTheTopLeft) {
     const LockedDib picture(JigsawRelief());
     EXPECT_EQ(DibClassify(picture), kModeGrey);
-    ASSERT_EQ(picture.View().width, 676);
-    ASSERT_EQ(picture.View().height, 476);
+    ASSERT_EQ(ReadView(picture).width, 676);
+    ASSERT_EQ(ReadView(picture).height, 476);
 
     const Tones tones = {676, 476, PixelsOf(picture)};
     ExpectNoSeam(tones);
