@@ -4,6 +4,7 @@
 
 #include "common/multiversion.h"
 #include "image/color/hsv.h"
+#include "image/core/alpha_mask.h"
 #include "image/core/div255.h"
 #include "image/core/pixel_map.h"
 #include "image/core/rows.h"
@@ -168,17 +169,6 @@ void FlattenRow(uint8_t *__restrict bgr, const uint8_t *__restrict bgra, int32_t
     }
 }
 
-LMF_MULTIVERSION
-void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict mask, int32_t width,
-             Color color) {
-    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
-    for (int32_t x = 0; x < width; x++) {
-        to[x * 3] = MixBytes(from[x * 3], blue, mask[x]);
-        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, mask[x]);
-        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, mask[x]);
-    }
-}
-
 Color MixColorBytes(Color color, Color other, uint8_t otherWeight) {
     return PackColor(MixBytes(RedOf(color), RedOf(other), otherWeight),
                      MixBytes(GreenOf(color), GreenOf(other), otherWeight),
@@ -295,7 +285,8 @@ DibHandle DibTintByMask(const ReadView &source, const ReadView &mask, Color colo
         } else {
             for (int32_t x = 0; x < width; x++) weights[x] = static_cast<uint8_t>(DibGetPixel(mask, x, y));
         }
-        TintRow(to.Row(y), from.Row(y), maskRow, width, color);
+        std::memcpy(to.Row(y), from.Row(y), static_cast<size_t>(width) * 3);
+        TintRow(to.Row(y), maskRow, width, color);
     }
     return pass.Finish();
 }
