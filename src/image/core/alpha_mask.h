@@ -1,4 +1,5 @@
-// Pixels that are only partly there: colours laid over rows by a mask, and what the "Alpha" boxes leave in the second picture.
+// Pixels that are only partly there: colours laid over rows by a mask, and what the "Alpha" boxes leave in the second
+// picture.
 //
 // A coverage is an 8-bit grey picture of the result's size: 255 where a pixel of the result is there, 0 where it is
 // not. It becomes the second result like this:

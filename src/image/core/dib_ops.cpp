@@ -117,6 +117,15 @@ void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, in
     FillClipped(image, x, y, width, height, value);
 }
 
+void DibFillAround(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
+    const Span columns = Inside({x, int64_t{x} + width}, 0, image.width);
+    const Span rows = Inside({y, int64_t{y} + height}, 0, image.height);
+    FillClipped(image, 0, 0, image.width, rows.first, value);
+    FillClipped(image, 0, rows.first, columns.first, rows.Length(), value);
+    FillClipped(image, columns.last, rows.first, image.width - columns.last, rows.Length(), value);
+    FillClipped(image, 0, rows.last, image.width, image.height - rows.last, value);
+}
+
 void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
                   int32_t thickness) {
     // Each edge is a bar of its own; a frame thicker than the box passes the opposite edge.
