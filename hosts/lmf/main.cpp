@@ -121,39 +121,59 @@ int List(const Arguments &arguments) {
     return kDone;
 }
 
-// Gives a number as a control shows it.
-std::string ShownNumber(const Json &setting, int64_t value) {
+// Gives value / steps with the decimals that the steps make out.
+std::string Fraction(int64_t value, int64_t steps) {
     char text[32];
-    const std::string shown = setting.value("shown", "");
-    if (setting["type"] == "color") {
-        std::snprintf(text, sizeof text, "%02X%02X%02X", int(value & 0xFF), int(value >> 8 & 0xFF),
-                      int(value >> 16 & 0xFF));
-    } else if (shown == "hundredths") {
-        std::snprintf(text, sizeof text, "%.2f", double(value) / 100);
-    } else {
-        const int64_t offset = shown == "offset" ? setting["offset"].get<int64_t>() : 0;
-        std::snprintf(text, sizeof text, "%lld", static_cast<long long>(value - offset));
-    }
+    const int decimals = steps >= 100 ? 2 : steps > 1 ? 1 : 0;
+    std::snprintf(text, sizeof text, "%.*f", decimals, double(value) / double(steps));
     return text;
 }
 
-// Gives a value as it is written behind "KEY=", with what the filter's page shows for it where that differs.
+// Gives a number as a control shows it.
+std::string ShownNumber(const Json &setting, int64_t value) {
+    const std::string shown = setting.value("shown", "plain");
+    if (shown == "hundredths") return Fraction(value, 100);
+    if (shown == "tenths") return Fraction(value, 10);
+    return std::to_string(value - setting.value("offset", int64_t{0}));
+}
+
+std::string ColorText(int64_t value) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%02X%02X%02X", int(value & 0xFF), int(value >> 8 & 0xFF),
+                  int(value >> 16 & 0xFF));
+    return text;
+}
+
+// Gives what a number means to a person, "4.0 pixels", and what the filter's page shows where that differs.
+std::string MeaningOf(const Json &setting, int64_t value) {
+    const std::string plain = std::to_string(value), shown = ShownNumber(setting, value);
+    const std::string means =
+        Fraction(value - setting.value("offset", int64_t{0}), setting.value("perUnit", int64_t{1}));
+    std::string text;
+    if (setting.contains("unit")) text = " " + setting["unit"].get<std::string>();
+    if (means != plain) text = " is " + means + text;
+    if (shown != means) text += " (shown as " + shown + ")";
+    return plain + text;
+}
+
+// Gives a value as it is written behind "KEY=", and what it means.
 std::string ValueText(const Json &setting, const Json &value) {
     if (value.is_string()) return "\"" + value.get<std::string>() + "\"";
     if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
     const int64_t number = value.get<int64_t>();
-    if (setting["type"] == "color") return ShownNumber(setting, number);
-    std::string text = std::to_string(number);
-    if (setting.contains("shown")) text += " (shown as " + ShownNumber(setting, number) + ")";
+    if (setting["type"] == "color") return ColorText(number);
+    std::string text = MeaningOf(setting, number);
     for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array())
         if (entry["value"] == value) text += " (" + entry["name"].get<std::string>() + ")";
     return text;
 }
 
 void PrintSetting(const Json &setting) {
-    const std::string label = setting["label"];
+    const std::string label = setting.value("name", setting["label"].get<std::string>());
     Print("\n" + setting["key"].get<std::string>() + (label.empty() ? "" : "  \"" + label + "\"") + "\n");
     const auto line = [](const char *name, const std::string &text) { Print("  " + Padded(name, 10) + text + "\n"); };
+    const std::string help = setting["help"];
+    if (!help.empty()) Print("  " + help + "\n");
     line("type", setting["type"].get<std::string>() + ", " +
                      (setting["id"] == 0 ? "no control" : setting["control"].get<std::string>()));
     if (setting.contains("entries")) {
@@ -161,12 +181,8 @@ void PrintSetting(const Json &setting) {
             line(&entry == &setting["entries"][0] ? "entries" : "",
                  std::to_string(entry["value"].get<int>()) + " " + entry["name"].get<std::string>());
     } else if (setting.contains("min") && setting["type"] != "color") {
-        std::string range =
-            std::to_string(setting["min"].get<int64_t>()) + " to " + std::to_string(setting["max"].get<int64_t>());
-        if (setting.contains("shown"))
-            range += " (shown as " + ShownNumber(setting, setting["min"].get<int64_t>()) + " to " +
-                     ShownNumber(setting, setting["max"].get<int64_t>()) + ")";
-        line("range", range);
+        line("range", MeaningOf(setting, setting["min"].get<int64_t>()) + " to " +
+                          MeaningOf(setting, setting["max"].get<int64_t>()));
     }
     line("default", ValueText(setting, setting["default"]));
     if (setting["restore"] != setting["default"]) line("restore", ValueText(setting, setting["restore"]));

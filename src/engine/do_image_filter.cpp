@@ -62,6 +62,7 @@ struct OwningContext : FilterContext {
 bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandle second, uint32_t startIndex,
                  int32_t hostReserved) {
     context.ownerWindow = owner;
+    context.time = SystemTime();
     context.source = source;
     context.second = second;
     context.filterIndex = startIndex == LMF_FILTER_LAST ? Settings.CurrentFilter : static_cast<int32_t>(startIndex);

@@ -29,13 +29,13 @@ struct Filter {
 };
 
 inline constexpr PageControl kNoPage[1] = {};
-inline constexpr EnableRule kNoRules[1] = {};
+inline constexpr std::span<const EnableRule> kNoRules{};
 
 /// A filter with the page table `Page` and the rules `Rules`; a table with a fault does not compile.
 template <const auto &Page, const auto &Rules = kNoRules>
 consteval Filter MakeFilter(FilterKernelFunction kernel, PageHooks hooks = {}) {
     constexpr std::span<const PageControl> page(Page);
-    constexpr auto rules = &Rules == &kNoRules ? std::span<const EnableRule>() : std::span<const EnableRule>(Rules);
+    constexpr std::span<const EnableRule> rules(Rules);
     static_assert(FaultOf(page, rules).empty());
     return {kernel, page, rules, hooks};
 }

@@ -9,6 +9,7 @@ namespace lmf {
 /// Zero-filled at the start of a call. A copy keeps a whole state, but does not own the handles in it.
 struct FilterContext : FilterParameters {
     void *ownerWindow;                 ///< the host's, or null
+    int64_t time;                      ///< of the call, as SystemTime gives it
     int32_t filterIndex;               ///< current row of the catalogue
     DibHandle source;                  ///< the host's picture: never changed, never freed
     DibHandle second;                  ///< the host's second picture or null: never changed, never freed

@@ -125,6 +125,12 @@ struct PageControl {
         changed.offset = by;
         return changed;
     }
+    /// The same control showing value / 10.
+    constexpr PageControl InTenths() const {
+        PageControl changed = *this;
+        changed.shown = Shown::Tenths;
+        return changed;
+    }
     /// The same control with another track brush.
     constexpr PageControl Track(int32_t style) const {
         PageControl changed = *this;

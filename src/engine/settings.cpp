@@ -35,7 +35,12 @@ const ConfigEntry kKeylessRows[] = {
 #define CONTEXT_INT(key, value) {#key, &Settings.key, kConfigInt, &FilterParameters::key},
 #include "engine/settings.def"
 };
+
+} // namespace
+
 const std::span<const ConfigEntry> kKeylessSettings = kKeylessRows;
+
+namespace {
 
 template <typename Matches>
 const ConfigEntry *FindRow(Matches matches) {

@@ -5,26 +5,13 @@
 namespace lmf {
 
 #ifdef LMF_FAULT_INJECTION
-static int64_t allocationsLeft = -1;
-static int64_t failedAllocations = 0;
-static int64_t liveBlocks = 0;
-static int64_t liveLocks = 0;
-
-void FailAllocationAfter(int64_t n) {
-    allocationsLeft = n;
-    failedAllocations = 0;
-}
-int64_t FailedAllocations() {
-    return failedAllocations;
-}
-int64_t LiveBlocks() {
-    return liveBlocks;
-}
-int64_t LiveLocks() {
-    return liveLocks;
-}
 
 namespace {
+
+int64_t allocationsLeft = -1;
+int64_t failedAllocations = 0;
+int64_t liveBlocks = 0;
+int64_t liveLocks = 0;
 
 bool AllocationAllowed() {
     if (allocationsLeft < 0) return true;
@@ -41,15 +28,36 @@ void CountBlocks(int64_t change) {
 void CountLocks(int64_t change) {
     liveLocks += change;
 }
+
+} // namespace
+
+void FailAllocationAfter(int64_t n) {
+    allocationsLeft = n;
+    failedAllocations = 0;
+}
+int64_t FailedAllocations() {
+    return failedAllocations;
+}
+int64_t LiveBlocks() {
+    return liveBlocks;
+}
+int64_t LiveLocks() {
+    return liveLocks;
+}
+
 #else
+
+namespace {
+
 bool AllocationAllowed() {
     return true;
 }
 void CountBlocks(int64_t) {}
 void CountLocks(int64_t) {}
-#endif
 
 } // namespace
+
+#endif
 
 BlockHandle BlockAlloc(uint64_t bytes) {
     if (!AllocationAllowed()) return nullptr;

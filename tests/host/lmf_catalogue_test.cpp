@@ -48,7 +48,9 @@ TEST_F(LmfCatalogue, ListsEveryRowAsTheLibraryHasIt) {
             EXPECT_EQ(fileKeys.count(setting["key"]) == 1, setting["stored"].get<bool>()) << setting["key"];
             controls += setting["control"] == "radio button" ? setting["entries"].size() : 1;
         }
-        EXPECT_EQ(controls, FilterCatalogue[row].slots->page.size()) << FilterCatalogue[row].name;
+        const std::span<const PageControl> page = FilterCatalogue[row].filter->page;
+        EXPECT_EQ(controls, static_cast<size_t>(std::ranges::count_if(page, &PageControl::IsSetting)))
+            << FilterCatalogue[row].name;
     }
 }
 
@@ -57,8 +59,8 @@ TEST_F(LmfCatalogue, ShowsAFilterForPeopleAndForPrograms) {
     EXPECT_EQ(Json::parse(Run({"show", "gaussian BLUR", "--json"}).output), document["filters"][31]);
     const std::string text = Run({"show", "Gaussian Blur"}).output;
     EXPECT_TRUE(Has(text, "FilterGaussianRadius  \"Radius:\"\n"));
-    EXPECT_TRUE(Has(text, "10 to 990 (shown as 0.10 to 9.90)\n"));
-    EXPECT_TRUE(Has(text, "40 (shown as 0.40)\n"));
+    EXPECT_TRUE(Has(text, "range     10 is 1.0 pixels (shown as 0.10) to 990 is 99.0 pixels (shown as 9.90)\n"));
+    EXPECT_TRUE(Has(text, "default   40 is 4.0 pixels (shown as 0.40)\n"));
     EXPECT_TRUE(Has(Run({"show", "Fade"}).output, "2 South\n"));
     EXPECT_TRUE(Has(Run({"show", "Swirl"}).output, "restore   2925"));
     EXPECT_TRUE(Has(Run({"show", "Invert Colors"}).output, "no settings"));

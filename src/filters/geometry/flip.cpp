@@ -4,14 +4,18 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    RadioButton(460, "Horizontal", &P::FilterFlipDirection, 0, {0, 1}),
-    RadioButton(461, "Vertical", &P::FilterFlipDirection, 1, {0, 1}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    RadioButton(460, "Horizontal", &P::FilterFlipDirection, 0, {0, 1}).Help("Swaps left and right."),
+    RadioButton(461, "Vertical", &P::FilterFlipDirection, 1, {0, 1}).Help("Swaps top and bottom."),
 };
 
-static DibHandle FlipKernel(const ReadView &source, FilterContext &context) {
+DibHandle FlipKernel(const ReadView &source, FilterContext &context) {
     return context.FilterFlipDirection == 1 ? DibFlipVertical(source) : DibFlipHorizontal(source);
 }
+
+} // namespace
 
 extern constexpr Filter kFlip = MakeFilter<kPage>(FlipKernel);
 

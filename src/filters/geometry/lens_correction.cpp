@@ -5,14 +5,20 @@
 
 #include "common/multiversion.h"
 #include "engine/filter.h"
-#include "image/core/pixel_pass.h"
+#include "image/core/byte_pass.h"
 #include "image/geometry/mirror.h"
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(1120, "Strength:", &P::FilterLensCorrectStr, {0, 4000}),
-    Slider(1121, "Zoom:", &P::FilterLensCorrectZoom, {0, 100}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(1120, "Strength:", &P::FilterLensCorrectStr, {0, 4000})
+        .In(Unit::None, 1000)
+        .Help("How strongly the picture is bent to straighten what the lens bowed outwards."),
+    Slider(1121, "Zoom:", &P::FilterLensCorrectZoom, {0, 100})
+        .In(Unit::Percent)
+        .Help("Makes the picture smaller, so that more of what lies at its edges comes into view."),
 };
 
 struct Lens {
@@ -21,7 +27,7 @@ struct Lens {
     double zoom;
 };
 
-static Lens LensOf(const ReadView &view, const FilterContext &context) {
+Lens LensOf(const ReadView &view, const FilterContext &context) {
     const double width = view.width, height = view.height;
     double strength = context.FilterLensCorrectStr / 1000.0;
     if (strength == 0) strength = 0.00001;
@@ -30,7 +36,7 @@ static Lens LensOf(const ReadView &view, const FilterContext &context) {
 }
 
 LMF_MULTIVERSION
-static void ReachesOfRow(double *__restrict reaches, int32_t begin, int32_t end, Lens lens, double dy) {
+void ReachesOfRow(double *__restrict reaches, int32_t begin, int32_t end, Lens lens, double dy) {
     for (int32_t x = begin; x < end; x++) {
         const double dx = x - lens.cx;
         reaches[x] = std::sqrt(dx * dx + dy * dy) / lens.reach;
@@ -39,38 +45,39 @@ static void ReachesOfRow(double *__restrict reaches, int32_t begin, int32_t end,
 
 /// Source columns and rows; truncating a value above -1 gives at least 0.
 LMF_MULTIVERSION
-static void PlaceRow(double *__restrict xs, double *__restrict ys, const double *__restrict thetas, int32_t width,
-                     Lens lens, double dy) {
+void PlaceRow(double *__restrict xs, double *__restrict ys, const double *__restrict thetas, int32_t width, Lens lens,
+              double dy) {
     for (int32_t x = 0; x < width; x++) {
         xs[x] = thetas[x] * (x - lens.cx) * lens.zoom + lens.cx;
         ys[x] = thetas[x] * dy * lens.zoom + lens.cy;
     }
 }
 
-static void ReadRow(const PixelPass &pass, int32_t row, const double *xs, const double *ys, Color paper) {
-    const ReadView &from = pass.from;
-    uint8_t *target = pass.to.Row(row);
-    for (int32_t x = 0; x < from.width; x++) {
+/// @param outside  the pixel of positions outside the picture, as it lies in memory
+template <size_t kBytes>
+void ReadRow(uint8_t *to, const ReadView &from, const double *xs, const double *ys, const uint8_t *outside) {
+    for (int32_t x = 0; x < from.width; x++, to += kBytes) {
         const bool inside = xs[x] > -1 && xs[x] < from.width && ys[x] > -1 && ys[x] < from.height;
         const auto fromX = static_cast<int32_t>(inside ? xs[x] : 0), fromY = static_cast<int32_t>(inside ? ys[x] : 0);
-        if (inside && from.bits == 24)
-            std::memcpy(target + static_cast<size_t>(x) * 3, from.Row(fromY) + static_cast<size_t>(fromX) * 3, 3);
-        else
-            DibSetPixel(pass.to, x, row, inside ? DibGetPixel(pass.from, fromX, fromY) : paper);
+        std::memcpy(to, inside ? from.Row(fromY) + static_cast<size_t>(fromX) * kBytes : outside, kBytes);
     }
 }
 
-static DibHandle LensCorrectionKernel(const ReadView &source, FilterContext &context) {
-    PixelPass pass(source);
-    if (!pass) return nullptr;
-    const int32_t width = pass.from.width, height = pass.from.height;
+DibHandle LensCorrectionKernel(const ReadView &source, FilterContext &context) {
+    BytePass pass(source, Alpha::Carried);
+    const int32_t width = source.width, channels = pass.Channels();
     BlockArray<double> memory(static_cast<uint64_t>(width) * 3);
-    if (!memory) return nullptr;
+    if (!pass || !memory) return nullptr;
     double *thetas = memory.data, *xs = thetas + width, *ys = xs + width;
-    const Lens lens = LensOf(pass.from, context);
+    const Lens lens = LensOf(source, context);
     const MirrorAxis columns(width, lens.cx);
+    // Indexes take the low byte of the colour, and 32-bit pixels an alpha of 0.
+    uint8_t outside[4] = {};
+    StoreBgr(outside, context.paperColor);
+    if (channels == 1) outside[0] = RedOf(context.paperColor);
+    const auto readRow = channels == 1 ? ReadRow<1> : channels == 3 ? ReadRow<3> : ReadRow<4>;
     ForEachMirroredRow(
-        MirrorAxis(height, lens.cy),
+        MirrorAxis(source.height, lens.cy),
         [&](int32_t y) {
             FillMirrored(columns, 0, width, {thetas}, [&](int32_t begin, int32_t end) {
                 ReachesOfRow(thetas, begin, end, lens, y - lens.cy);
@@ -80,10 +87,12 @@ static DibHandle LensCorrectionKernel(const ReadView &source, FilterContext &con
         },
         [&](int32_t y) {
             PlaceRow(xs, ys, thetas, width, lens, y - lens.cy);
-            ReadRow(pass, y, xs, ys, context.paperColor);
+            readRow(pass.To().Row(y), pass.From(), xs, ys, outside);
         });
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kLensCorrection = MakeFilter<kPage>(LensCorrectionKernel);
 

@@ -13,25 +13,33 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    NumberEdit(800, "Angle (degrees):", &P::FilterRotateAngle, {0, 3599}),
-    RadioButton(801, "", &P::FilterRotateDirection, 0, {0, 1}),
-    RadioButton(802, "", &P::FilterRotateDirection, 1, {0, 1}),
-    CheckBox(805, "Interpolate", &P::FilterRotateInterpolate),
-    CheckBox(806, "Preserve size", &P::FilterRotatePreserve),
-    CheckBox(807, "Maximum quality", &P::FilterRotateShear),
+namespace {
+
+constexpr PageControl kPage[] = {
+    NumberEdit(800, "Angle (degrees):", &P::FilterRotateAngle, {0, 3599})
+        .InTenths()
+        .In(Unit::Degrees, 10)
+        .Help("How far the picture is turned."),
+    RadioButton(801, "", &P::FilterRotateDirection, 0, {0, 1}).Named("Left").Help("Turns the picture to the left."),
+    RadioButton(802, "", &P::FilterRotateDirection, 1, {0, 1}).Named("Right").Help("Turns the picture to the right."),
+    CheckBox(805, "Interpolate", &P::FilterRotateInterpolate)
+        .Help("Mixes neighbouring pixels for smooth edges; true colour and grey pictures only."),
+    CheckBox(806, "Preserve size", &P::FilterRotatePreserve)
+        .Help("Keeps the size of the picture, so that its corners may be cut off."),
+    CheckBox(807, "Maximum quality", &P::FilterRotateShear)
+        .Help("Keeps fine detail sharper while Interpolate is set; takes longer."),
 };
 
-static constexpr int64_t kQuarter = 900; ///< tenths of a degree
+constexpr int32_t kQuarter = 900; ///< tenths of a degree
 
 /// Length of the shadow that the picture throws on an axis. Rounding errors must not make it a pixel longer.
-static int32_t BoxSide(double along, double across, const RotationPlan &turn) {
+int32_t BoxSide(double along, double across, const RotationPlan &turn) {
     const double side = std::ceil(along * std::fabs(turn.cosine) + across * std::fabs(turn.sine) - 1e-6);
     return side <= INT32_MAX ? std::max(static_cast<int32_t>(side), 1) : 0;
 }
 
-static RotationPlan PlanFor(int64_t tenths, const ReadView &from, bool preserveSize) {
-    const double angle = static_cast<double>(tenths) / 10.0 * std::numbers::pi / 180.0;
+RotationPlan PlanFor(int32_t tenths, const ReadView &from, bool preserveSize) {
+    const double angle = tenths / 10.0 * std::numbers::pi / 180.0;
     RotationPlan plan{std::sin(angle), std::cos(angle), from.width, from.height, 0};
     if (!preserveSize) {
         const RotationPlan turn = plan;
@@ -42,15 +50,15 @@ static RotationPlan PlanFor(int64_t tenths, const ReadView &from, bool preserveS
 }
 
 /// By one, two or three quarters to the left.
-static DibHandle TurnQuarters(const ReadView &source, int64_t quarters) {
+DibHandle TurnQuarters(const ReadView &source, int32_t quarters) {
     if (quarters == 2) return DibTurnHalf(source);
     return quarters == 1 ? DibTurnAnticlockwise(source) : DibTurnClockwise(source);
 }
 
 /// A quarter turn to the left or right, then shears by the 45 degrees at most that are left.
-static RotatedPicture TurnAndShear(const ReadView &source, int64_t tenths, RotationPlan plan) {
-    const int64_t quarters = (tenths + kQuarter / 2) / kQuarter;
-    const double rest = static_cast<double>(tenths - quarters * kQuarter) / 10.0 * std::numbers::pi / 180.0;
+RotatedPicture TurnAndShear(const ReadView &source, int32_t tenths, RotationPlan plan) {
+    const int32_t quarters = (tenths + kQuarter / 2) / kQuarter;
+    const double rest = (tenths - quarters * kQuarter) / 10.0 * std::numbers::pi / 180.0;
     plan.sine = std::sin(rest);
     plan.cosine = std::cos(rest);
     if (quarters % 4 == 0) return RotateByShears(source, plan);
@@ -58,7 +66,7 @@ static RotatedPicture TurnAndShear(const ReadView &source, int64_t tenths, Rotat
     return turned ? RotateByShears(turned, plan) : RotatedPicture{};
 }
 
-static DibHandle RotateFreely(const ReadView &source, int64_t tenths, FilterContext &context) {
+DibHandle RotateFreely(const ReadView &source, int32_t tenths, FilterContext &context) {
     RotationPlan plan = PlanFor(tenths, source, context.FilterRotatePreserve != 0);
     plan.fill = PaperFillValue(context.paperColor, context.mode, source);
     const bool interpolate =
@@ -71,8 +79,8 @@ static DibHandle RotateFreely(const ReadView &source, int64_t tenths, FilterCont
     return rotated.picture.Release();
 }
 
-static DibHandle RotateKernel(const ReadView &source, FilterContext &context) {
-    int64_t tenths = context.FilterRotateAngle;
+DibHandle RotateKernel(const ReadView &source, FilterContext &context) {
+    int32_t tenths = context.FilterRotateAngle;
     if (context.FilterRotateDirection == 1) tenths = 4 * kQuarter - tenths;
     switch (tenths) {
     case 0:
@@ -82,10 +90,11 @@ static DibHandle RotateKernel(const ReadView &source, FilterContext &context) {
     case 3 * kQuarter:
         return TurnQuarters(source, tenths / kQuarter);
     default:
-        // Values from elsewhere than the page may be out of range.
-        return RotateFreely(source, (tenths % (4 * kQuarter) + 4 * kQuarter) % (4 * kQuarter), context);
+        return RotateFreely(source, tenths % (4 * kQuarter), context);
     }
 }
+
+} // namespace
 
 extern constexpr Filter kRotate = MakeFilter<kPage>(RotateKernel);
 

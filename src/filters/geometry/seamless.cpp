@@ -9,8 +9,11 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    CheckBox(820, "Maintain size", &P::FilterSeamlessMaintain),
+namespace {
+
+constexpr PageControl kPage[] = {
+    CheckBox(820, "Maintain size", &P::FilterSeamlessMaintain)
+        .Help("Brings the result, which has half the width and height, back to the size of the picture."),
 };
 
 /// How the halves of one axis fade: a position takes its far half, then more and more of the near one.
@@ -31,21 +34,21 @@ struct Fade {
 
 /// to = far half to near half along a row, in 256ths; `shares` holds one for every byte.
 LMF_MULTIVERSION
-static void FadeColumns(uint16_t *__restrict to, const uint8_t *__restrict farHalf, const uint8_t *__restrict nearHalf,
-                        const uint16_t *__restrict shares, size_t count) {
+void FadeColumns(uint16_t *__restrict to, const uint8_t *__restrict farHalf, const uint8_t *__restrict nearHalf,
+                 const uint16_t *__restrict shares, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint16_t>(farHalf[i] * (256 - shares[i]) + nearHalf[i] * shares[i]);
 }
 
 LMF_MULTIVERSION
-static void FadeRows(uint8_t *__restrict to, const uint16_t *__restrict farHalf, const uint16_t *__restrict nearHalf,
-                     uint32_t share, size_t count) {
+void FadeRows(uint8_t *__restrict to, const uint16_t *__restrict farHalf, const uint16_t *__restrict nearHalf,
+              uint32_t share, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>((farHalf[i] * (256 - share) + nearHalf[i] * share + 32768) >> 16);
 }
 
 /// @return false without memory.
-static bool MixHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
+bool MixHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
     const size_t channels = from.bits / 8;
     const size_t count = static_cast<size_t>(columns.side) * channels;
     BlockArray<uint16_t> shares(count), farRow(count), nearRow(count);
@@ -63,7 +66,7 @@ static bool MixHalves(const WriteView &to, const ReadView &from, const Fade &col
 
 /// Takes pixels whole. The thresholds are those of the ordered 4 x 4 dither of Bayer (1973), turned for the rows so
 /// that both choices do not fall together, and drawn together around the middle so that only a band is dithered.
-static void ChooseHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
+void ChooseHalves(const WriteView &to, const ReadView &from, const Fade &columns, const Fade &rows) {
     static constexpr uint8_t kThresholds[4][4] = {
         {88, 131, 99, 141}, {152, 109, 163, 120}, {104, 147, 93, 136}, {168, 125, 157, 115}};
     for (int32_t y = 0; y < rows.side; y++) {
@@ -76,7 +79,7 @@ static void ChooseHalves(const WriteView &to, const ReadView &from, const Fade &
 }
 
 /// The result without regard to "Maintain size"; the caller owns it.
-static DibHandle OverlapHalves(const ReadView &from, int32_t mode) {
+DibHandle OverlapHalves(const ReadView &from, int32_t mode) {
     const Fade columns(from.width), rows(from.height);
     LockedDib result(DibCreateLike(from, columns.side, rows.side));
     const WriteView &to = result.View();
@@ -90,7 +93,7 @@ static DibHandle OverlapHalves(const ReadView &from, int32_t mode) {
 }
 
 /// Twice the sides, less what an odd side has too much of. Palettes can only be enlarged by whole percentages.
-static DibHandle Enlarge(const ReadView &half, int32_t mode, int32_t width, int32_t height) {
+DibHandle Enlarge(const ReadView &half, int32_t mode, int32_t width, int32_t height) {
     ResizeParameters parameters;
     parameters.horizontal = 200;
     parameters.constant = false;
@@ -102,11 +105,13 @@ static DibHandle Enlarge(const ReadView &half, int32_t mode, int32_t width, int3
     return DibCropRect(whole, 0, 0, width, height);
 }
 
-static DibHandle SeamlessKernel(const ReadView &source, FilterContext &context) {
+DibHandle SeamlessKernel(const ReadView &source, FilterContext &context) {
     LockedDib half(OverlapHalves(source, context.mode));
     if (!half || context.FilterSeamlessMaintain == 0) return half.Release();
     return Enlarge(half, context.mode, source.width, source.height);
 }
+
+} // namespace
 
 extern constexpr Filter kSeamless = MakeFilter<kPage>(SeamlessKernel);
 

@@ -13,10 +13,16 @@
 
 namespace lmf {
 
-static constexpr int32_t kStoredZero = 30;
-static constexpr PageControl kPage[] = {
-    OffsetSlider(880, "Horizontal:", &P::FilterShearDegreeX, {0, 60}, kStoredZero),
-    OffsetSlider(881, "Vertical:", &P::FilterShearDegreeY, {0, 60}, kStoredZero),
+namespace {
+
+constexpr int32_t kStoredZero = 30;
+constexpr PageControl kPage[] = {
+    OffsetSlider(880, "Horizontal:", &P::FilterShearDegreeX, {0, 2 * kStoredZero}, kStoredZero)
+        .In(Unit::Degrees)
+        .Help("How far the top leans to the right; negative angles lean it to the left."),
+    OffsetSlider(881, "Vertical:", &P::FilterShearDegreeY, {0, 2 * kStoredZero}, kStoredZero)
+        .In(Unit::Degrees)
+        .Help("How far the right side sinks; negative angles raise it."),
 };
 
 /// How far the lines of one axis are shifted.
@@ -26,10 +32,8 @@ struct Lean {
     int32_t margin; ///< pixels that the outermost lines need on either side
 
     Lean(int32_t stored, int32_t lines) : middle((lines - 1) / 2.0) {
-        // Values from elsewhere than the page may be out of range.
-        const double degrees = std::clamp(stored, 0, 2 * kStoredZero) - kStoredZero;
-        slope = std::tan(degrees * std::numbers::pi / 180.0);
-        margin = static_cast<int32_t>(std::min(std::ceil(std::fabs(slope) * middle), 1e9));
+        slope = std::tan((stored - kStoredZero) * std::numbers::pi / 180.0);
+        margin = static_cast<int32_t>(std::ceil(std::fabs(slope) * middle));
     }
 };
 
@@ -44,8 +48,8 @@ struct Shift {
 };
 
 LMF_MULTIVERSION
-static void BlendNeighbours(uint8_t *__restrict to, const uint8_t *__restrict line, size_t count, size_t step,
-                            uint32_t fraction) {
+void BlendNeighbours(uint8_t *__restrict to, const uint8_t *__restrict line, size_t count, size_t step,
+                     uint32_t fraction) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>(
             static_cast<uint16_t>(line[i + step] * (255 - fraction) + line[i] * fraction + 127) / 255);
@@ -57,8 +61,8 @@ struct PaddedLine {
     int32_t pixels;
     size_t step; ///< bytes a pixel
 
-    PaddedLine(int32_t pixels, size_t step)
-        : bytes((static_cast<uint64_t>(pixels) + 2) * step), pixels(pixels), step(step) {}
+    PaddedLine(int32_t linePixels, size_t pixelBytes)
+        : bytes((static_cast<uint64_t>(linePixels) + 2) * pixelBytes), pixels(linePixels), step(pixelBytes) {}
 
     /// Puts the line into `to`, a line of toPixels pixels, at its place plus the shift. What it leaves free stays.
     void Blend(uint8_t *to, int32_t toPixels, int32_t place, const uint8_t *line, const uint8_t *fill, Shift shift) {
@@ -73,7 +77,7 @@ struct PaddedLine {
 };
 
 /// Shifts the rows of `from` into `to`, which is already filled. @return false without memory.
-static bool ShearRows(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
+bool ShearRows(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
     PaddedLine line(from.width, from.bits / 8);
     if (!line.bytes) return false;
     for (int32_t y = 0; y < from.height; y++)
@@ -82,7 +86,7 @@ static bool ShearRows(const WriteView &to, const ReadView &from, const Lean &lea
 }
 
 /// The same for columns; `to` may be blank. @return false without memory.
-static bool ShearColumns(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
+bool ShearColumns(const WriteView &to, const ReadView &from, const Lean &lean, const uint8_t *fill) {
     const ptrdiff_t channels = from.bits / 8;
     PaddedLine line(from.height, 1);
     if (!line.bytes) return false;
@@ -95,12 +99,12 @@ static bool ShearColumns(const WriteView &to, const ReadView &from, const Lean &
 }
 
 /// A side with a margin on both ends; 0 where no picture can be that large.
-static int32_t Widened(int32_t side, int32_t margin) {
+int32_t Widened(int32_t side, int32_t margin) {
     const int64_t widened = side + int64_t{2} * margin;
     return widened <= INT32_MAX ? static_cast<int32_t>(widened) : 0;
 }
 
-static DibHandle ShearKernel(const ReadView &source, FilterContext &context) {
+DibHandle ShearKernel(const ReadView &source, FilterContext &context) {
     // Indexes and bits cannot be blended; the catalogue lets no such picture through.
     if (!HasBytePixels(source.bits)) return nullptr;
     const Lean across(context.FilterShearDegreeX, source.height);
@@ -115,14 +119,14 @@ static DibHandle ShearKernel(const ReadView &source, FilterContext &context) {
     if (!ShearRows(middle, source, across, fill)) return nullptr;
 
     const Lean down(context.FilterShearDegreeY, middle.width);
-    if (down.margin == 0) {
-        return leaning.Release();
-    }
+    if (down.margin == 0) return leaning.Release();
     LockedDib result(DibCreateLike(source, middle.width, Widened(source.height, down.margin)));
     const WriteView &to = result.View();
     if (!result || !ShearColumns(to, middle, down, fill)) return nullptr;
     return result.Release();
 }
+
+} // namespace
 
 extern constexpr Filter kShear = MakeFilter<kPage>(ShearKernel);
 

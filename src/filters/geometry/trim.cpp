@@ -9,15 +9,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Combo(993, "Trim mode:", &P::FilterTrimMode, "By color;By size;By percent"),
-    CheckBox(994, "North", &P::FilterTrimNorth),
-    CheckBox(995, "East", &P::FilterTrimEast),
-    CheckBox(996, "South", &P::FilterTrimSouth),
-    CheckBox(997, "West", &P::FilterTrimWest),
-    Slider(990, "Tolerance:", &P::FilterTrimTol, {0, 255}),
-    Slider(991, "Size:", &P::FilterTrimSize, {1, 1024}),
-    Slider(992, "Percent:", &P::FilterTrimPercent, {1, 50}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Combo(993, "Trim mode:", &P::FilterTrimMode, "By color;By size;By percent")
+        .Help("What is taken away: plain borders, a number of pixels, or a part of each side."),
+    CheckBox(994, "North", &P::FilterTrimNorth).Help("Trims the upper edge."),
+    CheckBox(995, "East", &P::FilterTrimEast).Help("Trims the right edge."),
+    CheckBox(996, "South", &P::FilterTrimSouth).Help("Trims the lower edge."),
+    CheckBox(997, "West", &P::FilterTrimWest).Help("Trims the left edge."),
+    Slider(990, "Tolerance:", &P::FilterTrimTol, {0, 255})
+        .In(Unit::Levels)
+        .Help("By color: how much a border may differ from its corner and still count as plain."),
+    Slider(991, "Size:", &P::FilterTrimSize, {1, 1024}).In(Unit::Pixels).Help("By size: how much each edge loses."),
+    Slider(992, "Percent:", &P::FilterTrimPercent, {1, 50})
+        .In(Unit::Percent)
+        .Help("By percent: how much of the width or height each edge loses."),
 };
 
 enum TrimMode : int32_t { kByColor = 0, kBySize = 1, kByPercent = 2 };
@@ -27,13 +34,13 @@ struct Rest {
     int32_t left, top, right, bottom;
 };
 
-static int32_t ChannelDistance(uint32_t a, uint32_t b) {
+int32_t ChannelDistance(uint32_t a, uint32_t b) {
     const int32_t red = std::abs(RedOf(a) - RedOf(b)), green = std::abs(GreenOf(a) - GreenOf(b));
     return std::max(std::max(red, green), std::abs(BlueOf(a) - BlueOf(b)));
 }
 
 /// Are all pixels of the rectangle within the tolerance of `corner`?
-static bool IsPlain(const ReadView &image, const Rest &part, uint32_t corner, int32_t tolerance) {
+bool IsPlain(const ReadView &image, const Rest &part, uint32_t corner, int32_t tolerance) {
     for (int32_t y = part.top; y < part.bottom; y++) {
         for (int32_t x = part.left; x < part.right; x++) {
             if (ChannelDistance(DibGetPixel(image, x, y), corner) > tolerance) return false;
@@ -44,11 +51,10 @@ static bool IsPlain(const ReadView &image, const Rest &part, uint32_t corner, in
 
 /// How many lines of a side go; `lineAt(k)` is the k-th line from that side and `most` what the side may lose.
 template <typename LineAt>
-static int32_t LinesToTrim(const FilterContext &context, const ReadView &image, int32_t axis, int32_t most,
-                           LineAt lineAt) {
-    if (context.FilterTrimMode == kBySize) return std::clamp(context.FilterTrimSize, 0, most);
+int32_t LinesToTrim(const FilterContext &context, const ReadView &image, int32_t axis, int32_t most, LineAt lineAt) {
+    if (context.FilterTrimMode == kBySize) return std::min(context.FilterTrimSize, most);
     if (context.FilterTrimMode == kByPercent)
-        return static_cast<int32_t>(std::clamp<int64_t>(int64_t{axis} * context.FilterTrimPercent / 100, 0, most));
+        return static_cast<int32_t>(std::min<int64_t>(int64_t{axis} * context.FilterTrimPercent / 100, most));
     const Rest first = lineAt(0);
     const uint32_t corner = DibGetPixel(image, first.left, first.top);
     int32_t lines = 0;
@@ -56,7 +62,7 @@ static int32_t LinesToTrim(const FilterContext &context, const ReadView &image, 
     return lines;
 }
 
-static DibHandle TrimKernel(const ReadView &source, FilterContext &context) {
+DibHandle TrimKernel(const ReadView &source, FilterContext &context) {
     const int32_t width = source.width, height = source.height;
     Rest rest{0, 0, width, height};
     const auto lines = [&](int32_t axis, int32_t most, auto lineAt) {
@@ -80,6 +86,8 @@ static DibHandle TrimKernel(const ReadView &source, FilterContext &context) {
         });
     return DibCropRect(source, rest.left, rest.top, rest.right, rest.bottom);
 }
+
+} // namespace
 
 extern constexpr Filter kTrim = MakeFilter<kPage>(TrimKernel);
 

@@ -9,18 +9,11 @@ namespace {
 /// Reads a picture of any depth into one of bytes; all that DibGetPixel says of other depths holds.
 void WidenRows(const WriteView &to, const ReadView &from) {
     for (int32_t y = 0; y < from.height; y++) {
-        uint8_t *row = to.Row(y);
         if (from.bits == 32) {
-            DropAlphaRow(row, from.Row(y), from.width);
+            DropAlphaRow(to.Row(y), from.Row(y), from.width);
             continue;
         }
-        for (ptrdiff_t x = 0; x < from.width; x++) {
-            const uint32_t pixel = DibGetPixel(from, static_cast<int32_t>(x), y);
-            if (to.bits == 24)
-                StoreBgr(row + x * 3, pixel);
-            else
-                row[x] = static_cast<uint8_t>(pixel);
-        }
+        for (int32_t x = 0; x < from.width; x++) DibSetPixel(to, x, y, DibGetPixel(from, x, y));
     }
 }
 
@@ -37,19 +30,23 @@ void SpreadRow(uint8_t *row, ptrdiff_t width) {
 
 } // namespace
 
-BytePass::BytePass(const ReadView &source) : from(source), result(DibCreateLike(source, source.width, source.height)) {
+BytePass::BytePass(const ReadView &source, Alpha alpha) : BytePass(source, source.width, source.height, alpha) {}
+
+BytePass::BytePass(const ReadView &source, int32_t width, int32_t height, Alpha alpha)
+    : from(source), result(DibCreateLike(source, width, height)) {
     if (!result) return;
     to = result.View();
-    if (source.bits != 8 && source.bits != 24) {
-        wideSource = LockedDib(DibCreate(source.width, source.height, nullptr, to.bits <= 8 ? 8 : 24));
+    const uint32_t wideBits = to.bits <= 8 ? 8 : alpha == Alpha::Carried ? to.bits : 24;
+    if (source.bits != wideBits) {
+        wideSource = LockedDib(DibCreate(source.width, source.height, nullptr, wideBits));
         if (!wideSource) return;
         WidenRows(wideSource.View(), source);
         from = wideSource;
     }
-    if (to.bits == 32) {
-        to.bits = 24; // in rows that are longer than they need to be
-    } else if (to.bits < 8) {
-        wideResult = LockedDib(DibCreate(source.width, source.height, nullptr, 8));
+    if (to.bits > wideBits) {
+        to.bits = wideBits; // in rows that are longer than they need to be
+    } else if (to.bits < wideBits) {
+        wideResult = LockedDib(DibCreate(width, height, nullptr, wideBits));
         if (!wideResult) return;
         to = wideResult.View();
     }
@@ -58,7 +55,7 @@ BytePass::BytePass(const ReadView &source) : from(source), result(DibCreateLike(
 
 DibHandle BytePass::Finish() {
     const WriteView &narrow = result.View();
-    if (narrow.bits == 32) {
+    if (narrow.bits > to.bits) {
         for (int32_t y = 0; y < narrow.height; y++) SpreadRow(narrow.Row(y), narrow.width);
     } else if (wideResult) {
         for (int32_t y = 0; y < narrow.height; y++)

@@ -6,20 +6,22 @@
 
 namespace lmf {
 
+namespace {
+
 LMF_MULTIVERSION
-static void ReverseBytes(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
+void ReverseBytes(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
     for (size_t i = 0; i < count; i++) to[i] = from[count - 1 - i];
 }
 
 LMF_MULTIVERSION
-static void ReverseQuads(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
+void ReverseQuads(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
     for (size_t i = 0; i < count; i++) std::memcpy(to + i * 4, from + (count - 1 - i) * 4, 4);
 }
 
 /// Five pixels at a time in a register of 16 bytes. The spare byte lies before them when they are read and after them
 /// when they are written, where the next pixel overwrites it; so at least one more pixel must follow.
 LMF_MULTIVERSION
-static void ReverseTriples(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
+void ReverseTriples(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
     using Bytes16 = uint8_t __attribute__((vector_size(16)));
     const uint8_t *end = from + count * 3;
     for (; count > 5; count -= 5, to += 15, end -= 15) {
@@ -30,6 +32,8 @@ static void ReverseTriples(uint8_t *__restrict to, const uint8_t *__restrict fro
     }
     for (; count > 0; count--, to += 3, end -= 3) std::memcpy(to, end - 3, 3);
 }
+
+} // namespace
 
 void ReversePixels(uint8_t *to, const uint8_t *from, size_t count, size_t pixelBytes) {
     switch (pixelBytes) {

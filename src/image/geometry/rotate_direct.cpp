@@ -7,52 +7,52 @@
 
 namespace lmf {
 
-static constexpr int kWeightBits = 8;
+namespace {
 
-static inline int32_t WeightOf(int64_t position) {
+constexpr int kWeightBits = 8;
+
+int32_t WeightOf(int64_t position) {
     return static_cast<int32_t>(position >> (kFractionBits - kWeightBits)) & ((1 << kWeightBits) - 1);
 }
 
-/// The mix of four neighbours, for one channel or a lane for each.
+/// The mix of four neighbours, for one channel or for all at once.
 template <typename Number>
-static inline __attribute__((always_inline)) void MixFour(Number &mixed, const Number &p00, const Number &p10,
-                                                          const Number &p01, const Number &p11, int32_t weightX,
-                                                          int32_t weightY) {
-    const Number above = (p00 << kWeightBits) + (p10 - p00) * weightX;
-    const Number below = (p01 << kWeightBits) + (p11 - p01) * weightX;
+inline __attribute__((always_inline)) void MixFour(Number &mixed, const FourTaps<Number> &p, int32_t weightX,
+                                                   int32_t weightY) {
+    const Number above = (p.p00 << kWeightBits) + (p.p10 - p.p00) * weightX;
+    const Number below = (p.p01 << kWeightBits) + (p.p11 - p.p01) * weightX;
     mixed = ((above << kWeightBits) + (below - above) * weightY + (1 << (2 * kWeightBits - 1))) >> (2 * kWeightBits);
 }
 
-/// A stretch of pixels of which all neighbours lie inside the source; `at` is the upper left neighbour of the first.
-template <size_t kChannels>
-static void MixInside(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
-    for (; count > 0; count--, at.x += stepX, at.y += stepY, to += kChannels) {
-        const uint8_t *p = from.Row(static_cast<int32_t>(at.y >> kFractionBits)) +
-                           (at.x >> kFractionBits) * static_cast<int64_t>(kChannels);
-        const uint8_t *q = p - from.stride;
-        for (size_t c = 0; c < kChannels; c++) {
-            int32_t mixed;
-            MixFour<int32_t>(mixed, p[c], p[c + kChannels], q[c], q[c + kChannels], WeightOf(at.x), WeightOf(at.y));
-            to[c] = static_cast<uint8_t>(mixed);
-        }
+template <size_t kBytes>
+inline __attribute__((always_inline)) void MixInsideOf(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX,
+                                                       int64_t stepY, int32_t count) {
+    for (; count > 0; count--, at.x += stepX, at.y += stepY, to += kBytes) {
+        const auto x = static_cast<int32_t>(at.x >> kFractionBits);
+        const uint8_t *row = from.Row(static_cast<int32_t>(at.y >> kFractionBits));
+        FourTaps<IntPixel<kBytes>> taps;
+        ReadTaps<kBytes>(taps, row, row - from.stride, x, x + 1);
+        IntPixel<kBytes> mixed;
+        MixFour(mixed, taps, WeightOf(at.x), WeightOf(at.y));
+        StorePixel<kBytes>(to, mixed);
     }
 }
 
+/// A stretch of pixels of which all neighbours lie inside the source; `at` is the upper left neighbour of the first.
 LMF_MULTIVERSION
-static void MixInside24(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
-    for (; count > 0; count--, at.x += stepX, at.y += stepY, to += 3) {
-        const auto x = static_cast<int32_t>(at.x >> kFractionBits);
-        const uint8_t *row = from.Row(static_cast<int32_t>(at.y >> kFractionBits));
-        FourTaps taps;
-        ReadTaps24(taps, row, row - from.stride, x, x + 1);
-        IntLanes mixed;
-        MixFour(mixed, taps.p00, taps.p10, taps.p01, taps.p11, WeightOf(at.x), WeightOf(at.y));
-        StoreLanes24(to, mixed);
+void MixInside(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
+    switch (from.bits) {
+    case 8:
+        return MixInsideOf<1>(to, from, at, stepX, stepY, count);
+    case 24:
+        return MixInsideOf<3>(to, from, at, stepX, stepY, count);
+    default:
+        return MixInsideOf<4>(to, from, at, stepX, stepY, count);
     }
 }
 
 /// A stretch along an edge: the outermost pixels stand in for the neighbours that are missing.
-static void MixEdge(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
+void MixEdge(uint8_t *to, const ReadView &from, SourceRow at, int64_t stepX, int64_t stepY, int32_t count) {
     const ptrdiff_t channels = from.bits / 8;
     for (; count > 0; count--, at.x += stepX, at.y += stepY) {
         const auto x = static_cast<int32_t>(at.x >> kFractionBits), y = static_cast<int32_t>(at.y >> kFractionBits);
@@ -60,7 +60,7 @@ static void MixEdge(uint8_t *to, const ReadView &from, SourceRow at, int64_t ste
         const uint8_t *p = from.Row(std::max(y, 0)), *q = from.Row(std::min(y + 1, from.height - 1));
         for (ptrdiff_t c = 0; c < channels; c++) {
             int32_t mixed;
-            MixFour<int32_t>(mixed, p[left + c], p[right + c], q[left + c], q[right + c], WeightOf(at.x),
+            MixFour<int32_t>(mixed, {p[left + c], p[right + c], q[left + c], q[right + c]}, WeightOf(at.x),
                              WeightOf(at.y));
             *to++ = static_cast<uint8_t>(mixed);
         }
@@ -70,7 +70,7 @@ static void MixEdge(uint8_t *to, const ReadView &from, SourceRow at, int64_t ste
 /// Runs visit(y, range) for all of 0 <= x < width in small tiles: a whole row of the result would cross so many rows of
 /// the source that each read missed the caches and the page table.
 template <typename Visit>
-static void ForEachTileRow(int32_t width, int32_t height, Visit visit) {
+void ForEachTileRow(int32_t width, int32_t height, Visit visit) {
     constexpr int32_t kTileWidth = 128, kTileHeight = 32;
     for (int32_t top = 0; top < height; top += std::min(kTileHeight, height - top)) {
         for (int32_t left = 0; left < width; left += std::min(kTileWidth, width - left)) {
@@ -80,9 +80,8 @@ static void ForEachTileRow(int32_t width, int32_t height, Visit visit) {
     }
 }
 
-static void MixRows(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map) {
+void MixRows(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map) {
     const size_t channels = from.bits / 8;
-    const auto mixInside = from.bits == 8 ? MixInside<1> : from.bits == 24 ? MixInside24 : MixInside<4>;
     const auto along = [&](int32_t y, Range range, auto mix) {
         if (range.first >= range.last) return;
         const SourceRow start = map.Row(y);
@@ -91,7 +90,7 @@ static void MixRows(const RotationCanvas &canvas, const ReadView &from, const So
             range.last - range.first);
     };
     ForEachTileRow(map.plan.width, map.plan.height,
-                   [&](int32_t y, Range tile) { along(y, Common(map.PartsOf(y).whole, tile), mixInside); });
+                   [&](int32_t y, Range tile) { along(y, Common(map.PartsOf(y).whole, tile), MixInside); });
     for (int32_t y = 0; y < map.plan.height; y++) {
         const auto [covered, whole] = map.PartsOf(y);
         along(y, {covered.first, whole.first}, MixEdge);
@@ -100,7 +99,7 @@ static void MixRows(const RotationCanvas &canvas, const ReadView &from, const So
     }
 }
 
-static void PickRows(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map) {
+void PickRows(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map) {
     for (int32_t y = 0; y < map.plan.height; y++) {
         const Range inside = map.PartInside(map.Row(y), 0);
         std::memcpy(canvas.to.Row(y), canvas.fillRow.data, static_cast<size_t>(canvas.to.stride));
@@ -116,6 +115,8 @@ static void PickRows(const RotationCanvas &canvas, const ReadView &from, const S
         }
     });
 }
+
+} // namespace
 
 RotatedPicture RotateDirect(const ReadView &from, const RotationPlan &plan, bool interpolate) {
     RotationCanvas canvas(from, plan);

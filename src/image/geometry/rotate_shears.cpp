@@ -8,21 +8,23 @@
 
 namespace lmf {
 
-static constexpr int32_t kTaps = 6;
-static constexpr int32_t kTapsBefore = 2;
+namespace {
+
+constexpr int32_t kTaps = 6;
+constexpr int32_t kTapsBefore = 2;
 
 /// Pixels that the shears keep around the picture, copies of its outermost ones. What the last shear reads beside an
 /// edge was up to 6 pixels away before the first.
-static constexpr int32_t kMargin = 8;
+constexpr int32_t kMargin = 8;
 
 LMF_MULTIVERSION
-static void WidenBytes(float *__restrict to, const uint8_t *__restrict from, size_t count) {
+void WidenBytes(float *__restrict to, const uint8_t *__restrict from, size_t count) {
     for (size_t i = 0; i < count; i++) to[i] = from[i];
 }
 
 LMF_MULTIVERSION
-static void Convolve(uint8_t *__restrict to, const float *__restrict from, size_t count, size_t step,
-                     const float *__restrict weights) {
+void Convolve(uint8_t *__restrict to, const float *__restrict from, size_t count, size_t step,
+              const float *__restrict weights) {
     const float w0 = weights[0], w1 = weights[1], w2 = weights[2], w3 = weights[3], w4 = weights[4], w5 = weights[5];
     for (size_t i = 0; i < count; i++) {
         const float *tap = from + i;
@@ -40,8 +42,8 @@ struct LineShifter {
     BlockArray<float> numbers;
 
     /// For lines of up to `pixels` pixels.
-    LineShifter(int32_t pixels, size_t channels)
-        : channels(channels), numbers((static_cast<uint64_t>(pixels) + kTaps) * channels) {}
+    LineShifter(int32_t pixels, size_t pixelBytes)
+        : channels(pixelBytes), numbers((static_cast<uint64_t>(pixels) + kTaps) * pixelBytes) {}
 
     /// Pixels `range` of `to` from a line of `pixels` pixels that lies `offset` pixels to the right there.
     void Shift(uint8_t *to, Range range, const uint8_t *from, int32_t pixels, double offset) {
@@ -59,7 +61,8 @@ private:
     static void FillWeights(float *weights, double fraction) {
         const ResampleWindow &lanczos = kResampleWindows[kWindowLanczos];
         double exact[kTaps], sum = 0.0;
-        for (int32_t i = 0; i < kTaps; i++) sum += exact[i] = lanczos.weight(i - kTapsBefore - fraction, 3.0);
+        for (int32_t i = 0; i < kTaps; i++)
+            sum += exact[i] = lanczos.weight(i - kTapsBefore - fraction, lanczos.support);
         for (int32_t i = 0; i < kTaps; i++) weights[i] = static_cast<float>(exact[i] / sum);
     }
 
@@ -83,14 +86,14 @@ private:
 };
 
 /// The part of 0 .. size - 1 that a line of `pixels` pixels with `margin` more at each end covers at an offset.
-static Range PlaceOf(double offset, int32_t pixels, int32_t margin, int32_t size) {
+Range PlaceOf(double offset, int32_t pixels, int32_t margin, int32_t size) {
     const double first = std::floor(offset) - margin, last = std::ceil(offset) + pixels + margin;
     return {static_cast<int32_t>(std::clamp(first, 0.0, static_cast<double>(size))),
             static_cast<int32_t>(std::clamp(last, 0.0, static_cast<double>(size)))};
 }
 
 /// First shear: rows, with copies of the outermost rows above and below. @return false without memory.
-static bool ShearIn(const WriteView &to, const ReadView &from, double slope) {
+bool ShearIn(const WriteView &to, const ReadView &from, double slope) {
     LineShifter shifter(to.width, from.bits / 8);
     if (!shifter.numbers) return false;
     for (int32_t y = 0; y < to.height; y++) {
@@ -103,7 +106,7 @@ static bool ShearIn(const WriteView &to, const ReadView &from, double slope) {
 }
 
 /// Second shear: columns. @return false without memory.
-static bool ShearDown(const WriteView &to, const ReadView &from, double slope) {
+bool ShearDown(const WriteView &to, const ReadView &from, double slope) {
     const ptrdiff_t channels = from.bits / 8;
     LineShifter shifter(to.height, 1);
     if (!shifter.numbers) return false;
@@ -115,7 +118,7 @@ static bool ShearDown(const WriteView &to, const ReadView &from, double slope) {
 }
 
 /// Third shear: rows, into the result.
-static bool ShearOut(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map, double slope) {
+bool ShearOut(const RotationCanvas &canvas, const ReadView &from, const SourceMap &map, double slope) {
     const WriteView &to = canvas.to;
     LineShifter shifter(to.width, from.bits / 8);
     if (!shifter.numbers) return false;
@@ -127,6 +130,8 @@ static bool ShearOut(const RotationCanvas &canvas, const ReadView &from, const S
     }
     return true;
 }
+
+} // namespace
 
 RotatedPicture RotateByShears(const ReadView &from, const RotationPlan &plan) {
     RotationCanvas canvas(from, plan);

@@ -10,22 +10,32 @@ Range Common(Range a, Range b) {
     return {first, std::max(first, std::min(a.last, b.last))};
 }
 
+namespace {
+
 /// Smallest i with start + i * step >= bound, limited to 0 .. count; step above 0.
-static int32_t FirstStepTo(int64_t bound, int64_t start, int64_t step, int32_t count) {
+int32_t FirstStepTo(int64_t bound, int64_t start, int64_t step, int32_t count) {
     if (start >= bound) return 0;
     return static_cast<int32_t>(std::min<int64_t>((bound - start - 1) / step + 1, count));
 }
 
 /// The i of 0 .. count - 1 with low <= start + i * step < high.
-static Range StepsWithin(int64_t low, int64_t high, int64_t start, int64_t step, int32_t count) {
+Range StepsWithin(int64_t low, int64_t high, int64_t start, int64_t step, int32_t count) {
     if (step == 0) return {0, start >= low && start < high ? count : 0};
     if (step < 0) return StepsWithin(1 - high, 1 - low, -start, -step, count);
     return {FirstStepTo(low, start, step, count), FirstStepTo(high, start, step, count)};
 }
 
-SourceMap::SourceMap(const RotationPlan &plan, const ReadView &from)
-    : plan(plan), width(from.width), height(from.height), stepX(std::llround(plan.cosine * kOne)),
-      stepY(std::llround(plan.sine * kOne)) {}
+/// How much of a unit around `position` lies inside 0 .. side, as 0.0 to 1.0.
+double Overlap(int64_t position, int32_t side) {
+    const int64_t depth = std::min(position, side * kOne - position) + kHalf;
+    return static_cast<double>(std::clamp<int64_t>(depth, 0, kOne)) / static_cast<double>(kOne);
+}
+
+} // namespace
+
+SourceMap::SourceMap(const RotationPlan &rotation, const ReadView &from)
+    : plan(rotation), width(from.width), height(from.height), stepX(std::llround(rotation.cosine * kOne)),
+      stepY(std::llround(rotation.sine * kOne)) {}
 
 SourceRow SourceMap::Row(int32_t y) const {
     const double across = 0.5 - plan.width / 2.0, down = y + 0.5 - plan.height / 2.0;
@@ -57,12 +67,6 @@ RotationCanvas::RotationCanvas(const ReadView &from, const RotationPlan &plan)
 
 RotatedPicture RotationCanvas::Finish() {
     return {DibOwner(picture.Release()), DibOwner(mask.Release())};
-}
-
-/// How much of a unit around `position` lies inside 0 .. side, as 0.0 to 1.0.
-static double Overlap(int64_t position, int32_t side) {
-    const int64_t depth = std::min(position, side * kOne - position) + kHalf;
-    return static_cast<double>(std::clamp<int64_t>(depth, 0, kOne)) / static_cast<double>(kOne);
 }
 
 void FinishRow(const RotationCanvas &canvas, const SourceMap &map, int32_t y, const RowParts &parts) {

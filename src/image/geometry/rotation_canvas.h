@@ -34,7 +34,7 @@ struct SourceMap {
     int32_t width, height; ///< of the source
     int64_t stepX, stepY;  ///< from a pixel to its right neighbour
 
-    SourceMap(const RotationPlan &plan, const ReadView &from);
+    SourceMap(const RotationPlan &rotation, const ReadView &from);
 
     /// Where row y of the result comes from.
     SourceRow Row(int32_t y) const;

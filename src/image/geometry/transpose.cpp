@@ -4,12 +4,14 @@
 
 namespace lmf {
 
-static constexpr ptrdiff_t kTile = 16;
+namespace {
+
+constexpr ptrdiff_t kTile = 16;
 
 typedef uint8_t ByteVector __attribute__((vector_size(kTile)));
 
 /// A 16 x 16 tile in registers: interleaving rows i and i + 8 four times over makes them columns.
-static void TransposeTile(uint8_t *to, ptrdiff_t toStride, const uint8_t *from, ptrdiff_t fromStride) {
+void TransposeTile(uint8_t *to, ptrdiff_t toStride, const uint8_t *from, ptrdiff_t fromStride) {
     ByteVector rows[kTile], mixed[kTile];
     for (int i = 0; i < kTile; i++) std::memcpy(&rows[i], from + i * fromStride, sizeof rows[i]);
     for (int round = 0; round < 4; round++) {
@@ -23,6 +25,8 @@ static void TransposeTile(uint8_t *to, ptrdiff_t toStride, const uint8_t *from, 
     }
     for (int i = 0; i < kTile; i++) std::memcpy(to + i * toStride, &rows[i], sizeof rows[i]);
 }
+
+} // namespace
 
 void TransposeBytes(uint8_t *to, ptrdiff_t toStride, const uint8_t *from, ptrdiff_t fromStride, ptrdiff_t rows,
                     ptrdiff_t rowBytes) {

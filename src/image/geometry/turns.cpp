@@ -10,11 +10,13 @@
 
 namespace lmf {
 
-static constexpr int32_t kBlockSide = 64;
+namespace {
+
+constexpr int32_t kBlockSide = 64;
 
 /// Calls visit(left, top, right, bottom) for the blocks of a picture; right and bottom are exclusive.
 template <typename Visit>
-static void ForEachBlock(const ReadView &view, Visit visit) {
+void ForEachBlock(const ReadView &view, Visit visit) {
     for (int32_t top = 0; top < view.height; top += kBlockSide) {
         const int32_t bottom = std::min(top + kBlockSide, view.height);
         for (int32_t left = 0; left < view.width; left += kBlockSide)
@@ -24,7 +26,7 @@ static void ForEachBlock(const ReadView &view, Visit visit) {
 
 /// Pixel (x, y) of the result is at origin + x * across + y * down.
 template <size_t kBytes>
-static void TurnBytes(const WriteView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
+void TurnBytes(const WriteView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
     ForEachBlock(to, [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
         for (int32_t y = top; y < bottom; y++) {
             const uint8_t *from = origin + left * across + y * down;
@@ -35,7 +37,7 @@ static void TurnBytes(const WriteView &to, const uint8_t *origin, ptrdiff_t acro
 }
 
 /// The same for bytes; `down` is 1 or -1.
-static void TransposeBlocks(const WriteView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
+void TransposeBlocks(const WriteView &to, const uint8_t *origin, ptrdiff_t across, ptrdiff_t down) {
     ForEachBlock(to, [&](int32_t left, int32_t top, int32_t right, int32_t bottom) {
         const int32_t firstRow = down > 0 ? top : bottom - 1;
         TransposeBytes(to.Row(firstRow) + left, -down * to.stride, origin + left * across + firstRow * down, across,
@@ -43,7 +45,7 @@ static void TransposeBlocks(const WriteView &to, const uint8_t *origin, ptrdiff_
     });
 }
 
-static void TurnQuarter(const WriteView &to, const ReadView &from, bool clockwise) {
+void TurnQuarter(const WriteView &to, const ReadView &from, bool clockwise) {
     const auto bytes = static_cast<ptrdiff_t>(from.bits / 8);
     const ptrdiff_t across = clockwise ? from.stride : -from.stride;
     const ptrdiff_t down = clockwise ? bytes : -bytes;
@@ -68,7 +70,7 @@ static void TurnQuarter(const WriteView &to, const ReadView &from, bool clockwis
     }
 }
 
-static void TurnHalf(const WriteView &to, const ReadView &from) {
+void TurnHalf(const WriteView &to, const ReadView &from) {
     const int32_t width = from.width, height = from.height;
     const uint32_t bits = from.bits;
     for (int32_t y = 0; y < height; y++) {
@@ -82,26 +84,27 @@ static void TurnHalf(const WriteView &to, const ReadView &from) {
 
 /// Makes the result and has turn(to, source) fill it.
 template <typename Turn>
-static DibHandle MakeTurned(const ReadView &source, bool swapSides, Turn turn) {
-    const ReadView &view = source;
-    LockedDib result(swapSides ? DibCreateLike(source, view.height, view.width)
-                               : DibCreateLike(source, view.width, view.height));
-    const WriteView &to = result.View();
+DibHandle MakeTurned(const ReadView &source, int32_t width, int32_t height, Turn turn) {
+    LockedDib result(DibCreateLike(source, width, height));
     if (!result) return nullptr;
-    turn(to, source);
+    turn(result.View(), source);
     return result.Release();
 }
 
+} // namespace
+
 DibHandle DibTurnClockwise(const ReadView &source) {
-    return MakeTurned(source, true, [](const WriteView &to, const ReadView &from) { TurnQuarter(to, from, true); });
+    return MakeTurned(source, source.height, source.width,
+                      [](const WriteView &to, const ReadView &from) { TurnQuarter(to, from, true); });
 }
 
 DibHandle DibTurnAnticlockwise(const ReadView &source) {
-    return MakeTurned(source, true, [](const WriteView &to, const ReadView &from) { TurnQuarter(to, from, false); });
+    return MakeTurned(source, source.height, source.width,
+                      [](const WriteView &to, const ReadView &from) { TurnQuarter(to, from, false); });
 }
 
 DibHandle DibTurnHalf(const ReadView &source) {
-    return MakeTurned(source, false, TurnHalf);
+    return MakeTurned(source, source.width, source.height, TurnHalf);
 }
 
 } // namespace lmf

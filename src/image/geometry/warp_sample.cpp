@@ -7,11 +7,9 @@
 
 namespace lmf {
 
-using DoubleLanes = double __attribute__((vector_size(32)));
-
 uint32_t WarpSampleBilinear(const ReadView &picture, double x, double y, uint32_t background) {
     const double px = x + 0.5, py = y + 0.5;
-    if (!(px >= -1 && px < picture.width && py >= -1 && py < picture.height)) return background;
+    if (px < -1 || px >= picture.width || py < -1 || py >= picture.height) return background;
     const auto ix = static_cast<int32_t>(px), iy = static_cast<int32_t>(py);
     const auto ix1 = static_cast<int32_t>(px + 1), iy1 = static_cast<int32_t>(py + 1);
     const bool hasLeft = px >= 0, hasRight = picture.width > px + 1;
@@ -31,68 +29,54 @@ uint32_t WarpSampleBilinear(const ReadView &picture, double x, double y, uint32_
     return mixed;
 }
 
-/// A position whose four neighbours lie in the picture.
-struct Inside {
-    int32_t x, y, x1, y1;
-    double fx, fy;
+namespace {
 
-    bool Place(const ReadView &view, double px, double py) {
-        if (!(px >= 0 && px + 1 < view.width && py >= 0 && py + 1 < view.height)) return false;
-        x = static_cast<int32_t>(px);
-        y = static_cast<int32_t>(py);
-        x1 = static_cast<int32_t>(px + 1);
-        y1 = static_cast<int32_t>(py + 1);
-        fx = px - x;
-        fy = py - y;
-        return true;
+template <size_t kBytes>
+inline __attribute__((always_inline)) void SampleRowOf(const WriteView &to, int32_t row, const ReadView &from,
+                                                       int32_t left, int32_t right, const double *xs, const double *ys,
+                                                       uint32_t background) {
+    constexpr size_t kColors = kBytes == 1 ? 1 : 3;
+    uint8_t *target = to.Row(row) + left * static_cast<ptrdiff_t>(kBytes);
+    for (int32_t i = left; i < right; i++, target += kBytes) {
+        const double px = xs[i] + 0.5, py = ys[i] + 0.5;
+        if (!(px >= 0 && px + 1 < from.width && py >= 0 && py + 1 < from.height)) {
+            const uint32_t pixel = WarpSampleBilinear(from, xs[i], ys[i], background);
+            if constexpr (kBytes == 1)
+                *target = static_cast<uint8_t>(pixel);
+            else
+                StoreBgr(target, pixel);
+            continue;
+        }
+        const auto x = static_cast<int32_t>(px), y = static_cast<int32_t>(py);
+        FourTaps<IntPixel<kBytes>> taps;
+        ReadTaps<kBytes>(taps, from.Row(y), from.Row(static_cast<int32_t>(py + 1)), x, static_cast<int32_t>(px + 1));
+        FourTaps<DoublePixel<kBytes>> p;
+        ConvertTaps(p, taps);
+        const double fx = px - x, fy = py - y, gx = 1 - fx, gy = 1 - fy;
+        IntPixel<kBytes> mixed;
+        ConvertPixel(mixed, (p.p10 * fx + p.p00 * gx) * gy + (p.p01 * gx + p.p11 * fx) * fy + 0.5);
+        StorePixel<kColors>(target, mixed);
     }
-};
+}
 
 LMF_MULTIVERSION
-static void SampleRow24(const WriteView &to, int32_t row, const ReadView &from, int32_t left, int32_t right,
-                        const double *xs, const double *ys, uint32_t background) {
-    uint8_t *target = to.Row(row) + static_cast<ptrdiff_t>(left) * 3;
-    for (int32_t i = left; i < right; i++, target += 3) {
-        Inside at;
-        if (!at.Place(from, xs[i] + 0.5, ys[i] + 0.5)) {
-            DibSetPixel(to, i, row, WarpSampleBilinear(from, xs[i], ys[i], background));
-            continue;
-        }
-        FourTaps taps;
-        ReadTaps24(taps, from.Row(at.y), from.Row(at.y1), at.x, at.x1);
-        const double gx = 1 - at.fx, gy = 1 - at.fy;
-        const DoubleLanes value = (__builtin_convertvector(taps.p10, DoubleLanes) * at.fx +
-                                   __builtin_convertvector(taps.p00, DoubleLanes) * gx) *
-                                      gy +
-                                  (__builtin_convertvector(taps.p01, DoubleLanes) * gx +
-                                   __builtin_convertvector(taps.p11, DoubleLanes) * at.fx) *
-                                      at.fy +
-                                  0.5;
-        StoreLanes24(target, __builtin_convertvector(value, IntLanes));
+void SampleRow(const WriteView &to, int32_t row, const ReadView &from, int32_t left, int32_t right, const double *xs,
+               const double *ys, uint32_t background) {
+    switch (from.bits) {
+    case 8:
+        return SampleRowOf<1>(to, row, from, left, right, xs, ys, background);
+    case 24:
+        return SampleRowOf<3>(to, row, from, left, right, xs, ys, background);
+    default:
+        return SampleRowOf<4>(to, row, from, left, right, xs, ys, background);
     }
 }
 
-static void SampleRow8(const WriteView &to, int32_t row, const ReadView &from, int32_t left, int32_t right,
-                       const double *xs, const double *ys, uint32_t background) {
-    uint8_t *target = to.Row(row);
-    for (int32_t i = left; i < right; i++) {
-        Inside at;
-        if (!at.Place(from, xs[i] + 0.5, ys[i] + 0.5)) {
-            target[i] = static_cast<uint8_t>(WarpSampleBilinear(from, xs[i], ys[i], background));
-            continue;
-        }
-        const uint8_t *upper = from.Row(at.y), *lower = from.Row(at.y1);
-        const double gx = 1 - at.fx, gy = 1 - at.fy;
-        target[i] = static_cast<uint8_t>((upper[at.x1] * at.fx + upper[at.x] * gx) * gy +
-                                         (lower[at.x] * gx + lower[at.x1] * at.fx) * at.fy + 0.5);
-    }
-}
+} // namespace
 
 void WarpSampleRow(const WriteView &to, int32_t y, const ReadView &from, int32_t left, int32_t right, const double *xs,
                    const double *ys, uint32_t background) {
-    if (from.bits == 24) return SampleRow24(to, y, from, left, right, xs, ys, background);
-    if (from.bits == 8) return SampleRow8(to, y, from, left, right, xs, ys, background);
-    for (int32_t x = left; x < right; x++) DibSetPixel(to, x, y, WarpSampleBilinear(from, xs[x], ys[x], background));
+    SampleRow(to, y, from, left, right, xs, ys, background);
 }
 
 } // namespace lmf

@@ -4,9 +4,11 @@
 
 namespace lmf {
 
+namespace {
+
 /// For each position along an axis the source position that it samples. The sum runs on as it is, so that its
 /// rounding errors add up the same on every road through a picture.
-static void FillPositions(BlockArray<int32_t> &positions, int32_t newSize, int32_t size) {
+void FillPositions(BlockArray<int32_t> &positions, int32_t newSize, int32_t size) {
     const double step = static_cast<double>(size) / newSize;
     double sum = 0.0;
     for (int32_t i = 0; i < newSize; i++) {
@@ -15,14 +17,14 @@ static void FillPositions(BlockArray<int32_t> &positions, int32_t newSize, int32
     }
 }
 
-static void SampleBits(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
+void SampleBits(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
     for (int32_t x = 0; x < count; x++) {
         const int32_t at = columns[x];
         to[x >> 3] = static_cast<uint8_t>(to[x >> 3] | (from[at >> 3] >> (7 - (at & 7)) & 1) << (7 - (x & 7)));
     }
 }
 
-static void SampleNibbles(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
+void SampleNibbles(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
     for (int32_t x = 0; x < count; x++) {
         const int32_t at = columns[x];
         const int32_t nibble = at & 1 ? from[at >> 1] & 15 : from[at >> 1] >> 4;
@@ -30,12 +32,12 @@ static void SampleNibbles(uint8_t *to, const uint8_t *from, const int32_t *colum
     }
 }
 
-static void SampleBytes(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
+void SampleBytes(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count) {
     for (int32_t x = 0; x < count; x++) to[x] = from[columns[x]];
 }
 
 /// `limit` is how many whole triples a row of the source holds: fewer than its pixels at depths below 24.
-static void SampleTriples(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count, int64_t limit) {
+void SampleTriples(uint8_t *to, const uint8_t *from, const int32_t *columns, int32_t count, int64_t limit) {
     for (int32_t x = 0; x < count; x++) {
         if (columns[x] >= limit) return;
         const uint8_t *sample = from + columns[x] * int64_t{3};
@@ -45,6 +47,8 @@ static void SampleTriples(uint8_t *to, const uint8_t *from, const int32_t *colum
         to += 3;
     }
 }
+
+} // namespace
 
 DibHandle DibScaleNearest(const ReadView &source, int32_t percentX, int32_t percentY) {
     const int64_t newWidth = static_cast<int64_t>(percentX) * source.width / 100;

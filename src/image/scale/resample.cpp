@@ -1,9 +1,13 @@
 #include "image/scale/resample.h"
 
+#include <cstring>
+
 #include "common/multiversion.h"
 #include "image/geometry/transpose.h"
 
 namespace lmf {
+
+namespace {
 
 /// The samples first <= i < first + count of a line that make up one output sample.
 struct Contribution {
@@ -23,19 +27,21 @@ struct AxisWeights {
     BlockArray<Contribution> contributions;
     BlockArray<double> weights;
 
-    AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur);
+    AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur);
 
     explicit operator bool() const { return contributions && weights; }
     double CentreOf(int32_t position) const { return (position + 0.5) / factor; }
+    /// The line behind the last one that weighs in on an output sample. Neither it nor the first ever goes back.
+    int32_t EndOf(int32_t position) const { return contributions[position].first + contributions[position].count; }
 
 private:
     uint64_t FillRanges();
     void FillWeights();
 };
 
-AxisWeights::AxisWeights(int32_t size, int32_t newSize, double factor, const ResampleWindow &window, double blur)
-    : factor(factor), scale(std::max(1.0 / factor, 1.0) * blur), support(scale * window.support), size(size),
-      newSize(newSize), window(window), contributions(static_cast<uint64_t>(newSize)), weights(FillRanges()) {
+AxisWeights::AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur)
+    : factor(growth), scale(std::max(1.0 / growth, 1.0) * blur), support(scale * shape.support), size(from),
+      newSize(to), window(shape), contributions(static_cast<uint64_t>(to)), weights(FillRanges()) {
     if (*this) FillWeights();
 }
 
@@ -75,22 +81,26 @@ void AxisWeights::FillWeights() {
     }
 }
 
-/// Lines of bytes at a fixed distance from each other.
+/// Lines of bytes at a fixed distance from each other, by their numbers.
 template <typename Byte>
 struct ByteLines {
     Byte *first;
     ptrdiff_t stride;
+    int32_t number = 0; ///< of the first line
 
-    Byte *At(ptrdiff_t i) const { return first + i * stride; }
+    Byte *At(int32_t line) const { return first + (line - number) * stride; }
+    /// The same lines without their first bytes.
+    ByteLines From(size_t byte) const { return {first + byte, stride, number}; }
 };
+using ReadLines = ByteLines<const uint8_t>;
+using WriteLines = ByteLines<uint8_t>;
 
-/// Makes each line of `to` the weighted sum of some lines of `from`, over the first `length` bytes of every line.
-/// Each sum grows in the order of the lines, whatever is computed side by side. `work` has room for as many lines of
-/// numbers as weigh in on one sum, and one more.
+/// Makes `newSize` lines of `to` the weighted sums of some lines of `from`, over the first `length` bytes of every
+/// line. Each sum grows in the order of the lines, whatever is computed side by side. `work` has room for as many lines
+/// of numbers as weigh in on one sum, and one more.
 LMF_MULTIVERSION
-static void ScaleLines(ByteLines<uint8_t> to, ByteLines<const uint8_t> from, size_t length,
-                       const Contribution *contributions, const double *weights, int32_t newSize, int32_t mostEntries,
-                       double *work) {
+void ScaleLines(WriteLines to, ReadLines from, size_t length, const Contribution *contributions, const double *weights,
+                int32_t newSize, int32_t mostEntries, double *work) {
     double *__restrict sums = work + static_cast<size_t>(mostEntries) * length;
     // Lines as numbers, line i in slot i % mostEntries: each is converted once and serves all sums that it is part of.
     const auto slot = [=](int32_t line) { return work + static_cast<size_t>(line % mostEntries) * length; };
@@ -126,87 +136,210 @@ static void ScaleLines(ByteLines<uint8_t> to, ByteLines<const uint8_t> from, siz
     }
 }
 
-static constexpr size_t kWorkingSet = 32 << 10; ///< bytes that stay in the fastest cache
-static constexpr int32_t kBlockRows = 64;       ///< rows that the horizontal pass takes together
+constexpr size_t kWorkingSet = 32 << 10; ///< bytes that stay in the fastest cache
+constexpr int32_t kBlockRows = 64;       ///< rows that the horizontal pass takes together
+constexpr size_t kWindowBytes = 8 << 20; ///< that rows on their way to the vertical pass may take up
 
-template <typename Byte>
-static ByteLines<Byte> LinesOf(const PictureView<Byte> &view, int32_t top, size_t firstByte) {
-    return {view.Row(top) + firstByte, -view.stride};
-}
+/// Rows in order of which only some at a time are held.
+struct RowWindow {
+    size_t rowBytes;
+    int32_t first = 0, end = 0; ///< the rows that are held
+    BlockArray<uint8_t> bytes;
 
-/// The vertical pass, in strips narrow enough for their numbers to stay in the cache. @return false without memory.
-static bool ScaleVertically(const WriteView &to, const ReadView &from, double factor, const ResampleWindow &window,
-                            double blur) {
-    const AxisWeights axis(from.height, to.height, factor, window, blur);
-    const size_t rowBytes = static_cast<size_t>(from.width) * (from.bits / 8);
-    const size_t lines = static_cast<size_t>(axis.mostEntries) + 1;
-    const size_t strip = std::min(rowBytes, std::max<size_t>(kWorkingSet / sizeof(double) / lines / 64, 1) * 64);
-    BlockArray<double> work(lines * strip);
-    if (!axis || !work) return false;
-    for (size_t x = 0; x < rowBytes; x += strip)
-        ScaleLines(LinesOf(to, 0, x), LinesOf(from, 0, x), std::min(strip, rowBytes - x), axis.contributions.data,
-                   axis.weights.data, to.height, axis.mostEntries, work.data);
-    return true;
-}
+    RowWindow(size_t rowBytes, int32_t mostRows)
+        : rowBytes(rowBytes), bytes(rowBytes * static_cast<size_t>(mostRows)) {}
 
-/// The horizontal pass: blocks of rows, turned so that their columns are the lines. @return false without memory.
-static bool ScaleHorizontally(const WriteView &to, const ReadView &from, double factor, const ResampleWindow &window,
-                              double blur) {
-    const AxisWeights axis(from.width, to.width, factor, window, blur);
-    const ptrdiff_t channels = from.bits / 8;
-    const ptrdiff_t fromBytes = from.width * channels, toBytes = to.width * channels;
-    const auto lineBytes = static_cast<size_t>(kBlockRows * channels);
-    BlockArray<double> work((static_cast<size_t>(axis.mostEntries) + 1) * lineBytes);
-    BlockArray<uint8_t> turnedFrom(static_cast<size_t>(from.width) * lineBytes);
-    BlockArray<uint8_t> turnedTo(static_cast<size_t>(to.width) * lineBytes);
-    if (!axis || !work || !turnedFrom || !turnedTo) return false;
-    for (int32_t y = 0; y < from.height; y += kBlockRows) {
-        const ptrdiff_t rows = std::min(kBlockRows, from.height - y);
-        TransposeBytes(turnedFrom.data, rows, from.Row(y), -from.stride, rows, fromBytes);
+    uint8_t *Row(int32_t y) { return bytes.data + static_cast<size_t>(y - first) * rowBytes; }
+    ReadLines Lines() const { return {bytes.data, static_cast<ptrdiff_t>(rowBytes), first}; }
+
+    /// Lets go of the rows before `newFirst` and makes room up to `newEnd`.
+    /// @return the first row that is still to be written.
+    int32_t Advance(int32_t newFirst, int32_t newEnd) {
+        if (newFirst < end) std::memmove(bytes.data, Row(newFirst), static_cast<size_t>(end - newFirst) * rowBytes);
+        const int32_t missing = std::max(newFirst, end);
+        first = newFirst;
+        end = std::max(newEnd, missing);
+        return missing;
+    }
+};
+
+/// The vertical pass over rows of some bytes, in strips narrow enough for their numbers to stay in the cache.
+struct VerticalPass {
+    const AxisWeights &axis;
+    size_t rowBytes;
+    int32_t mostRows; ///< of the source that one call may need
+    size_t strip;
+    BlockArray<double> work;
+
+    VerticalPass(const AxisWeights &axis, size_t rowBytes)
+        : axis(axis), rowBytes(rowBytes), mostRows(MostRows()),
+          strip(std::min(rowBytes, std::max<size_t>(kWorkingSet / sizeof(double) / Lines() / 64, 1) * 64)),
+          work(Lines() * strip) {}
+
+    explicit operator bool() const { return static_cast<bool>(work); }
+    size_t Lines() const { return static_cast<size_t>(axis.mostEntries) + 1; }
+    int32_t MostRows() const {
+        const auto cheap = static_cast<int64_t>(std::clamp<size_t>(kWindowBytes / rowBytes, 1, 4 * kBlockRows));
+        return static_cast<int32_t>(std::min<int64_t>(std::max(cheap, 2 * int64_t{axis.mostEntries}), axis.size));
+    }
+    /// Where a run of results that starts at a position ends, at most at `limit`, so that it needs no more than
+    /// mostRows.
+    int32_t RunEnd(int32_t position, int32_t limit) const {
+        const int32_t first = axis.contributions[position].first;
+        int32_t end = position + 1;
+        while (end < limit && axis.EndOf(end) - first <= mostRows) end++;
+        return end;
+    }
+    /// Writes the results first <= position < end to the rows from `to` on.
+    void Run(uint8_t *to, int32_t position, int32_t end, ReadLines from) const {
+        for (size_t x = 0; x < rowBytes; x += strip)
+            ScaleLines({to + x, static_cast<ptrdiff_t>(rowBytes)}, from.From(x), std::min(strip, rowBytes - x),
+                       axis.contributions.data + position, axis.weights.data, end - position, axis.mostEntries,
+                       work.data);
+    }
+};
+
+/// The horizontal pass over up to kBlockRows rows, turned so that their columns are the lines.
+struct HorizontalPass {
+    const AxisWeights &axis;
+    ptrdiff_t channels;
+    BlockArray<double> work;
+    BlockArray<uint8_t> turnedFrom, turnedTo;
+
+    HorizontalPass(const AxisWeights &axis, ptrdiff_t channels)
+        : axis(axis), channels(channels), work((static_cast<size_t>(axis.mostEntries) + 1) * LineBytes()),
+          turnedFrom(static_cast<size_t>(axis.size) * LineBytes()),
+          turnedTo(static_cast<size_t>(axis.newSize) * LineBytes()) {}
+
+    explicit operator bool() const { return work && turnedFrom && turnedTo; }
+    size_t LineBytes() const { return static_cast<size_t>(kBlockRows * channels); }
+    void Run(uint8_t *to, const uint8_t *from, ptrdiff_t rows) const {
+        const ptrdiff_t fromBytes = axis.size * channels, toBytes = axis.newSize * channels;
+        TransposeBytes(turnedFrom.data, rows, from, fromBytes, rows, fromBytes);
         ScaleLines({turnedTo.data, rows * channels}, {turnedFrom.data, rows * channels},
-                   static_cast<size_t>(rows * channels), axis.contributions.data, axis.weights.data, to.width,
+                   static_cast<size_t>(rows * channels), axis.contributions.data, axis.weights.data, axis.newSize,
                    axis.mostEntries, work.data);
-        TransposeBytes(to.Row(y), -to.stride, turnedTo.data, rows, toBytes, rows);
+        TransposeBytes(to, toBytes, turnedTo.data, rows, toBytes, rows);
+    }
+};
+
+/// The cheaper order of passes, by an estimate that wraps at 32 bits.
+bool IsHorizontalFirst(const AxisWeights &columns, const AxisWeights &rows) {
+    const auto width = static_cast<uint32_t>(columns.size), height = static_cast<uint32_t>(rows.size);
+    const auto newWidth = static_cast<uint32_t>(columns.newSize), newHeight = static_cast<uint32_t>(rows.newSize);
+    return (height + newHeight) * newWidth > (width + newWidth) * newHeight;
+}
+
+/// What goes through both passes.
+struct ScaledRows {
+    const AxisWeights &columns, &rows;
+    size_t fromBytes, toBytes; ///< of a row
+    RowFunction fill, take;
+
+    void FillRows(uint8_t *to, int32_t first, int32_t end) const {
+        for (int32_t y = first; y < end; y++) fill(y, to + static_cast<size_t>(y - first) * fromBytes);
+    }
+    void TakeRows(uint8_t *from, int32_t first, int32_t end) const {
+        for (int32_t y = first; y < end; y++) take(y, from + static_cast<size_t>(y - first) * toBytes);
+    }
+};
+
+bool ScaleHorizontallyFirst(const ScaledRows &scaled, const HorizontalPass &horizontal) {
+    const AxisWeights &axis = scaled.rows;
+    const VerticalPass vertical(axis, scaled.toBytes);
+    BlockArray<uint8_t> wide(scaled.fromBytes * kBlockRows), result(scaled.toBytes * kBlockRows);
+    RowWindow narrow(scaled.toBytes, vertical.mostRows);
+    if (!vertical || !wide || !result || !narrow.bytes) return false;
+    for (int32_t y = 0, end = 0; y < axis.newSize; y = end) {
+        end = vertical.RunEnd(y, std::min(y + kBlockRows, axis.newSize));
+        const int32_t last = axis.EndOf(end - 1);
+        for (int32_t row = narrow.Advance(axis.contributions[y].first, last), next = 0; row < last; row = next) {
+            next = std::min(row + kBlockRows, last);
+            scaled.FillRows(wide.data, row, next);
+            horizontal.Run(narrow.Row(row), wide.data, next - row);
+        }
+        vertical.Run(result.data, y, end, narrow.Lines());
+        scaled.TakeRows(result.data, y, end);
     }
     return true;
 }
 
-/// The cheaper order of passes, by an estimate that wraps at 32 bits.
-static bool IsHorizontalFirst(const ReadView &from, const WriteView &to) {
-    const auto width = static_cast<uint32_t>(from.width), height = static_cast<uint32_t>(from.height);
-    const auto newWidth = static_cast<uint32_t>(to.width), newHeight = static_cast<uint32_t>(to.height);
-    return (height + newHeight) * newWidth > (width + newWidth) * newHeight;
+bool ScaleVerticallyFirst(const ScaledRows &scaled, const HorizontalPass &horizontal) {
+    const AxisWeights &axis = scaled.rows;
+    const VerticalPass vertical(axis, scaled.fromBytes);
+    BlockArray<uint8_t> low(scaled.fromBytes * kBlockRows), result(scaled.toBytes * kBlockRows);
+    RowWindow high(scaled.fromBytes, vertical.mostRows);
+    if (!vertical || !low || !result || !high.bytes) return false;
+    for (int32_t y = 0, blockEnd = 0; y < axis.newSize; y = blockEnd) {
+        blockEnd = std::min(y + kBlockRows, axis.newSize);
+        for (int32_t start = y, end = 0; start < blockEnd; start = end) {
+            end = vertical.RunEnd(start, blockEnd);
+            const int32_t last = axis.EndOf(end - 1), missing = high.Advance(axis.contributions[start].first, last);
+            scaled.FillRows(high.Row(missing), missing, last);
+            vertical.Run(low.data + static_cast<size_t>(start - y) * scaled.fromBytes, start, end, high.Lines());
+        }
+        horizontal.Run(result.data, low.data, blockEnd - y);
+        scaled.TakeRows(result.data, y, blockEnd);
+    }
+    return true;
 }
 
-static const ResampleWindow &WindowFor(int32_t index, double growth) {
+const ResampleWindow &WindowFor(int32_t index, double growth) {
     if (index <= kWindowAutomatic) return kResampleWindows[growth > 1.0 ? kWindowMitchell : kWindowLanczos];
     return kResampleWindows[std::min(index, 15)];
 }
 
+/// Rows of whole bytes through both passes; both sizes are at least 1. @return false without memory.
+bool ScaleRowsBlurred(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
+                      double blur, RowFunction take) {
+    const double xFactor = std::max(static_cast<double>(newWidth) / from.width, 0.0001);
+    const double yFactor = std::max(static_cast<double>(newHeight) / from.height, 0.0001);
+    const ResampleWindow &window = WindowFor(windowIndex, xFactor * yFactor);
+    const AxisWeights columns(from.width, newWidth, xFactor, window, blur);
+    const AxisWeights rows(from.height, newHeight, yFactor, window, blur);
+    if (!columns || !rows) return false;
+    const size_t channels = from.bits / 8;
+    const HorizontalPass horizontal(columns, static_cast<ptrdiff_t>(channels));
+    if (!horizontal) return false;
+    const ScaledRows scaled{
+        columns, rows, static_cast<size_t>(from.width) * channels, static_cast<size_t>(newWidth) * channels,
+        fill,    take};
+    return (IsHorizontalFirst(columns, rows) ? ScaleHorizontallyFirst : ScaleVerticallyFirst)(scaled, horizontal);
+}
+
+} // namespace
+
+bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
+               RowFunction take) {
+    if (std::min({from.width, from.height, newWidth, newHeight}) < 1) return false;
+    if (newWidth != from.width || newHeight != from.height)
+        return ScaleRowsBlurred(from, fill, newWidth, newHeight, windowIndex, 1.0, take);
+    BlockArray<uint8_t> row(static_cast<uint64_t>(from.width) * (from.bits / 8));
+    if (!row) return false;
+    for (int32_t y = 0; y < from.height; y++) {
+        fill(y, row.data);
+        take(y, row.data);
+    }
+    return true;
+}
+
 DibHandle DibScale(const ReadView &source, int32_t newWidth, int32_t newHeight, int32_t windowIndex, double blur) {
     if (newWidth < 1 || newHeight < 1) return nullptr;
-    const int32_t width = source.width, height = source.height;
-    if (newWidth == width && newHeight == height && blur == 1.0)
+    if (newWidth == source.width && newHeight == source.height && blur == 1.0)
         return CanReadPixels(source.bits) ? DibClone(source) : nullptr;
-    const uint32_t bits = source.bits;
     LockedDib result(DibCreateLike(source, newWidth, newHeight));
     const WriteView &to = result.View();
     if (!result) return nullptr;
-    if (HasBytePixels(bits)) {
-        const double xFactor = std::max(static_cast<double>(newWidth) / width, 0.0001);
-        const double yFactor = std::max(static_cast<double>(newHeight) / height, 0.0001);
-        const bool horizontalFirst = IsHorizontalFirst(source, to);
-        LockedDib between(horizontalFirst ? DibCreate(newWidth, height, nullptr, bits)
-                                          : DibCreate(width, newHeight, nullptr, bits));
-        const WriteView &middle = between.View();
-        if (!between) return nullptr;
-        const ResampleWindow &window = WindowFor(windowIndex, xFactor * yFactor);
-        const bool done = horizontalFirst ? ScaleHorizontally(middle, source, xFactor, window, blur) &&
-                                                ScaleVertically(to, middle, yFactor, window, blur)
-                                          : ScaleVertically(middle, source, yFactor, window, blur) &&
-                                                ScaleHorizontally(to, middle, xFactor, window, blur);
-        if (!done) return nullptr;
-    }
+    const size_t pixelBytes = source.bits / 8;
+    const auto read = [&](int32_t y, uint8_t *row) {
+        std::memcpy(row, source.Row(y), static_cast<size_t>(source.width) * pixelBytes);
+    };
+    const auto write = [&](int32_t y, const uint8_t *row) {
+        std::memcpy(to.Row(y), row, static_cast<size_t>(newWidth) * pixelBytes);
+    };
+    const RowFormat format{source.width, source.height, source.bits};
+    if (HasBytePixels(source.bits) && !ScaleRowsBlurred(format, read, newWidth, newHeight, windowIndex, blur, write))
+        return nullptr;
     return result.Release();
 }
 
@@ -226,12 +359,11 @@ DibHandle DibScalePercent(const ReadView &source, int32_t percentX, int32_t perc
     return DibScaleTo(source, newWidth, newHeight, windowIndex);
 }
 
-int32_t DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
+void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth) {
     const double ratio =
         std::min(*width / static_cast<double>(source.width), *depth / static_cast<double>(source.height));
     *width = RoundToPixels(source.width * ratio);
     *depth = RoundToPixels(source.height * ratio);
-    return 1;
 }
 
 } // namespace lmf

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "image/core/dib.h"
+#include "image/core/row_function.h"
 
 namespace lmf {
 
@@ -39,8 +40,14 @@ extern const ResampleWindow kResampleWindows[16];
 [[nodiscard]] DibHandle DibScalePercent(const ReadView &source, int32_t percentX, int32_t percentY,
                                         int32_t windowIndex);
 
+/// DibScaleTo without either picture: fill(y, row) writes row y of the source, take(y, row) gets row y of the result
+/// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out. Holds
+/// at most some hundred rows, or twice the rows that weigh in on one row of the result.
+/// @return false when a side is below 1 or memory is short.
+[[nodiscard]] bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight,
+                             int32_t windowIndex, RowFunction take);
+
 /// Shrinks one side of a box of pixels so that it has the picture's aspect.
-/// @return 1, or 0 with the box untouched if the source cannot be locked.
-int32_t DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth);
+void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth);
 
 } // namespace lmf

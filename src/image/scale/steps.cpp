@@ -1,14 +1,16 @@
 #include "image/scale/steps.h"
 
 #include "common/multiversion.h"
+#include "image/core/byte_pass.h"
 
 namespace lmf {
 
+namespace {
+
 // Divisions by a small count n of values up to 255 n are multiplications by 2^shift / n, rounded up, and a shift: exact
-// as long as 255 n^2 is below 2^shift.
-static constexpr uint32_t kMeanShift = 24;
-static constexpr uint32_t kRunShift = 40;
-static constexpr int32_t kLargestRun = 60000;
+// as long as 255 n^2 is below 2^shift: bins hold up to 100 samples, runs up to 60000 percentages.
+constexpr uint32_t kMeanShift = 24;
+constexpr uint32_t kRunShift = 40;
 
 /// The samples of the source that become one sample of the result.
 struct Bin {
@@ -23,12 +25,12 @@ struct Mix {
     uint64_t firstShare, secondShare; ///< in units of 2^-kRunShift
 };
 
-static int32_t ScaledSize(int32_t size, int32_t percent) {
+int32_t ScaledSize(int32_t size, int32_t percent) {
     const int64_t scaled = static_cast<int64_t>(size) * percent / 100;
     return scaled >= 1 && scaled <= INT32_MAX ? static_cast<int32_t>(scaled) : 0;
 }
 
-static void FillBins(BlockArray<Bin> &bins, int32_t newSize, int32_t size, int32_t percent) {
+void FillBins(BlockArray<Bin> &bins, int32_t newSize, int32_t size, int32_t percent) {
     int32_t first = 0;
     for (int32_t i = 0; i < newSize; i++) {
         const int64_t wanted = int64_t{100} * (i + int64_t{1}) / percent;
@@ -39,11 +41,11 @@ static void FillBins(BlockArray<Bin> &bins, int32_t newSize, int32_t size, int32
     }
 }
 
-static uint64_t Share(int64_t weight, int64_t run) {
+uint64_t Share(int64_t weight, int64_t run) {
     return static_cast<uint64_t>(weight * (((int64_t{1} << kRunShift) - 1) / run + 1));
 }
 
-static void FillMixes(BlockArray<Mix> &mixes, int32_t newSize, int32_t size, int32_t percent) {
+void FillMixes(BlockArray<Mix> &mixes, int32_t newSize, int32_t size, int32_t percent) {
     const int64_t step = percent + percent / 100 + (percent % 100 != 0 ? 1 : 0);
     mixes[0] = {0, 0, 0, Share(1, 1)};
     int64_t previous = 0;
@@ -59,7 +61,7 @@ static void FillMixes(BlockArray<Mix> &mixes, int32_t newSize, int32_t size, int
 }
 
 template <int32_t kChannels>
-static void ShrinkRow(uint8_t *to, const uint8_t *from, const Bin *bins, int32_t newSize) {
+void ShrinkRow(uint8_t *to, const uint8_t *from, const Bin *bins, int32_t newSize) {
     for (int32_t x = 0; x < newSize; x++) {
         uint32_t sums[kChannels] = {};
         const uint8_t *sample = from + static_cast<ptrdiff_t>(bins[x].first) * kChannels;
@@ -71,13 +73,58 @@ static void ShrinkRow(uint8_t *to, const uint8_t *from, const Bin *bins, int32_t
     }
 }
 
+/// ShrinkRow for shares that are all alike.
+template <int32_t kChannels, int32_t kShare>
+[[gnu::always_inline]] inline void ShrinkEvenRow(uint8_t *__restrict to, const uint8_t *__restrict from,
+                                                 int32_t newSize) {
+    for (int32_t x = 0; x < newSize; x++) {
+        for (int32_t c = 0; c < kChannels; c++) {
+            uint32_t sum = 0;
+            for (int32_t i = 0; i < kShare; i++) sum += from[(x * kShare + i) * kChannels + c];
+            to[x * kChannels + c] = static_cast<uint8_t>(sum / kShare);
+        }
+    }
+}
+
 LMF_MULTIVERSION
-static void AddRow(uint32_t *__restrict sums, const uint8_t *__restrict row, size_t count) {
+void HalveRow(uint8_t *to, const uint8_t *from, int32_t channels, int32_t newSize) {
+    channels == 3 ? ShrinkEvenRow<3, 2>(to, from, newSize) : ShrinkEvenRow<1, 2>(to, from, newSize);
+}
+
+LMF_MULTIVERSION
+void QuarterRow(uint8_t *to, const uint8_t *from, int32_t channels, int32_t newSize) {
+    channels == 3 ? ShrinkEvenRow<3, 4>(to, from, newSize) : ShrinkEvenRow<1, 4>(to, from, newSize);
+}
+
+/// How the samples of a row become those of a narrower one.
+struct RowShares {
+    int32_t newSize;
+    int32_t share; ///< samples that go into each new one, 0 if that differs
+    BlockArray<Bin> bins;
+
+    /// For rows of `size` samples that become `made`, at least 1.
+    RowShares(int32_t size, int32_t made, int32_t percent)
+        : newSize(made), share(100 % percent == 0 && size / (100 / percent) >= newSize ? 100 / percent : 0),
+          bins(static_cast<uint64_t>(newSize)) {
+        if (bins) FillBins(bins, newSize, size, percent);
+    }
+
+    explicit operator bool() const { return static_cast<bool>(bins); }
+    /// @param channels bytes of a sample, 1 or 3.
+    void Shrink(uint8_t *to, const uint8_t *from, int32_t channels) const {
+        if (share == 2) return HalveRow(to, from, channels, newSize);
+        if (share == 4) return QuarterRow(to, from, channels, newSize);
+        (channels == 3 ? ShrinkRow<3> : ShrinkRow<1>)(to, from, bins.data, newSize);
+    }
+};
+
+LMF_MULTIVERSION
+void AddRow(uint32_t *__restrict sums, const uint8_t *__restrict row, size_t count) {
     for (size_t i = 0; i < count; i++) sums[i] += row[i];
 }
 
 LMF_MULTIVERSION
-static void StoreMeans(uint8_t *__restrict to, uint32_t *__restrict sums, size_t count, uint32_t reciprocal) {
+void StoreMeans(uint8_t *__restrict to, uint32_t *__restrict sums, size_t count, uint32_t reciprocal) {
     for (size_t i = 0; i < count; i++) {
         to[i] = static_cast<uint8_t>(sums[i] * reciprocal >> kMeanShift);
         sums[i] = 0;
@@ -85,7 +132,7 @@ static void StoreMeans(uint8_t *__restrict to, uint32_t *__restrict sums, size_t
 }
 
 template <int32_t kChannels>
-static void EnlargeRow(uint8_t *to, const uint8_t *from, const Mix *mixes, int32_t newSize) {
+void EnlargeRow(uint8_t *to, const uint8_t *from, const Mix *mixes, int32_t newSize) {
     for (int32_t x = 0; x < newSize; x++) {
         const Mix mix = mixes[x];
         const uint8_t *first = from + static_cast<ptrdiff_t>(mix.first) * kChannels;
@@ -97,130 +144,83 @@ static void EnlargeRow(uint8_t *to, const uint8_t *from, const Mix *mixes, int32
 }
 
 LMF_MULTIVERSION
-static void MixRows(uint8_t *__restrict to, const uint8_t *__restrict first, const uint8_t *__restrict second,
-                    uint64_t firstShare, uint64_t secondShare, size_t count) {
+void MixRows(uint8_t *__restrict to, const uint8_t *__restrict first, const uint8_t *__restrict second,
+             uint64_t firstShare, uint64_t secondShare, size_t count) {
     for (size_t i = 0; i < count; i++)
         to[i] = static_cast<uint8_t>((first[i] * firstShare >> kRunShift) + (second[i] * secondShare >> kRunShift));
 }
 
-static uint32_t MeanPixel(const ReadView &image, const Bin &bin, int32_t line, bool vertical) {
-    uint32_t sums[3] = {};
-    for (int32_t i = bin.first; i < bin.first + bin.count; i++) {
-        const uint32_t pixel = vertical ? DibGetPixel(image, line, i) : DibGetPixel(image, i, line);
-        for (int32_t c = 0; c < 3; c++) sums[c] += pixel >> (8 * c) & 0xFF;
-    }
-    const auto count = static_cast<uint32_t>(std::max(bin.count, 1));
-    return PackColor(sums[0] / count, sums[1] / count, sums[2] / count);
+/// @return false without memory.
+bool ShrinkRows(const WriteView &to, const ReadView &from, int32_t channels, int32_t percent) {
+    const RowShares shares(from.width, to.width, percent);
+    if (!shares) return false;
+    for (int32_t y = 0; y < to.height; y++) shares.Shrink(to.Row(y), from.Row(y), channels);
+    return true;
 }
 
-static uint32_t MixPixel(uint32_t first, uint32_t second, const Mix &mix) {
-    uint32_t channels[3];
-    for (int32_t c = 0; c < 3; c++)
-        channels[c] = static_cast<uint32_t>(((first >> (8 * c) & 0xFF) * mix.firstShare >> kRunShift) +
-                                            ((second >> (8 * c) & 0xFF) * mix.secondShare >> kRunShift));
-    return PackColor(channels[0], channels[1], channels[2]);
+/// Takes rows of any depth as if they had three bytes a pixel; at depths below 24 they hold fewer triples than pixels.
+DibHandle ShrinkTriples(const ReadView &source, int32_t percent) {
+    LockedDib result(DibCreateLike(source, ScaledSize(source.width, percent), source.height));
+    if (!result) return nullptr;
+    ReadView from = source;
+    WriteView to = result.View();
+    from.width = static_cast<int32_t>(std::min<int64_t>(from.width, from.stride / 3));
+    to.width = static_cast<int32_t>(std::min<int64_t>(to.width, to.stride / 3));
+    return ShrinkRows(to, from, 3, percent) ? result.Release() : nullptr;
 }
 
-static void ShrinkPixels(const ReadView &from, const WriteView &to, const BlockArray<Bin> &bins, bool vertical) {
-    for (int32_t y = 0; y < to.height; y++) {
-        for (int32_t x = 0; x < to.width; x++)
-            DibSetPixel(to, x, y, MeanPixel(from, bins[vertical ? y : x], vertical ? x : y, vertical));
-    }
-}
-
-static void EnlargePixels(const ReadView &from, const WriteView &to, const BlockArray<Mix> &mixes, bool vertical) {
-    for (int32_t y = 0; y < to.height; y++) {
-        for (int32_t x = 0; x < to.width; x++) {
-            const Mix &mix = mixes[vertical ? y : x];
-            const uint32_t first = DibGetPixel(from, vertical ? x : mix.first, vertical ? mix.first : y);
-            const uint32_t second = DibGetPixel(from, vertical ? x : mix.second, vertical ? mix.second : y);
-            DibSetPixel(to, x, y, MixPixel(first, second, mix));
-        }
-    }
-}
-
-/// Is there a fast form for the depth?
-static bool HasRowForm(const ReadView &from) {
-    return from.bits == 8 || from.bits == 24;
-}
+} // namespace
 
 DibHandle DibShrinkHorz(const ReadView &source, int32_t percent) {
-    LockedDib result(DibCreateLike(source, ScaledSize(source.width, percent), source.height));
-    const WriteView &to = result.View();
-    if (!result) return nullptr;
-    const uint32_t bits = source.bits;
-    const bool byTriples = bits == 1 || bits > 8;
-    // Rows at depths below 24 hold fewer triples than pixels.
-    const auto triples = [](const ReadView &view) {
-        return static_cast<int32_t>(std::min<int64_t>(view.width, view.stride / 3));
-    };
-    const int32_t newSize = byTriples ? triples(to) : to.width;
-    BlockArray<Bin> bins(static_cast<uint64_t>(to.width));
-    if (!bins) return nullptr;
-    FillBins(bins, newSize, byTriples ? triples(source) : source.width, percent);
-    if (!byTriples && bits != 8) {
-        ShrinkPixels(source, to, bins, false);
-    } else {
-        for (int32_t y = 0; y < to.height; y++)
-            (byTriples ? ShrinkRow<3> : ShrinkRow<1>)(to.Row(y), source.Row(y), bins.data, newSize);
-    }
-    return result.Release();
+    if (source.bits == 1 || source.bits > 8) return ShrinkTriples(source, percent);
+    BytePass pass(source, ScaledSize(source.width, percent), source.height);
+    if (!pass || !ShrinkRows(pass.To(), pass.From(), 1, percent)) return nullptr;
+    return pass.Finish();
 }
 
 DibHandle DibShrinkVert(const ReadView &source, int32_t percent) {
-    LockedDib result(DibCreateLike(source, source.width, ScaledSize(source.height, percent)));
-    const WriteView &to = result.View();
-    if (!result) return nullptr;
-    const size_t rowBytes = static_cast<size_t>(source.width) * (source.bits / 8);
+    BytePass pass(source, source.width, ScaledSize(source.height, percent));
+    if (!pass) return nullptr;
+    const ReadView &from = pass.From();
+    const WriteView &to = pass.To();
+    const auto rowBytes = static_cast<size_t>(from.width) * static_cast<size_t>(pass.Channels());
     BlockArray<Bin> bins(static_cast<uint64_t>(to.height));
-    BlockArray<uint32_t> sums(rowBytes + 1);
+    BlockArray<uint32_t> sums(rowBytes);
     if (!bins || !sums) return nullptr;
-    FillBins(bins, to.height, source.height, percent);
-    if (HasRowForm(source)) {
-        for (int32_t y = 0; y < to.height; y++) {
-            for (int32_t i = 0; i < bins[y].count; i++) AddRow(sums.data, source.Row(bins[y].first + i), rowBytes);
-            StoreMeans(to.Row(y), sums.data, rowBytes, bins[y].reciprocal);
-        }
-    } else {
-        ShrinkPixels(source, to, bins, true);
+    FillBins(bins, to.height, from.height, percent);
+    for (int32_t y = 0; y < to.height; y++) {
+        for (int32_t i = 0; i < bins[y].count; i++) AddRow(sums.data, from.Row(bins[y].first + i), rowBytes);
+        StoreMeans(to.Row(y), sums.data, rowBytes, bins[y].reciprocal);
     }
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibEnlargeHorz(const ReadView &source, int32_t percent) {
-    if (percent / 100 >= kLargestRun) return nullptr;
-    LockedDib result(DibCreateLike(source, ScaledSize(source.width, percent), source.height));
-    const WriteView &to = result.View();
-    if (!result) return nullptr;
+    BytePass pass(source, ScaledSize(source.width, percent), source.height);
+    if (!pass) return nullptr;
+    const WriteView &to = pass.To();
     BlockArray<Mix> mixes(static_cast<uint64_t>(to.width));
     if (!mixes) return nullptr;
     FillMixes(mixes, to.width, source.width, percent);
-    if (HasRowForm(source)) {
-        for (int32_t y = 0; y < to.height; y++)
-            (source.bits == 24 ? EnlargeRow<3> : EnlargeRow<1>)(to.Row(y), source.Row(y), mixes.data, to.width);
-    } else {
-        EnlargePixels(source, to, mixes, false);
-    }
-    return result.Release();
+    const auto enlargeRow = pass.Channels() == 1 ? EnlargeRow<1> : EnlargeRow<3>;
+    for (int32_t y = 0; y < to.height; y++) enlargeRow(to.Row(y), pass.From().Row(y), mixes.data, to.width);
+    return pass.Finish();
 }
 
 DibHandle DibEnlargeVert(const ReadView &source, int32_t percent) {
-    if (percent / 100 >= kLargestRun) return nullptr;
-    LockedDib result(DibCreateLike(source, source.width, ScaledSize(source.height, percent)));
-    const WriteView &to = result.View();
-    if (!result) return nullptr;
+    BytePass pass(source, source.width, ScaledSize(source.height, percent));
+    if (!pass) return nullptr;
+    const ReadView &from = pass.From();
+    const WriteView &to = pass.To();
     BlockArray<Mix> mixes(static_cast<uint64_t>(to.height));
     if (!mixes) return nullptr;
-    FillMixes(mixes, to.height, source.height, percent);
-    const size_t rowBytes = static_cast<size_t>(source.width) * (source.bits / 8);
-    if (HasRowForm(source)) {
-        for (int32_t y = 0; y < to.height; y++)
-            MixRows(to.Row(y), source.Row(mixes[y].first), source.Row(mixes[y].second), mixes[y].firstShare,
-                    mixes[y].secondShare, rowBytes);
-    } else {
-        EnlargePixels(source, to, mixes, true);
+    FillMixes(mixes, to.height, from.height, percent);
+    const auto rowBytes = static_cast<size_t>(from.width) * static_cast<size_t>(pass.Channels());
+    for (int32_t y = 0; y < to.height; y++) {
+        const Mix &mix = mixes[y];
+        MixRows(to.Row(y), from.Row(mix.first), from.Row(mix.second), mix.firstShare, mix.secondShare, rowBytes);
     }
-    return result.Release();
+    return pass.Finish();
 }
 
 DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percentY) {
@@ -230,6 +230,29 @@ DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percen
     if (!wide) return nullptr;
     if (percentY > 100) return DibEnlargeVert(wide, percentY);
     return percentY < 100 ? DibShrinkVert(wide, percentY) : wide.Release();
+}
+
+bool ShrinkRows(const RowFormat &from, RowFunction fill, int32_t percentX, int32_t percentY, RowFunction take) {
+    const int32_t newWidth = ScaledSize(from.width, percentX), newHeight = ScaledSize(from.height, percentY);
+    if (newWidth < 1 || newHeight < 1 || std::max(percentX, percentY) > 100) return false;
+    const auto channels = static_cast<int32_t>(from.bits / 8);
+    const auto newBytes = static_cast<size_t>(newWidth) * static_cast<size_t>(channels);
+    const RowShares columns(from.width, newWidth, percentX);
+    BlockArray<Bin> rows(static_cast<uint64_t>(newHeight));
+    BlockArray<uint8_t> wide(static_cast<uint64_t>(from.width) * static_cast<uint64_t>(channels)), narrow(newBytes);
+    BlockArray<uint32_t> sums(newBytes);
+    if (!columns || !rows || !wide || !narrow || !sums) return false;
+    FillBins(rows, newHeight, from.height, percentY);
+    for (int32_t y = 0; y < newHeight; y++) {
+        for (int32_t i = 0; i < rows[y].count; i++) {
+            fill(rows[y].first + i, wide.data);
+            columns.Shrink(narrow.data, wide.data, channels);
+            AddRow(sums.data, narrow.data, newBytes);
+        }
+        StoreMeans(narrow.data, sums.data, newBytes, rows[y].reciprocal);
+        take(y, narrow.data);
+    }
+    return true;
 }
 
 } // namespace lmf

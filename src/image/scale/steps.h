@@ -6,6 +6,7 @@
 #pragma once
 
 #include "image/core/dib.h"
+#include "image/core/row_function.h"
 
 namespace lmf {
 
@@ -13,11 +14,18 @@ namespace lmf {
 [[nodiscard]] DibHandle DibShrinkHorz(const ReadView &source, int32_t percent);
 /// DibShrinkHorz for rows.
 [[nodiscard]] DibHandle DibShrinkVert(const ReadView &source, int32_t percent);
-/// Columns enlarged to `percent`, interpolated in truncated steps between neighbours.
+/// Columns enlarged to `percent`, below 6000000, interpolated in truncated steps between neighbours.
 [[nodiscard]] DibHandle DibEnlargeHorz(const ReadView &source, int32_t percent);
 /// DibEnlargeHorz for rows.
 [[nodiscard]] DibHandle DibEnlargeVert(const ReadView &source, int32_t percent);
 /// Both axes: enlarges above 100 percent, shrinks below, copies at 100.
 [[nodiscard]] DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percentY);
+
+/// DibScaleSteps without either picture, for percentages of 1 to 100 and 8 or 24 bits: fill(y, row) writes row y of the
+/// source, take(y, row) gets row y of the result and may change it. Both are called from the top down; rows of the
+/// source below the last whole share are left out. Holds a row of each and the sums of one.
+/// @return false when no pixel would be left or memory is short.
+[[nodiscard]] bool ShrinkRows(const RowFormat &from, RowFunction fill, int32_t percentX, int32_t percentY,
+                              RowFunction take);
 
 } // namespace lmf

@@ -14,7 +14,7 @@ TEST(Resize, TakesTheRoadThatTheSettingsAskFor) {
                                          {&P::FilterResizeWidth, 100},
                                          {&P::FilterResizeDepth, 33}});
     const auto makes = [&](DibHandle expected) {
-        return SamePicture(RunKernel("Resize", source, &context), LockedDib(expected));
+        return SamePicture(RunKernel("Resize", source, context), LockedDib(expected));
     };
     EXPECT_TRUE(makes(DibScaleTo(source, 20, 15, 5)));
     context.FilterResizeConstant = 0;

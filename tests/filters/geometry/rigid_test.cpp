@@ -1,10 +1,11 @@
 #include <cmath>
-#include <cstdlib>
-#include <utility>
+#include <numbers>
 
 #include "image/color/paper.h"
 #include "image/core/dib_ops.h"
-#include "support/pictures.h"
+#include "image/scale/nearest.h"
+#include "image/scale/resample.h"
+#include "support/reference.h"
 
 namespace lmf::testing {
 
@@ -41,19 +42,22 @@ TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
     FilterContext context = ContextWith({{&P::FilterCropLeft, 3}});
     context.width = 20;
     context.height = 10;
-    EntryOf("Crop").filter->LoadSettings(&context);
+    LoadPage(*EntryOf("Crop").filter, context);
     EXPECT_TRUE(context.FilterCropLeft == 0 && context.FilterCropRight == 19 && context.FilterCropBottom == 9)
         << "the page opens with the whole picture";
 }
 
 TEST(Tile, CoversWholeOrClippedSheets) {
-    const LockedDib picture = RandomPicture(7, 5, kModeTrueColor, 3);
-    const ReadView from = picture;
+    const LockedDib picture = RandomPicture(7, 5, kModeTrueColor, 3), wide = RandomPicture(30, 16, kModeGrey, 3);
     for (int32_t integral : {0, 1}) {
-        const LockedDib sheet = RunKernel(
-            "Tile", picture, {{&P::FilterTileWide, 16}, {&P::FilterTileDeep, 4}, {&P::FilterTileIntegral, integral}});
-        EXPECT_EQ(PixelsOf(sheet).size(), integral ? 21u * 5 : 16u * 5);
-        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(from, x % 7, y); });
+        const std::vector<Setting> settings = {
+            {&P::FilterTileWide, 16}, {&P::FilterTileDeep, 18}, {&P::FilterTileIntegral, integral}};
+        const LockedDib sheet = RunKernel("Tile", picture, settings);
+        EXPECT_EQ(PixelsOf(sheet).size(), integral ? 21u * 20 : 16u * 18);
+        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(picture, x % 7, y % 5); });
+        const LockedDib pair = RunKernel("Tile", wide, settings);
+        EXPECT_EQ(PixelsOf(pair).size(), integral ? 30u * 32 : 30u * 18);
+        ExpectPixels(pair, [&](int32_t x, int32_t y) { return DibGetPixel(wide, x, y % 16); });
     }
 }
 
@@ -91,168 +95,106 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
     }
 }
 
-static FilterContext RotateContext(int32_t tenths, int32_t direction, bool byShears) {
-    FilterContext context = ContextWith(
-        {{&P::FilterRotateAngle, tenths}, {&P::FilterRotateDirection, direction}, {&P::FilterRotateShear, byShears}});
-    context.paperColor = 0x00FF20;
-    return context;
-}
+namespace {
 
-TEST(Rotate, TurnsByQuartersBothWays) {
-    const LockedDib picture = MakePicture(3, 1, 8, {1, 2, 3});
-    for (const auto &[tenths, direction, first] :
-         {std::tuple{900, 0, 3u}, {900, 1, 1u}, {2700, 1, 3u}, {1800, 0, 3u}, {0, 0, 1u}}) {
-        FilterContext context = RotateContext(tenths, direction, true);
-        EXPECT_EQ(PixelsOf(RunKernel("Rotate", picture, &context)), (Pixels{first, 2, 4 - first})) << tenths;
-        EXPECT_EQ(context.auxImage, nullptr);
+/// Lines of one axis leaning about the middle one: pixel `at` of the result from a line whose pixels are read(i).
+struct Lean {
+    double slope, middle;
+    int32_t margin;
+
+    Lean(int32_t stored, int32_t lines)
+        : slope(std::tan((stored - 30) * std::numbers::pi / 180)), middle((lines - 1) / 2.0),
+          margin(static_cast<int32_t>(std::ceil(std::fabs(slope) * middle))) {}
+
+    template <typename Read>
+    uint32_t Pixel(double distance, int32_t at, Read read) const {
+        const auto whole = static_cast<int32_t>(std::floor(distance)), first = at - margin - whole;
+        const auto share = static_cast<uint32_t>((distance - whole) * 255);
+        uint32_t mixed = 0;
+        for (int32_t shift = 0; shift < 32; shift += 8)
+            mixed |=
+                ((read(first) >> shift & 255) * (255 - share) + (read(first - 1) >> shift & 255) * share + 127) / 255
+                << shift;
+        return mixed;
     }
-}
+};
 
-TEST(Rotate, AWholeTurnToTheRightGoesTheLongWayAndChangesNothing) {
-    for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        const LockedDib picture = RandomPicture(14, 9, mode, 5);
-        for (bool byShears : {false, true}) {
-            FilterContext context = RotateContext(0, 1, byShears);
-            EXPECT_TRUE(SamePicture(RunKernel("Rotate", picture, &context), picture));
-            EXPECT_EQ(PixelsOf(LockedDib(context.auxImage)), Pixels(14 * 9, 255));
-        }
-    }
-}
-
-TEST(Rotate, FillsAndCoversWhatItShould) {
-    LockedDib picture(DibCreateSolid(60, 40, 0xC06030));
-    for (int32_t tenths : {1, 300, 449, 451, 1000, 2250, 3599}) {
-        const double angle = tenths * 3.14159265358979 / 1800, c = std::cos(angle), s = std::sin(angle);
-        for (int32_t kind = 0; kind < 6; kind++) {
-            FilterContext context = RotateContext(tenths, 0, kind % 3 == 1);
-            context.FilterRotateInterpolate = kind % 3 != 2;
-            context.FilterRotatePreserve = kind >= 3;
-            LockedDib rotated = RunKernel("Rotate", picture, &context), coverage(context.auxImage);
-            const ReadView lock = rotated, mask = coverage;
-            const int32_t width = lock.width, height = lock.height;
-            EXPECT_NEAR(width, kind >= 3 ? 60 : 60 * std::fabs(c) + 40 * std::fabs(s) + 0.5, 0.51);
-            EXPECT_NEAR(height, kind >= 3 ? 40 : 40 * std::fabs(c) + 60 * std::fabs(s) + 0.5, 0.51);
-            ForEachPixel(lock, [&](int32_t x, int32_t y) {
-                const double right = x + 0.5 - width / 2.0, down = y + 0.5 - height / 2.0;
-                const double depth =
-                    std::min(30 - std::fabs(c * right - s * down), 20 - std::fabs(s * right + c * down));
-                const uint32_t color = DibGetPixel(lock, x, y), cover = DibGetPixel(mask, x, y);
-                if (depth > 0.51) {
-                    ASSERT_TRUE(color == 0xC06030 && cover == 255) << tenths << " kind " << kind;
-                } else if (depth < -0.51) {
-                    ASSERT_TRUE(color == 0x00FF20 && cover == 0) << tenths << " kind " << kind;
-                } else if (kind % 3 != 2) {
-                    ASSERT_NEAR(RedOf(color), (0x30 * cover + 0x20 * (255 - cover)) / 255.0, 1.0);
-                }
-            });
-        }
-    }
-}
-
-TEST(Rotate, EveryDepthMovesAlike) {
-    LockedDib grey = RandomPicture(150, 83, kModeGrey, 9), color(DibToRgb(grey));
-    for (const char *filter : {"Rotate", "Shear", "Seamless"}) {
-        for (int32_t kind = 0; kind < 3; kind++) {
-            FilterContext context = RotateContext(2137 + kind, kind & 1, kind == 1);
-            context.FilterRotateInterpolate = kind != 2;
-            context.FilterSeamlessMaintain = kind & 1;
-            context.paperColor = 0x606060;
-            LockedDib greyResult = RunKernel(filter, grey, &context);
-            LockedDib greyCoverage(std::exchange(context.auxImage, nullptr));
-            LockedDib colorResult = RunKernel(filter, color, &context), coverage(context.auxImage);
-            LockedDib expected(DibToRgb(greyResult));
-            EXPECT_TRUE(SamePicture(colorResult, expected)) << filter << " " << kind;
-            EXPECT_TRUE(!coverage || SamePicture(coverage, greyCoverage)) << filter << " " << kind;
-        }
-    }
-}
-
-TEST(Rotate, MaximumQualityKeepsFineDetail) {
-    const LockedDib blank(DibCreateSolid(100, 100, 0)),
-        picture = PictureLike(blank, [](int32_t x, int32_t y) {
-            return static_cast<uint32_t>(128 + 60 * std::sin(x * 1.9) + 60 * std::cos(y * 1.3)) * 0x010101;
-        });
-    // Mean difference to the middle of a picture of fine stripes after a turn to the left and back.
-    const auto error = [&](int32_t tenths, bool byShears) {
-        LockedDib turned(DibClone(picture));
-        for (int32_t direction : {0, 1}) {
-            FilterContext context = RotateContext(tenths, direction, byShears);
-            context.FilterRotatePreserve = 1;
-            turned = RunKernel("Rotate", turned, &context);
-            BlockFree(context.auxImage);
-        }
-        const Pixels before = PixelsOf(picture), after = PixelsOf(turned);
-        double sum = 0;
-        for (size_t i = 3500; i < 6500; i++)
-            if (i % 100 >= 35 && i % 100 < 65) sum += std::abs(GreenOf(before[i]) - GreenOf(after[i])) / 900.0;
-        return sum;
+/// Rows first, then columns; what the picture does not cover is fill, before and after.
+LockedDib Leaning(const ReadView &source, const FilterContext &context) {
+    const uint32_t fill = PaperFillValue(context.paperColor, context.mode, source);
+    const auto read = [&](const ReadView &from, int32_t x, int32_t y) {
+        return x < 0 || x >= from.width || y < 0 || y >= from.height ? fill : DibGetPixel(from, x, y);
     };
-    for (int32_t tenths : {300, 1200, 77}) EXPECT_LT(error(tenths, true), error(tenths, false) / 3);
-}
-
-TEST(Shear, LeansWithoutCutting) {
-    LockedDib picture(DibCreateSolid(30, 21, 0x405060));
-    const auto shear = [&](int32_t x, int32_t y) {
-        FilterContext context = ContextWith({{&P::FilterShearDegreeX, 30 + x}, {&P::FilterShearDegreeY, 30 + y}});
-        context.paperColor = 0;
-        return RunKernel("Shear", picture, &context);
-    };
-    EXPECT_TRUE(SamePicture(shear(0, 0), picture));
-    for (const auto &[x, y] : {std::pair{20, 0}, {0, -30}, {-13, 30}}) {
-        LockedDib leaning = shear(x, y);
-        const ReadView lock = leaning;
-        EXPECT_EQ(lock.width, x == 0 ? 30 : 30 + 2 * std::ceil(10 * std::tan(std::abs(x) * M_PI / 180)));
-        EXPECT_EQ(lock.height > 21, y != 0);
-        double sum = 0;
-        for (uint32_t pixel : PixelsOf(leaning)) sum += RedOf(pixel) / 96.0;
-        EXPECT_NEAR(sum, 30 * 21, 4) << "all of the picture is there";
-        // The corner that leans away: top left when the top goes right, and so on.
-        EXPECT_EQ(DibGetPixel(lock, x > 0 || y < 0 ? 0 : lock.width - 1, 0), 0u);
-    }
-}
-
-/// Mean step between neighbouring columns, across the seam where copies join and elsewhere.
-static void MeasureSteps(const LockedDib &tile, double *seam, double *inside) {
-    const ReadView lock = tile;
-    const int32_t width = lock.width;
-    *seam = *inside = 0;
-    ForEachPixel(lock, [&](int32_t x, int32_t y) {
-        const int32_t a = RedOf(DibGetPixel(lock, x, y)), b = RedOf(DibGetPixel(lock, (x + 1) % width, y));
-        (x + 1 == width ? *seam : *inside) += std::abs(a - b) / static_cast<double>(lock.height);
+    const Lean across(context.FilterShearDegreeX, source.height);
+    const LockedDib wide(DibCreateLike(source, source.width + 2 * across.margin, source.height));
+    const LockedDib rows = PictureLike(wide, [&](int32_t x, int32_t y) {
+        return across.Pixel(across.slope * (across.middle - y), x, [&](int32_t i) { return read(source, i, y); });
     });
-    *inside /= std::max(width - 1, 1);
+    const Lean down(context.FilterShearDegreeY, rows.View().width);
+    const LockedDib high(DibCreateLike(source, rows.View().width, source.height + 2 * down.margin));
+    return PictureLike(high, [&](int32_t x, int32_t y) {
+        return down.Pixel(down.slope * (x - down.middle), y, [&](int32_t i) { return read(rows, x, i); });
+    });
 }
 
-TEST(Seamless, SeamsAreNoRougherThanTheInside) {
-    for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
-        for (int32_t size : {64, 65}) {
-            const LockedDib noise = RandomPicture(size, size, mode, 3);
-            const LockedDib picture = PictureLike(
-                noise, [](int32_t x, int32_t y) { return static_cast<uint32_t>(x * 3 + y / 2) * 0x010101; });
-            for (int32_t maintain : {0, 1}) {
-                const LockedDib tile = RunKernel("Seamless", picture, {{&P::FilterSeamlessMaintain, maintain}});
-                const auto side = static_cast<size_t>(maintain ? size : (size + 1) / 2);
-                EXPECT_EQ(PixelsOf(tile).size(), side * side);
-                double seam = 0, plainSeam = 0, inside = 0, blended = 0;
-                MeasureSteps(picture, &plainSeam, &inside);
-                MeasureSteps(tile, &seam, &blended);
-                EXPECT_LE(seam, std::max(inside, blended)) << mode << " " << size << " " << maintain;
-                EXPECT_GT(plainSeam, 5 * seam);
-            }
+/// Position i of a half of this many positions: the part of the near half, in 256ths.
+uint32_t NearShare(int32_t i, int32_t side) {
+    const double t = (i + 0.5) / side;
+    return static_cast<uint32_t>(t * t * (3 - 2 * t) * 256 + 0.5);
+}
+
+/// The level of an ordered 4 x 4 dither, drawn together to 88 .. 168.
+uint32_t Threshold(int32_t x, int32_t y) {
+    static constexpr uint32_t kBayer[4][4] = {{0, 8, 2, 10}, {12, 4, 14, 6}, {3, 11, 1, 9}, {15, 7, 13, 5}};
+    return (kBayer[y & 3][x & 3] * 32 + 3) / 6 + 88;
+}
+
+LockedDib Seamless(const ReadView &from, const FilterContext &context) {
+    const int32_t width = (from.width + 1) / 2, height = (from.height + 1) / 2;
+    const int32_t right = from.width - width, below = from.height - height;
+    const LockedDib half(DibCreateLike(from, width, height));
+    const bool mixes = context.mode == kModeTrueColor || context.mode == kModeGrey;
+    return PictureLike(half, [&](int32_t x, int32_t y) {
+        const uint32_t across = NearShare(x, width), down = NearShare(y, height);
+        if (!mixes)
+            return DibGetPixel(from, across > Threshold(x, y) ? x : x + right,
+                               down > Threshold(y, 3 - (x & 3)) ? y : y + below);
+        uint32_t mixed = 0;
+        for (int32_t shift = 0; shift < 32; shift += 8) {
+            const auto row = [&](int32_t line) {
+                return (DibGetPixel(from, x + right, line) >> shift & 255) * (256 - across) +
+                       (DibGetPixel(from, x, line) >> shift & 255) * across;
+            };
+            mixed |= (row(y + below) * (256 - down) + row(y) * down + 32768) >> 16 << shift;
         }
-    }
+        return mixed;
+    });
 }
 
-TEST(Seamless, PalettesChooseAndOnePixelStays) {
-    const LockedDib indexes = MakePicture(4, 4, 8, {7, 7, 90, 90, 7, 7, 90, 90, 201, 201, 3, 3, 201, 201, 3, 3});
-    FilterContext context = MakeContext(kModePalette);
-    for (uint32_t pixel : PixelsOf(RunKernel("Seamless", indexes, &context, true)))
-        EXPECT_TRUE(pixel == 7 || pixel == 90 || pixel == 201 || pixel == 3) << pixel;
-    for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
-        const LockedDib dot = RandomPicture(1, 1, mode, 3);
-        for (int32_t maintain : {0, 1})
-            EXPECT_TRUE(SamePicture(RunKernel("Seamless", dot, {{&P::FilterSeamlessMaintain, maintain}}), dot));
-    }
+/// Back at the size of the picture: interpolated, or doubled and cut.
+LockedDib SeamlessMaintained(const ReadView &from, const FilterContext &context) {
+    const LockedDib half = Seamless(from, context);
+    if (context.mode == kModeTrueColor || context.mode == kModeGrey)
+        return LockedDib(DibScaleTo(half, from.width, from.height, kWindowAutomatic));
+    return LockedDib(DibCropRect(LockedDib(DibScaleNearest(half, 200, 200)), 0, 0, from.width, from.height));
+}
+
+} // namespace
+
+TEST(Shear, AgreesWithItsDefinition) {
+    ExpectDefinition("Shear", {{Kind::Color, Kind::Alpha, Kind::Grey}}, Leaning);
+    const LockedDib picture = MakePicture(3, 3, 8, {10, 20, 30, 40, 50, 60, 70, 80, 90});
+    FilterContext context = ContextWith({{&P::FilterShearDegreeX, 60}, {&P::FilterShearDegreeY, 30}});
+    context.paperColor = 0;
+    // The tangent of 30 degrees is 147 of 255 parts of a pixel to the right, or a whole one to the left less 108.
+    EXPECT_EQ(PixelsOf(RunKernel("Shear", picture, context)),
+              (Pixels{0, 4, 14, 24, 17, 0, 40, 50, 60, 0, 41, 76, 86, 38, 0}));
+}
+
+TEST(Seamless, AgreesWithItsDefinition) {
+    const std::vector<Kind> all = {Kind::Color, Kind::Alpha, Kind::Grey, Kind::Palette, Kind::Mono};
+    ExpectDefinition("Seamless", {all, {}, {{&P::FilterSeamlessMaintain, 0}}}, Seamless);
+    ExpectDefinition("Seamless", {all, {}, {{&P::FilterSeamlessMaintain, 1}}}, SeamlessMaintained);
 }
 
 } // namespace lmf::testing

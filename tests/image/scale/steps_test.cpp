@@ -5,9 +5,10 @@
 #include "support/pictures.h"
 
 namespace lmf::testing {
+namespace {
 
 /// One channel of a line, shrunk.
-static Pixels ShrunkLine(const Pixels &from, size_t newSize, size_t percent) {
+Pixels ShrunkLine(const Pixels &from, size_t newSize, size_t percent) {
     Pixels line(newSize);
     for (size_t i = 0, next = 0; i < newSize; i++) {
         uint32_t sum = 0, count = 0;
@@ -17,7 +18,7 @@ static Pixels ShrunkLine(const Pixels &from, size_t newSize, size_t percent) {
     return line;
 }
 
-static Pixels EnlargedLine(const Pixels &from, size_t newSize, size_t percent) {
+Pixels EnlargedLine(const Pixels &from, size_t newSize, size_t percent) {
     const size_t step = percent + percent / 100 + (percent % 100 != 0);
     Pixels line(newSize + 2 * step);
     line[0] = from[0];
@@ -35,7 +36,7 @@ static Pixels EnlargedLine(const Pixels &from, size_t newSize, size_t percent) {
 }
 
 /// The same height, another width.
-static LockedDib ReferenceSteps(const ReadView &source, int32_t percent) {
+LockedDib ReferenceSteps(const ReadView &source, int32_t percent) {
     const ReadView from = source;
     const int32_t newWidth = from.width * percent / 100;
     std::vector<Pixels> stepped; // three channels a line
@@ -52,6 +53,8 @@ static LockedDib ReferenceSteps(const ReadView &source, int32_t percent) {
         return PackColor(line[0][at], line[1][at], line[2][at]);
     });
 }
+
+} // namespace
 
 TEST(Steps, AgreeWithSteppingLineByLine) {
     for (int32_t percent : {1, 7, 25, 33, 50, 66, 99, 101, 150, 199, 200, 333, 400, 1234}) {
@@ -81,14 +84,21 @@ TEST(Steps, OtherDepths) {
               (Pixels{0x304050, 0x304050, 0x304050, 0x304050, 0x304050, 0x304050}));
     LockedDib nibbles = MakePicture(2, 1, 4, {4, 9});
     EXPECT_EQ(PixelsOf(LockedDib(DibShrinkHorz(nibbles, 50))), (Pixels{6}));
+    EXPECT_EQ(PixelsOf(LockedDib(DibEnlargeHorz(nibbles, 200))), (Pixels{6, 9, 9, 9}));
+    // 64 bits are 8 bytes and hold two triples, of which the one that 32 bits have room for is the mean.
+    LockedDib bits(DibCreate(64, 1, nullptr, 1));
+    for (uint8_t i = 0; i < 8; i++) bits.View().Row(0)[i] = static_cast<uint8_t>(i * 20 + 1);
+    const LockedDib halved(DibShrinkHorz(bits, 50));
+    const uint8_t *row = halved.View().Row(0);
+    EXPECT_EQ(Pixels(row, row + 4), (Pixels{31, 51, 71, 0}));
 }
 
 TEST(Steps, BothAxes) {
     LockedDib source = RandomPicture(17, 13, kModeTrueColor, 4);
     LockedDib mixed(DibScaleSteps(source, 250, 40));
     LockedDib wide(DibEnlargeHorz(source, 250));
-    EXPECT_TRUE(SamePicture(mixed, LockedDib(DibShrinkVert(wide, 40)).handle));
-    EXPECT_TRUE(SamePicture(LockedDib(DibScaleSteps(source, 100, 100)).handle, source));
+    EXPECT_TRUE(SamePicture(mixed, LockedDib(DibShrinkVert(wide, 40))));
+    EXPECT_TRUE(SamePicture(LockedDib(DibScaleSteps(source, 100, 100)), source));
     EXPECT_EQ(DibScaleSteps(source, 100, 7), nullptr);
     EXPECT_EQ(DibScaleSteps(source, 0, 100), nullptr);
 }
