@@ -52,7 +52,8 @@ enum class ListSource : uint8_t {
 enum class RangeSource : uint8_t {
     Table,
     PictureWidth, ///< no further than the picture's width in pixels
-    PictureHeight
+    PictureHeight,
+    SecondPicture ///< the last value only where the picture has a second one
 };
 
 struct ControlRange {

@@ -1,4 +1,5 @@
-// What the library asks of the system beside memory and windows: the clock, folders, files, the library's own place.
+// What the library asks of the system beside memory and windows: the clock, the user, folders, files, the library's own
+// place.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +13,16 @@ namespace lmf {
 /// Breaks a time of SystemTime down into local time.
 /// @return false for a time that the system's calendar cannot hold
 [[nodiscard]] bool LocalTime(int64_t seconds, std::tm *out);
+
+/// Room that is enough for the name of UserName.
+inline constexpr size_t kUserNameSize = 256;
+/// The user's full name as the system has it, else the name of the login.
+/// @param out  kUserNameSize bytes
+/// @return false where there is none, or none that fits
+[[nodiscard]] bool UserName(char *out);
+/// A letter in lower or upper case, in every script and the same in every locale; any other character as it is.
+[[nodiscard]] char32_t LowerCase(char32_t character);
+[[nodiscard]] char32_t UpperCase(char32_t character);
 
 /// What separates the folders of a path.
 extern const char kPathSeparator;

@@ -77,6 +77,8 @@ FilterContext MakeContext(ImageMode mode) {
     FilterContext context{};
     context.mode = mode;
     context.paperColor = 0xFFFFFF;
+    context.ditherBrightness = kFactorySettings.DitherBrightness;
+    context.ditherContrast = kFactorySettings.DitherContrast;
     ResetAllDefaults(context);
     return context;
 }

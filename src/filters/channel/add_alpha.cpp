@@ -9,29 +9,33 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(200, "Opacity:", &P::FilterAddAlphaOpacity, {0, 255}),
-    CheckBox(201, "Use mask on clipboard", &P::FilterAddAlphaUseCBD),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(200, "Opacity:", &P::FilterAddAlphaOpacity, {0, 255})
+        .In(Unit::Levels)
+        .Help("Makes the picture transparent at 0 and opaque at 255 where no mask is used."),
+    CheckBox(201, "Use mask on clipboard", &P::FilterAddAlphaUseCBD)
+        .Help("Takes the transparency from a picture on the clipboard: black is clear and white is opaque."),
 };
 
 /// The clipboard's picture in grey, or as it is where it cannot be made grey.
-static DibHandle MaskFromClipboard(void *owner) {
+DibHandle MaskFromClipboard(void *owner) {
     LockedDib copy(ClipboardPicture(owner));
     if (!copy) return nullptr;
     DibHandle grey = DibToGrey(copy);
     return grey != nullptr ? grey : copy.Release();
 }
 
-static DibHandle UniformMask(const ReadView &source, int32_t opacity) {
-    const int32_t width = source.width, height = source.height;
-    LockedDib mask(DibCreateGrey(width, height));
-    const WriteView &lock = mask.View();
+DibHandle UniformMask(const ReadView &source, int32_t opacity) {
+    LockedDib mask(DibCreateGrey(source.width, source.height));
     if (!mask) return nullptr;
-    for (int32_t y = 0; y < height; y++) std::memset(lock.MemoryRow(y), opacity, static_cast<size_t>(width));
+    for (int32_t y = 0; y < source.height; y++)
+        std::memset(mask.View().Row(y), opacity, static_cast<size_t>(source.width));
     return mask.Release();
 }
 
-static DibHandle AddAlphaKernel(const ReadView &source, FilterContext &context) {
+DibHandle AddAlphaKernel(const ReadView &source, FilterContext &context) {
     const bool fromClipboard = context.FilterAddAlphaUseCBD != 0 && ClipboardHasPicture();
     DibOwner mask(fromClipboard ? MaskFromClipboard(context.ownerWindow)
                                 : UniformMask(source, context.FilterAddAlphaOpacity));
@@ -41,6 +45,8 @@ static DibHandle AddAlphaKernel(const ReadView &source, FilterContext &context) 
     ReplaceSecond(context, mask.Release());
     return result.Release();
 }
+
+} // namespace
 
 extern constexpr Filter kAddAlpha = MakeFilter<kPage>(AddAlphaKernel);
 

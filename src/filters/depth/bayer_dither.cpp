@@ -6,20 +6,27 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Combo(240, "Type:", &P::FilterBayerType, "2 colors;16 colors;256 colors"),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Combo(240, "Type:", &P::FilterBayerType, "2 colors;16 colors;256 colors")
+        .Help("Chooses black and white, the eight pure colors, or 256 colors spread evenly."),
 };
 
-static DibHandle BayerDitherKernel(const ReadView &source, FilterContext &context) {
+enum BayerType : int32_t { kTwoColors, kSixteenColors, k256Colors };
+
+DibHandle BayerDitherKernel(const ReadView &source, FilterContext &context) {
     switch (context.FilterBayerType) {
-    case 0:
+    case kTwoColors:
         return BayerMono(source);
-    case 1:
+    case kSixteenColors:
         return BayerEight(source);
     default:
         return BayerRgb332(source);
     }
 }
+
+} // namespace
 
 extern constexpr Filter kBayerDither = MakeFilter<kPage>(BayerDitherKernel);
 

@@ -5,9 +5,13 @@
 
 namespace lmf {
 
-static DibHandle ConvertToGreyKernel(const ReadView &source, FilterContext &) {
+namespace {
+
+DibHandle ConvertToGreyKernel(const ReadView &source, FilterContext &) {
     return DibToGrey(source);
 }
+
+} // namespace
 
 extern constexpr Filter kConvertToGrey = MakeFilter(ConvertToGreyKernel);
 

@@ -5,13 +5,17 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(361, "Threshold:", &P::FilterConvertToMonoThreshold, {1, 254}),
-    CheckBox(360, "Dither", &P::FilterConvertToMonoDither),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(361, "Threshold:", &P::FilterConvertToMonoThreshold, {1, 254})
+        .In(Unit::Levels)
+        .Help("Makes what is brighter than this level white and the rest black, unless \"Dither\" is set."),
+    CheckBox(360, "Dither", &P::FilterConvertToMonoDither).Help("Shows shades of grey as patterns of black dots."),
 };
 
-static DibHandle ConvertToMonoKernel(const ReadView &source, FilterContext &context) {
-    const MonoTone tone = {Settings.DitherBrightness, Settings.DitherContrast};
+DibHandle ConvertToMonoKernel(const ReadView &source, FilterContext &context) {
+    const MonoTone tone = {context.ditherBrightness, context.ditherContrast};
     DibOwner result(context.FilterConvertToMonoDither != 0
                         ? ErrorDiffuse(source, kBlackAndWhite, 1, tone)
                         : ThresholdToMono(source, context.FilterConvertToMonoThreshold));
@@ -19,6 +23,8 @@ static DibHandle ConvertToMonoKernel(const ReadView &source, FilterContext &cont
     ReplaceSecond(context, nullptr);
     return result.Release();
 }
+
+} // namespace
 
 extern constexpr Filter kConvertToMono = MakeFilter<kPage>(ConvertToMonoKernel);
 

@@ -4,9 +4,13 @@
 
 namespace lmf {
 
-static DibHandle ConvertToRgbKernel(const ReadView &source, FilterContext &) {
+namespace {
+
+DibHandle ConvertToRgbKernel(const ReadView &source, FilterContext &) {
     return ExpandToRgb(source);
 }
+
+} // namespace
 
 extern constexpr Filter kConvertToRGB = MakeFilter(ConvertToRgbKernel);
 

@@ -11,13 +11,15 @@
 
 namespace lmf {
 
+namespace {
+
 /// Pixels at each weighted grey.
 struct Histogram {
     uint32_t at[256];
 };
 
 /// Four counts in turn, so that equal neighbours do not wait for each other.
-static void CountRow(const uint8_t *grey, int32_t width, Histogram counts[4]) {
+void CountRow(const uint8_t *grey, int32_t width, Histogram counts[4]) {
     int32_t x = 0;
     for (; x + 4 <= width; x += 4)
         for (int32_t lane = 0; lane < 4; lane++) counts[lane].at[grey[x + lane]]++;
@@ -25,14 +27,13 @@ static void CountRow(const uint8_t *grey, int32_t width, Histogram counts[4]) {
 }
 
 /// @return false when memory is short
-static bool CountGreys(const ReadView &picture, Histogram *histogram) {
-    const ReadView &view = picture;
-    BlockArray<uint8_t> grey(static_cast<uint64_t>(view.width));
+bool CountGreys(const ReadView &picture, Histogram *histogram) {
+    BlockArray<uint8_t> grey(static_cast<uint64_t>(picture.width));
     if (!grey) return false;
     Histogram counts[4] = {};
-    for (int32_t y = 0; y < view.height; y++) {
+    for (int32_t y = 0; y < picture.height; y++) {
         ReadGreyRow(grey.data, picture, y);
-        CountRow(grey.data, view.width, counts);
+        CountRow(grey.data, picture.width, counts);
     }
     for (int32_t i = 0; i < 256; i++)
         histogram->at[i] = counts[0].at[i] + counts[1].at[i] + counts[2].at[i] + counts[3].at[i];
@@ -50,7 +51,7 @@ struct ToneSpan {
     }
 };
 
-static ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
+ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
     ToneSpan span(histogram, pixels / 100);
     if (span.low == span.high) span = ToneSpan(histogram, 0);
     ToneTable table;
@@ -66,18 +67,24 @@ static ToneTable StretchTable(const Histogram &histogram, uint64_t pixels) {
     return table;
 }
 
+} // namespace
+
 DibHandle Normalize(const ReadView &source) {
     PixelPass pass(source);
     Histogram histogram;
-    if (!pass || !CountGreys(pass.from, &histogram)) return nullptr;
-    const ReadView &view = pass.from;
-    MapChannels(pass, StretchTable(histogram, static_cast<uint64_t>(view.width) * static_cast<uint64_t>(view.height)));
+    if (!pass || !CountGreys(source, &histogram)) return nullptr;
+    const uint64_t pixels = static_cast<uint64_t>(source.width) * static_cast<uint64_t>(source.height);
+    MapChannels(pass, StretchTable(histogram, pixels));
     return pass.Finish();
 }
 
-static DibHandle NormalizeKernel(const ReadView &source, FilterContext &) {
+namespace {
+
+DibHandle NormalizeKernel(const ReadView &source, FilterContext &) {
     return Normalize(source);
 }
+
+} // namespace
 
 extern constexpr Filter kNormalize = MakeFilter(NormalizeKernel);
 

@@ -10,47 +10,53 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    CheckBox(1060, "Use paper", &P::FilterWhiteBalancePaper),
+namespace {
+
+constexpr PageControl kPage[] = {
+    CheckBox(1060, "Use paper", &P::FilterWhiteBalancePaper)
+        .Help("Makes the paper color white; clear, the brightest pixel of the picture becomes white."),
 };
 
-/// The first of the brightest pixels, rows from the top; black in an all-black picture.
-/// @return false when memory is short
-static bool FindBrightest(const ReadView &picture, Color *brightest) {
-    const ReadView &view = picture;
-    BlockArray<uint8_t> grey(static_cast<uint64_t>(view.width));
-    if (!grey) return false;
-    uint8_t best = 0;
-    *brightest = 0;
-    for (int32_t y = 0; y < view.height; y++) {
+/// The first of the brightest pixels, rows from the top; black in an all-black picture. None when memory is short.
+std::optional<Color> BrightestPixel(const ReadView &picture) {
+    BlockArray<uint8_t> grey(static_cast<uint64_t>(picture.width));
+    if (!grey) return std::nullopt;
+    uint8_t most = 0;
+    Color brightest = 0;
+    for (int32_t y = 0; y < picture.height; y++) {
         ReadGreyRow(grey.data, picture, y);
-        const uint8_t *row = std::max_element(grey.data, grey.data + view.width);
-        if (*row <= best) continue;
-        best = *row;
-        *brightest = DibGetPixel(picture, static_cast<int32_t>(row - grey.data), y);
+        const uint8_t *place = std::max_element(grey.data, grey.data + picture.width);
+        if (*place <= most) continue;
+        most = *place;
+        brightest = DibGetPixel(picture, static_cast<int32_t>(place - grey.data), y);
     }
-    return true;
+    return brightest;
 }
 
-static ToneTable LiftTable(uint8_t reference) {
+ToneTable LiftTable(uint8_t reference) {
     ToneTable table;
     for (int32_t i = 0; i < 256; i++) table.at[i] = static_cast<uint8_t>(std::min(i + 255 - reference, 255));
     return table;
 }
 
+} // namespace
+
 DibHandle WhiteBalance(const ReadView &source, std::optional<Color> white) {
     PixelPass pass(source);
-    if (!pass) return nullptr;
-    Color reference = white.value_or(0);
-    if (!white && !FindBrightest(pass.from, &reference)) return nullptr;
-    MapChannels(pass, {LiftTable(RedOf(reference)), LiftTable(GreenOf(reference)), LiftTable(BlueOf(reference))});
+    if (pass && !white) white = BrightestPixel(source);
+    if (!pass || !white) return nullptr;
+    MapChannels(pass, {LiftTable(RedOf(*white)), LiftTable(GreenOf(*white)), LiftTable(BlueOf(*white))});
     return pass.Finish();
 }
 
-static DibHandle WhiteBalanceKernel(const ReadView &source, FilterContext &context) {
+namespace {
+
+DibHandle WhiteBalanceKernel(const ReadView &source, FilterContext &context) {
     return WhiteBalance(source,
                         context.FilterWhiteBalancePaper != 0 ? std::optional(context.paperColor) : std::nullopt);
 }
+
+} // namespace
 
 extern constexpr Filter kWhiteBalance = MakeFilter<kPage>(WhiteBalanceKernel);
 

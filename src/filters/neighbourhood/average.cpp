@@ -4,17 +4,20 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    CheckBox(230, "Wide aperture", &P::FilterAverageWide),
+namespace {
+
+constexpr PageControl kPage[] = {
+    CheckBox(230, "Wide aperture", &P::FilterAverageWide).Help("Averages 5 by 5 pixels instead of 3 by 3."),
 };
 
-static constexpr Window5x5 kNarrow = {
-    {0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 0, 0, 0, 0}, 9, 0};
-static constexpr Window5x5 kWide = {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25, 0};
+constexpr Window5x5 kNarrow = {{0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 0, 0, 0, 0}, 9, 0};
+constexpr Window5x5 kWide = {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25, 0};
 
-static DibHandle AverageKernel(const ReadView &source, FilterContext &context) {
+DibHandle AverageKernel(const ReadView &source, FilterContext &context) {
     return Convolve5x5(source, context.FilterAverageWide ? kWide : kNarrow);
 }
+
+} // namespace
 
 extern constexpr Filter kAverage = MakeFilter<kPage>(AverageKernel);
 

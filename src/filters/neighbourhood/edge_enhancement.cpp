@@ -4,12 +4,15 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Combo(410, "Level:", &P::FilterEdgeEnhanceLevel, "Light;Medium;Heavy"),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Combo(410, "Level:", &P::FilterEdgeEnhanceLevel, "Light;Medium;Heavy")
+        .Help("How strongly each pixel is set off from its neighbours."),
 };
 
 /// A window of the centre, its four edge neighbours and its four corner neighbours.
-static constexpr Window5x5 Ring(int16_t centre, int16_t edge, int16_t corner, int16_t divisor) {
+constexpr Window5x5 Ring(int16_t centre, int16_t edge, int16_t corner, int16_t divisor) {
     Window5x5 window{};
     for (int32_t j = -1; j <= 1; j++)
         for (int32_t i = -1; i <= 1; i++) window.weights[12 + j * 5 + i] = i != 0 && j != 0 ? corner : edge;
@@ -18,20 +21,14 @@ static constexpr Window5x5 Ring(int16_t centre, int16_t edge, int16_t corner, in
     return window;
 }
 
-static constexpr Window5x5 kLight = Ring(13, -1, -1, 7);
-static constexpr Window5x5 kMedium = Ring(5, -1, 0, 1);
-static constexpr Window5x5 kHeavy = Ring(9, -1, -1, 5);
+/// Light, medium and heavy.
+constexpr Window5x5 kLevels[] = {Ring(13, -1, -1, 7), Ring(5, -1, 0, 1), Ring(9, -1, -1, 5)};
 
-static DibHandle EdgeEnhancementKernel(const ReadView &source, FilterContext &context) {
-    switch (context.FilterEdgeEnhanceLevel) {
-    case 1:
-        return Convolve5x5(source, kMedium);
-    case 2:
-        return Convolve5x5(source, kHeavy);
-    default:
-        return Convolve5x5(source, kLight);
-    }
+DibHandle EdgeEnhancementKernel(const ReadView &source, FilterContext &context) {
+    return Convolve5x5(source, kLevels[context.FilterEdgeEnhanceLevel]);
 }
+
+} // namespace
 
 extern constexpr Filter kEdgeEnhancement = MakeFilter<kPage>(EdgeEnhancementKernel);
 

@@ -6,22 +6,29 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(400, "Radius:", &P::FilterEmbossWidth, {4, 15}),
-    Slider(401, "Depth:", &P::FilterEmbossSigma, {15, 50}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(400, "Radius:", &P::FilterEmbossWidth, {4, 15})
+        .In(Unit::Pixels)
+        .Help("Side of the square of pixels that makes the relief; an even number counts as the next odd one."),
+    Slider(401, "Depth:", &P::FilterEmbossSigma, {15, 50})
+        .In(Unit::Pixels, 10)
+        .Help("How far from its middle the square still counts; higher values give a broader relief."),
 };
 
-static DibHandle EmbossKernel(const ReadView &source, FilterContext &context) {
-    const int32_t order = context.FilterEmbossWidth | 1, half = order / 2;
-    SquareKernel kernel;
-    if (!BuildBell(order, context.FilterEmbossSigma / 10.0, &kernel)) return nullptr;
-    double *weight = kernel->data;
+DibHandle EmbossKernel(const ReadView &source, FilterContext &context) {
+    SquareKernel kernel = BellKernel(context.FilterEmbossWidth | 1, context.FilterEmbossSigma / 10.0);
+    const int32_t half = kernel.order / 2;
+    double *weight = kernel.weights;
     for (int32_t v = -half; v <= half; v++) {
         for (int32_t u = -half; u <= half; u++, weight++)
             *weight = u == -v ? 0.0 : *weight * (u >= 0 && v >= 0 ? 8.0 : -8.0);
     }
-    return ConvolveSquare(source, order, kernel->data, context.mode);
+    return ConvolveSquare(source, kernel, context.mode);
 }
+
+} // namespace
 
 extern constexpr Filter kEmboss = MakeFilter<kPage>(EmbossKernel);
 

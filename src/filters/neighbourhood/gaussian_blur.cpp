@@ -6,14 +6,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    HundredthsSlider(490, "Depth:", &P::FilterGaussianSigma, {10, 100}),
-    HundredthsSlider(491, "Radius:", &P::FilterGaussianRadius, {10, 990}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    HundredthsSlider(490, "Depth:", &P::FilterGaussianSigma, {10, 100})
+        .In(Unit::Pixels, 10)
+        .Help("How evenly the pixels within the radius count; low values favour the nearest ones."),
+    HundredthsSlider(491, "Radius:", &P::FilterGaussianRadius, {10, 990})
+        .In(Unit::Pixels, 10)
+        .Help("How far around each pixel the blur reaches, rounded up to whole pixels."),
 };
 
-static DibHandle GaussianBlurKernel(const ReadView &source, FilterContext &context) {
+DibHandle GaussianBlurKernel(const ReadView &source, FilterContext &context) {
     return GaussianBlurKernelRun(source, context.mode, context.FilterGaussianRadius, context.FilterGaussianSigma);
 }
+
+} // namespace
 
 extern constexpr Filter kGaussianBlur = MakeFilter<kPage>(GaussianBlurKernel);
 

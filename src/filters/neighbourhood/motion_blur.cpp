@@ -1,6 +1,7 @@
-// Motion Blur: every pixel trails off in one direction, as when the camera moves during the exposure. "Angle" is the
-// direction of the trail in degrees, 0 up and 90 to the right; "Radius" half its length in pixels; "Depth" how
-// slowly it fades. Where the trail leaves the picture it meets the paper colour.
+// Motion Blur: every pixel drags a trail behind it, as when things move during the exposure. "Angle" is the direction
+// in which they seem to move and in which each pixel takes its samples, in degrees, 0 up and 90 to the right; "Radius"
+// is half the length of the trail in pixels; "Depth" how slowly it fades. Where the samples leave the picture they meet
+// the paper colour. Pictures with alpha keep it.
 #include <cmath>
 #include <cstring>
 #include <numbers>
@@ -8,33 +9,26 @@
 #include "engine/filter.h"
 #include "image/blur/gaussian.h"
 #include "image/blur/taps.h"
-#include "image/core/pixel_pass.h"
+#include "image/core/byte_pass.h"
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(601, "Depth:", &P::FilterMotionBlurSigma, {5, 50}),
-    Slider(602, "Radius:", &P::FilterMotionBlurRadius, {5, 300}),
-    NumberEdit(600, "Angle:", &P::FilterMotionBlurAngle, {0, 359}),
-};
+namespace {
 
-/// Without a radius the kernel takes the largest odd width whose last weight still counts in 8 bits.
-static int32_t BuildAutomaticKernel(double sigma, BlurKernel *kernel) {
-    int32_t good = 3;
-    int32_t width = BuildHalfGaussianKernel(good, sigma, kernel);
-    while (width > 0 && static_cast<int32_t>((**kernel)[width - 1] * 255.0) > 0) {
-        good = width;
-        width = BuildHalfGaussianKernel(width + 2, sigma, kernel);
-    }
-    return width == good || width == 0 ? width : BuildHalfGaussianKernel(good, sigma, kernel);
-}
+constexpr PageControl kPage[] = {
+    Slider(601, "Depth:", &P::FilterMotionBlurSigma, {5, 50}).In(Unit::Pixels).Help("How slowly the trail fades."),
+    Slider(602, "Radius:", &P::FilterMotionBlurRadius, {5, 300}).In(Unit::Pixels).Help("Half the length of the trail."),
+    NumberEdit(600, "Angle:", &P::FilterMotionBlurAngle, {0, 359})
+        .In(Unit::Degrees)
+        .Help("Which way things seem to move, their trail behind them: 0 is up, 90 to the right."),
+};
 
 struct Shift {
     int32_t x, y; ///< pixels to the right and upwards
 };
 
 /// Where each weight takes its sample, on a line of `width` pixels in the direction of `degrees`.
-static void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees) {
+void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees) {
     const double angle = degrees * std::numbers::pi / 180;
     const auto ox = static_cast<int32_t>(std::sin(angle) * width);
     const auto oy = static_cast<int32_t>(std::cos(angle) * width);
@@ -45,31 +39,10 @@ static void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees
     }
 }
 
-/// Any depth, pixel by pixel. Pictures with alpha keep theirs.
-static void BlurThroughPixels(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
-                              int32_t taps, Color paper) {
-    for (int32_t y = 0; y < from.height; y++) {
-        for (int32_t x = 0; x < from.width; x++) {
-            double red = 0.0, green = 0.0, blue = 0.0;
-            for (int32_t i = 0; i < taps; i++) {
-                uint32_t pixel = DibGetPixel(from, x + shifts[i].x, y - shifts[i].y);
-                if (pixel == kOutside) pixel = paper;
-                red += (*kernel)[i] * RedOf(pixel);
-                green += (*kernel)[i] * GreenOf(pixel);
-                blue += (*kernel)[i] * BlueOf(pixel);
-            }
-            const uint32_t alpha = DibGetPixel(from, x, y) & 0xFF000000;
-            DibSetPixel(to, x, y,
-                        alpha | PackColor(static_cast<uint32_t>(red), static_cast<uint32_t>(green),
-                                          static_cast<uint32_t>(blue)));
-        }
-    }
-}
-
-/// 24-bit pictures. The rows are copied once with paper on both sides, as far as the trail reaches, and one row of
+/// The rows are copied once with paper on both sides, as far as the trail reaches, and one row of
 /// paper stands for all rows below and above; so every tap is a plain line of bytes. False when memory is short.
-static bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
-                     int32_t tapCount, Color paper) {
+bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
+              int32_t tapCount, Color paper) {
     static constexpr int32_t kPart = 768;
     const Shift reach = shifts[tapCount - 1];
     const int64_t before = std::max(-reach.x, 0), after = std::max(reach.x, 0);
@@ -104,26 +77,30 @@ static bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel
     return true;
 }
 
-static DibHandle MotionBlurKernel(const ReadView &source, FilterContext &context) {
-    PixelPass pass(source);
-    if (!pass) return nullptr;
+/// Gives a 32-bit picture the alpha of another picture.
+void CopyAlpha(const WriteView &to, const ReadView &from) {
+    for (int32_t y = 0; y < to.height; y++)
+        for (int32_t x = 0; x < to.width; x++)
+            to.Row(y)[static_cast<ptrdiff_t>(x) * 4 + 3] = AlphaOf(DibGetPixel(from, x, y));
+}
 
-    const int32_t radius = context.FilterMotionBlurRadius;
-    const double sigma = context.FilterMotionBlurSigma;
+DibHandle MotionBlurKernel(const ReadView &source, FilterContext &context) {
+    // White of full alpha counts as lying outside the picture.
+    BytePass pass(source, context.paperColor);
+    if (!pass.IsColor()) return nullptr;
     BlurKernel kernel;
     const int32_t taps =
-        radius >= 1 ? BuildHalfGaussianKernel(2 * radius + 1, sigma, &kernel) : BuildAutomaticKernel(sigma, &kernel);
-    if (taps < 3) return nullptr;
+        BuildHalfGaussianKernel(2 * context.FilterMotionBlurRadius + 1, context.FilterMotionBlurSigma, &kernel);
     BlockArray<Shift> shifts(static_cast<uint64_t>(taps));
     if (!shifts) return nullptr;
     FillShifts(&shifts, taps, context.FilterMotionBlurAngle);
-
-    if (pass.from.bits != 24)
-        BlurThroughPixels(pass.to, pass.from, kernel, shifts.data, taps, context.paperColor);
-    else if (!BlurRows(pass.to, pass.from, kernel, shifts.data, taps, context.paperColor))
-        return nullptr;
-    return pass.Finish();
+    if (!BlurRows(pass.To(), pass.From(), kernel, shifts.data, taps, context.paperColor)) return nullptr;
+    LockedDib result(pass.Finish());
+    if (result && result.View().bits == 32) CopyAlpha(result.View(), source);
+    return result.Release();
 }
+
+} // namespace
 
 extern constexpr Filter kMotionBlur = MakeFilter<kPage>(MotionBlurKernel);
 

@@ -5,50 +5,44 @@
 
 #include <cmath>
 
+#include "common/multiversion.h"
 #include "engine/filter.h"
-#include "image/core/pixel_pass.h"
+#include "image/blur/window3x3.h"
 #include "image/scale/resample.h"
 
 namespace lmf {
 
-static constexpr int32_t kLargestSide = 500;
+namespace {
 
-/// Three pixels on each side of (x, y), the two sides as sums of each channel.
-struct Gradient {
-    int32_t sums[3] = {};
+constexpr int32_t kLargestSide = 500;
 
-    void Add(uint32_t pixel, int32_t sign) {
-        for (int32_t c = 0; c < 3; c++) sums[c] += sign * static_cast<int32_t>(pixel >> 8 * c & 255);
+/// The gradient down and across, from three pixels on each side.
+LMF_MULTIVERSION
+void EdgeBytes(uint8_t *__restrict to, const Window3x3 &window, ptrdiff_t count) {
+    const uint8_t *__restrict above = window.above, *__restrict here = window.here, *__restrict below = window.below;
+    const ptrdiff_t left = window.left, right = window.right;
+    for (ptrdiff_t i = 0; i < count; i++) {
+        const int32_t down =
+            below[i - left] + below[i] + below[i + right] - above[i - left] - above[i] - above[i + right];
+        const int32_t across =
+            above[i + right] + here[i + right] + below[i + right] - above[i - left] - here[i - left] - below[i - left];
+        const double square = down * down + across * across;
+        to[i] = ClampByte(static_cast<int32_t>(std::sqrt(square) / 1.8));
     }
-};
-
-static uint32_t EdgeAt(const ReadView &from, int32_t x, int32_t y) {
-    const int32_t columns[] = {std::max(x - 1, 0), x, std::min(x + 1, from.width - 1)};
-    const int32_t rows[] = {std::max(y - 1, 0), y, std::min(y + 1, from.height - 1)};
-    Gradient down, across;
-    for (int32_t i = 0; i < 3; i++) {
-        down.Add(DibGetPixel(from, columns[i], rows[0]), -1);
-        down.Add(DibGetPixel(from, columns[i], rows[2]), 1);
-        across.Add(DibGetPixel(from, columns[0], rows[i]), -1);
-        across.Add(DibGetPixel(from, columns[2], rows[i]), 1);
-    }
-    uint32_t edge = 0;
-    for (int32_t c = 0; c < 3; c++) {
-        const int32_t square = down.sums[c] * down.sums[c] + across.sums[c] * across.sums[c];
-        const auto strength = static_cast<int32_t>(std::sqrt(static_cast<double>(square)) / 1.8);
-        edge |= static_cast<uint32_t>(std::min(strength, 255)) << 8 * c;
-    }
-    return edge;
 }
 
-static DibHandle FindEdges(const ReadView &picture) {
-    PixelPass pass(picture);
+DibHandle FindEdges(const ReadView &picture) {
+    BytePass pass(picture);
     if (!pass) return nullptr;
-    const ReadView &view = pass.from;
-    for (int32_t y = 0; y < view.height; y++)
-        for (int32_t x = 0; x < view.width; x++) DibSetPixel(pass.to, x, y, EdgeAt(pass.from, x, y));
+    ForEachWindow3x3(pass, EdgeBytes);
     return pass.Finish();
 }
+
+DibHandle NeonKernel(const ReadView &source, FilterContext &) {
+    return Neon(source);
+}
+
+} // namespace
 
 DibHandle Neon(const ReadView &source) {
     const int32_t width = source.width, height = source.height;
@@ -62,10 +56,6 @@ DibHandle Neon(const ReadView &source) {
     if (!edges) return nullptr;
     DibHandle enlarged = DibScale(edges, width, height, kWindowAutomatic, 1.0);
     return enlarged != nullptr ? enlarged : edges.Release();
-}
-
-static DibHandle NeonKernel(const ReadView &source, FilterContext &) {
-    return Neon(source);
 }
 
 extern constexpr Filter kNeon = MakeFilter(NeonKernel);

@@ -7,20 +7,26 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(870, "Radius:", &P::FilterSharpenWidth, {3, 15}),
-    Slider(871, "Depth:", &P::FilterSharpenSigma, {15, 50}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(870, "Radius:", &P::FilterSharpenWidth, {3, 15})
+        .In(Unit::Pixels)
+        .Help("Is kept but changes nothing: Sharpen works with the radius of Emboss."),
+    Slider(871, "Depth:", &P::FilterSharpenSigma, {15, 50})
+        .In(Unit::Pixels, 10)
+        .Help("Is kept but changes nothing: Sharpen works with the depth of Emboss."),
 };
 
-static DibHandle SharpenKernel(const ReadView &source, FilterContext &context) {
-    const int32_t order = context.FilterEmbossWidth | 1, count = order * order;
-    SquareKernel kernel;
-    if (!BuildBell(order, context.FilterEmbossSigma / 10.0, &kernel)) return nullptr;
+DibHandle SharpenKernel(const ReadView &source, FilterContext &context) {
+    SquareKernel kernel = BellKernel(context.FilterEmbossWidth | 1, context.FilterEmbossSigma / 10.0);
     // The sum becomes negative, and dividing by it turns the centre positive and the ring negative.
-    double *weights = kernel->data;
-    weights[count / 2] = -2.0 * std::accumulate(weights, weights + count, 0.0);
-    return ConvolveSquare(source, order, weights, context.mode);
+    const int32_t count = kernel.order * kernel.order;
+    kernel.weights[count / 2] = -2.0 * std::accumulate(kernel.weights, kernel.weights + count, 0.0);
+    return ConvolveSquare(source, kernel, context.mode);
 }
+
+} // namespace
 
 extern constexpr Filter kSharpen = MakeFilter<kPage>(SharpenKernel);
 

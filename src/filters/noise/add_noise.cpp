@@ -8,36 +8,42 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(210, "Intensity:", &P::FilterNoiseLevel, {1, 32}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(210, "Intensity:", &P::FilterNoiseLevel, {1, 32})
+        .In(Unit::Levels)
+        .Help("How strong the noise is: the middle of its random numbers."),
     Combo(211, "Type:", &P::FilterNoiseType,
-          "Gaussian Noise;Multiplicative Noise;Impulse Noise;Laplacian Noise;Poisson Noise"),
-    CheckBox(212, "Colored noise", &P::FilterNoiseColour),
+          "Gaussian Noise;Multiplicative Noise;Impulse Noise;Laplacian Noise;Poisson Noise")
+        .Help("Which curve the random numbers follow; impulse noise gives rare specks of white."),
+    CheckBox(212, "Colored noise", &P::FilterNoiseColour)
+        .Help("Gives red, green and blue noise of their own; off, the noise is grey."),
 };
 
 /// Adds a sample and the bias to each byte.
 LMF_MULTIVERSION
-static void AddToBytes(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
-                       size_t count, int32_t bias) {
+void AddToBytes(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples, size_t count,
+                int32_t bias) {
     for (size_t i = 0; i < count; i++) to[i] = ClampByte(from[i] + samples[i] + bias);
 }
 
 /// Adds a sample and the bias to each pixel of three bytes.
 LMF_MULTIVERSION
-static void AddToPixels(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
-                        size_t count, int32_t bias) {
+void AddToPixels(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict samples,
+                 size_t count, int32_t bias) {
     for (size_t i = 0; i < count; i++) {
         const int32_t noise = samples[i] + bias;
         for (size_t channel = 0; channel < 3; channel++) to[3 * i + channel] = ClampByte(from[3 * i + channel] + noise);
     }
 }
 
-static DibHandle AddNoiseKernel(const ReadView &source, FilterContext &context) {
+DibHandle AddNoiseKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
 
     if (context.mode == kModeTrueColor || context.mode == kModeGrey) {
-        const NoiseSource noise(context.FilterNoiseLevel, context.FilterNoiseType);
+        const NoiseSource noise(context.FilterNoiseLevel, static_cast<NoiseType>(context.FilterNoiseType));
         if (!noise) return nullptr;
         const bool wholePixels = context.mode == kModeTrueColor && context.FilterNoiseColour == 0;
         const auto add = wholePixels ? AddToPixels : AddToBytes;
@@ -59,6 +65,8 @@ static DibHandle AddNoiseKernel(const ReadView &source, FilterContext &context) 
     }
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kAddNoise = MakeFilter<kPage>(AddNoiseKernel);
 

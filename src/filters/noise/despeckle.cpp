@@ -6,10 +6,11 @@
 
 #include "common/multiversion.h"
 #include "engine/filter.h"
-#include "image/core/bgr_rows.h"
-#include "image/core/pixel_pass.h"
+#include "image/core/byte_pass.h"
 
 namespace lmf {
+
+namespace {
 
 /// One sweep over the picture. Each hull is two of them: values are moved in the first and checked against both
 /// neighbours in the second.
@@ -20,9 +21,9 @@ struct Sweep {
     int32_t lag; ///< rows that it stays behind the row that is being read
 };
 
-static constexpr int32_t kSweeps = 32;
+constexpr int32_t kSweeps = 32;
 
-static constexpr std::array<Sweep, kSweeps> kSequence = [] {
+constexpr std::array<Sweep, kSweeps> kSequence = [] {
     constexpr int32_t kDirections[4][2] = {{0, 1}, {1, 0}, {1, 1}, {-1, 1}};
     constexpr int32_t kSigns[4] = {1, -1, -1, 1};
     std::array<Sweep, kSweeps> sequence{};
@@ -47,14 +48,13 @@ using SweepFunction = void (*)(uint8_t *__restrict to, const uint8_t *__restrict
 // than 255 is 0.
 
 LMF_MULTIVERSION
-static void Lift(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *,
-                 size_t count) {
+void Lift(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *, size_t count) {
     for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(from[i] + (ahead[i] > from[i] ? 1 : 0));
 }
 
 LMF_MULTIVERSION
-static void Lower(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *,
-                  size_t count) {
+void Lower(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *,
+           size_t count) {
     for (size_t i = 0; i < count; i++) {
         const auto limit = static_cast<uint8_t>(ahead[i] + 1);
         to[i] = static_cast<uint8_t>(from[i] - (from[i] > limit ? 1 : 0));
@@ -62,8 +62,8 @@ static void Lower(uint8_t *__restrict to, const uint8_t *__restrict from, const 
 }
 
 LMF_MULTIVERSION
-static void LiftChecked(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead,
-                        const uint8_t *behind, size_t count) {
+void LiftChecked(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *behind,
+                 size_t count) {
     for (size_t i = 0; i < count; i++) {
         const auto limit = static_cast<uint8_t>(behind[i] + 1);
         to[i] = static_cast<uint8_t>(from[i] + ((from[i] < limit) & (ahead[i] > from[i]) ? 1 : 0));
@@ -71,15 +71,15 @@ static void LiftChecked(uint8_t *__restrict to, const uint8_t *__restrict from, 
 }
 
 LMF_MULTIVERSION
-static void LowerChecked(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead,
-                         const uint8_t *behind, size_t count) {
+void LowerChecked(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *ahead, const uint8_t *behind,
+                  size_t count) {
     for (size_t i = 0; i < count; i++) {
         const auto limit = static_cast<uint8_t>(behind[i] + 1);
         to[i] = static_cast<uint8_t>(from[i] - ((limit < from[i]) & (ahead[i] < from[i]) ? 1 : 0));
     }
 }
 
-static constexpr SweepFunction kSweep[2][2] = {{Lower, LowerChecked}, {Lift, LiftChecked}};
+constexpr SweepFunction kSweep[2][2] = {{Lower, LowerChecked}, {Lift, LiftChecked}};
 
 /// The last three rows of the picture and of what each sweep has made of it, with a frame of zeros, so that all sweeps
 /// run side by side over the picture, each a row behind the one before where it looks at rows, without ever
@@ -99,17 +99,17 @@ struct SweepRows {
     }
 };
 
-static DibHandle DespeckleKernel(const ReadView &source, FilterContext &) {
-    PixelPass pass(source);
-    if (!pass) return nullptr;
-    const int32_t width = pass.from.width, height = pass.from.height;
-
-    const size_t rowBytes = static_cast<size_t>(width) * 3;
+DibHandle DespeckleKernel(const ReadView &source, FilterContext &) {
+    BytePass pass(source);
+    if (!pass.IsColor()) return nullptr;
+    const int32_t height = source.height;
+    const size_t rowBytes = static_cast<size_t>(source.width) * 3;
     const SweepRows rows(rowBytes, height);
     if (!rows.bytes) return nullptr;
     for (int64_t newest = 0; newest < static_cast<int64_t>(height) + kSequence.back().lag; newest++) {
         if (newest < height)
-            ReadBgrRow(pass.from, static_cast<int32_t>(height - 1 - newest), rows.Row(0, static_cast<int32_t>(newest)));
+            std::memcpy(rows.Row(0, static_cast<int32_t>(newest)), pass.From().MemoryRow(static_cast<int32_t>(newest)),
+                        rowBytes);
         for (int32_t i = 0; i < kSweeps; i++) {
             const Sweep &sweep = kSequence[static_cast<size_t>(i)];
             const auto y = static_cast<int32_t>(newest - sweep.lag);
@@ -119,10 +119,12 @@ static DibHandle DespeckleKernel(const ReadView &source, FilterContext &) {
                                               rows.Row(i, y - sweep.dy) - sweep.dx * 3, rowBytes);
         }
         const auto done = static_cast<int32_t>(newest - kSequence.back().lag);
-        if (done >= 0) WriteBgrRow(pass.to, height - 1 - done, rows.Row(kSweeps, done));
+        if (done >= 0) std::memcpy(pass.To().MemoryRow(done), rows.Row(kSweeps, done), rowBytes);
     }
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kDespeckle = MakeFilter(DespeckleKernel);
 

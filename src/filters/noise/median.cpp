@@ -7,138 +7,145 @@
 
 #include "common/multiversion.h"
 #include "engine/filter.h"
-#include "image/core/bgr_rows.h"
-#include "image/core/pixel_pass.h"
-#include "image/noise/byte_counts.h"
-#include "image/noise/byte_network.h"
+#include "image/core/byte_pass.h"
+#include "image/noise/sorting_network.h"
 #include "image/noise/window_width.h"
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(580, "Radius:", &P::FilterMedianRadius, {100, 300}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(580, "Radius:", &P::FilterMedianRadius, {100, 300})
+        .In(Unit::Pixels, 100)
+        .Help("How far around each pixel the middle value is sought, rounded up to whole pixels."),
 };
 
-static constexpr int32_t kWidestNetwork = 7;
 /// Bytes of a row that are worked on at a time, so that the sorted columns stay in the innermost cache.
-static constexpr size_t kStrip = 512;
-/// Bytes from a pixel to the right end of the widest window that has a network.
-static constexpr size_t kReach = 3 * (kWidestNetwork - 1);
+constexpr size_t kStrip = 512;
+/// Bytes from a pixel to the right end of the widest window.
+constexpr size_t kReach = 3 * 6;
 
-/// Sorted bytes of the columns at each place of a strip, or of two columns side by side: element k of place x is
-/// at [k][x].
+/// A network and where it leaves its wires in order: one sequence, or the two whose union is the window.
+struct Sorter {
+    Network network;
+    Wires order, second;
+};
+
+/// Sorts the column of a window.
 template <size_t N>
-using SortedStrip = uint8_t[N][kStrip + kReach];
+constexpr Sorter kColumn = [] {
+    Sorter sorter;
+    sorter.order = sorter.network.Sort(0, N);
+    return sorter;
+}();
 
-template <size_t N, size_t... K>
-LMF_NETWORK Bytes<N> BytesAt(const SortedStrip<N> &strip, size_t x, std::index_sequence<K...>) {
-    return {strip[K][x]...};
-}
+/// Merges two sorted columns.
 template <size_t N>
-LMF_NETWORK Bytes<N> BytesAt(const SortedStrip<N> &strip, size_t x) {
-    return BytesAt(strip, x, std::make_index_sequence<N>{});
-}
-template <size_t N, size_t... K>
-LMF_NETWORK Bytes<N> ColumnAt(const uint8_t *const *rows, size_t x, std::index_sequence<K...>) {
-    return {rows[K][x]...};
-}
-template <size_t N, size_t... K>
-LMF_NETWORK void PutBytes(SortedStrip<N> &strip, size_t x, const Bytes<N> &bytes, std::index_sequence<K...>) {
-    ((strip[K][x] = bytes[K]), ...);
+constexpr Sorter kPair = [] {
+    Sorter sorter;
+    sorter.order = sorter.network.Merge(WiresFrom(0, N), WiresFrom(N, N));
+    return sorter;
+}();
+
+/// Merges the columns of a window, sorted pairs and a single one behind them, into two sequences of about its half.
+template <size_t N>
+constexpr Sorter kWindow = [] {
+    constexpr size_t kPairs = N / 2;
+    Sorter sorter;
+    for (size_t i = 0; i < (kPairs + 1) / 2; i++)
+        sorter.order = sorter.network.Merge(sorter.order, WiresFrom(i * 2 * N, 2 * N));
+    sorter.second = WiresFrom(kPairs * 2 * N, N);
+    for (size_t i = (kPairs + 1) / 2; i < kPairs; i++)
+        sorter.second = sorter.network.Merge(WiresFrom(i * 2 * N, 2 * N), sorter.second);
+    return sorter;
+}();
+
+/// The middle byte of the window: the lowest, over all ways to take the bytes up to it from the two sequences, of the
+/// higher of the two last ones.
+template <size_t N>
+[[gnu::always_inline]] inline uint8_t MiddleOf(const uint8_t *wires) {
+    constexpr Wires kA = kWindow<N>.order, kB = kWindow<N>.second;
+    constexpr size_t kTaken = N * N / 2 + 1, kFewest = kTaken - std::min(kB.count, kTaken);
+    constexpr size_t kMost = std::min(kA.count, kTaken);
+    uint8_t lowest = 255;
+#pragma GCC unroll 64
+    for (size_t a = kFewest; a <= kMost; a++) {
+        const uint8_t lastOfA = a > 0 ? wires[kA.at[a - 1]] : uint8_t{0};
+        const uint8_t lastOfB = a < kTaken ? wires[kB.at[kTaken - a - 1]] : uint8_t{0};
+        const uint8_t higher = lastOfA < lastOfB ? lastOfB : lastOfA;
+        lowest = higher < lowest ? higher : lowest;
+    }
+    return lowest;
 }
 
-/// Medians of the n x n windows at the kStrip bytes from the start of the n rows. A column is sorted once for the n
+/// Medians of the N x N windows at the kStrip bytes from the start of the N rows. A column is sorted once for the N
 /// windows that share it, and two columns are merged once for all windows that hold both.
 template <size_t N>
-LMF_NETWORK void MedianStrip(uint8_t *__restrict to, const uint8_t *const *rows) {
-    constexpr auto kColumn = std::make_index_sequence<N>{};
-    constexpr size_t kPairs = kStrip + 3 * (N - 3);
-    constexpr size_t kMiddle = N * N / 2;
-    alignas(64) SortedStrip<N> columns;
-    alignas(64) SortedStrip<2 * N> pairs;
-    for (size_t x = 0; x < kStrip + 3 * (N - 1); x++)
-        PutBytes(columns, x, SortBytes(ColumnAt<N>(rows, x, kColumn)), kColumn);
-    for (size_t x = 0; x < kPairs; x++)
-        PutBytes(pairs, x, MergeBytes(BytesAt(columns, x), BytesAt(columns, x + 3)), std::make_index_sequence<2 * N>{});
+LMF_MULTIVERSION void MedianStrip(uint8_t *__restrict to, const uint8_t *const *rows) {
+    // Sorted bytes of a column at each place of the strip, and of two columns side by side.
+    alignas(64) uint8_t columns[N][kStrip + kReach], pairs[2 * N][kStrip + kReach];
+    for (size_t x = 0; x < kStrip + 3 * (N - 1); x++) {
+        uint8_t wires[N];
+#pragma GCC unroll 64
+        for (size_t k = 0; k < N; k++) wires[k] = rows[k][x];
+        RunNetwork<kColumn<N>.network>(wires);
+#pragma GCC unroll 64
+        for (size_t k = 0; k < N; k++) columns[k][x] = wires[kColumn<N>.order.at[k]];
+    }
+    for (size_t x = 0; x < kStrip + 3 * (N - 3); x++) {
+        uint8_t wires[2 * N];
+#pragma GCC unroll 64
+        for (size_t k = 0; k < 2 * N; k++) wires[k] = columns[k % N][x + k / N * 3];
+        RunNetwork<kPair<N>.network>(wires);
+#pragma GCC unroll 64
+        for (size_t k = 0; k < 2 * N; k++) pairs[k][x] = wires[kPair<N>.order.at[k]];
+    }
     for (size_t x = 0; x < kStrip; x++) {
-        const Bytes<N> last = BytesAt(columns, x + 3 * (N - 1));
-        if constexpr (N == 3)
-            to[x] = SelectFromTwo<kMiddle>(BytesAt(pairs, x), last);
-        else if constexpr (N == 5)
-            to[x] = SelectFromTwo<kMiddle>(BytesAt(pairs, x), MergeBytes(BytesAt(pairs, x + 6), last));
-        else
-            to[x] = SelectFromTwo<kMiddle>(MergeBytes(BytesAt(pairs, x), BytesAt(pairs, x + 6)),
-                                           MergeBytes(BytesAt(pairs, x + 12), last));
+        uint8_t wires[N * N];
+#pragma GCC unroll 64
+        for (size_t k = 0; k < N * (N - 1); k++) wires[k] = pairs[k % (2 * N)][x + k / (2 * N) * 6];
+#pragma GCC unroll 64
+        for (size_t k = 0; k < N; k++) wires[N * (N - 1) + k] = columns[k][x + 3 * (N - 1)];
+        RunNetwork<kWindow<N>.network>(wires);
+        to[x] = MiddleOf<N>(wires);
     }
 }
 
-LMF_MULTIVERSION
-static void MedianStrip3(uint8_t *__restrict to, const uint8_t *const *rows) {
-    MedianStrip<3>(to, rows);
-}
-LMF_MULTIVERSION
-static void MedianStrip5(uint8_t *__restrict to, const uint8_t *const *rows) {
-    MedianStrip<5>(to, rows);
-}
-LMF_MULTIVERSION
-static void MedianStrip7(uint8_t *__restrict to, const uint8_t *const *rows) {
-    MedianStrip<7>(to, rows);
-}
-
-/// A row of medians for windows of any size, by counts that follow the window along the row. The page does not lead
-/// here, but a settings file may.
-static void MedianRowByCounts(uint8_t *to, const uint8_t *const *rows, size_t rowBytes, int32_t n) {
-    const size_t reach = 3 * static_cast<size_t>(n - 1);
-    const int64_t middle = static_cast<int64_t>(n) * n / 2;
-    for (size_t channel = 0; channel < 3; channel++) {
-        ByteCounts counts;
-        for (size_t x = channel; x < reach; x += 3) {
-            for (int32_t i = 0; i < n; i++) counts.at[rows[i][x]]++;
-        }
-        for (size_t x = channel; x < rowBytes; x += 3) {
-            for (int32_t i = 0; i < n; i++) counts.at[rows[i][x + reach]]++;
-            to[x] = counts.InOrder(middle);
-            for (int32_t i = 0; i < n; i++) counts.at[rows[i][x]]--;
-        }
-    }
-}
-
-static DibHandle MedianKernel(const ReadView &source, FilterContext &context) {
-    PixelPass pass(source);
-    if (!pass) return nullptr;
-    const int32_t width = pass.from.width, height = pass.from.height;
-    const int32_t n = WindowWidth(context.FilterMedianRadius / 100.0, 0.5);
-    if (width < n || height < n) return nullptr;
+DibHandle MedianKernel(const ReadView &source, FilterContext &context) {
+    BytePass pass(source);
+    if (!pass.IsColor()) return nullptr;
+    const ReadView &from = pass.From();
+    const int32_t height = from.height, n = WindowWidth(context.FilterMedianRadius / 100.0);
+    if (from.width < n || height < n) return nullptr;
 
     // The rows of the window in turn, one row of white for what lies below the picture, and the row of results.
-    const auto windowRows = static_cast<size_t>(n);
-    const size_t rowBytes = static_cast<size_t>(width) * 3;
-    const size_t padded = (rowBytes + kStrip - 1) / kStrip * kStrip + std::max(kReach, 3 * (windowRows - 1));
-    BlockArray<uint8_t> buffer(padded * (windowRows + 2));
-    BlockArray<const uint8_t *> rows(windowRows);
-    if (!buffer || !rows) return nullptr;
-    std::memset(buffer.data, 0xFF, padded * (windowRows + 2));
+    const size_t rowBytes = static_cast<size_t>(from.width) * 3;
+    const size_t padded = (rowBytes + kStrip - 1) / kStrip * kStrip + kReach;
+    const size_t bufferBytes = padded * (static_cast<size_t>(n) + 2);
+    BlockArray<uint8_t> buffer(bufferBytes);
+    if (!buffer) return nullptr;
+    std::memset(buffer.data, 0xFF, bufferBytes);
     const auto bufferRow = [&](int32_t i) { return buffer.data + static_cast<size_t>(i) * padded; };
     uint8_t *const white = bufferRow(n), *const medians = bufferRow(n + 1);
-    const auto medianStrip = n == 3 ? MedianStrip3 : n == 5 ? MedianStrip5 : MedianStrip7;
+    const auto medianStrip = n == 3 ? MedianStrip<3> : n == 5 ? MedianStrip<5> : MedianStrip<7>;
 
-    for (int32_t y = 0; y < n - 1; y++) ReadBgrRow(pass.from, y, bufferRow(y));
+    const auto fetchRow = [&](int32_t y) { std::memcpy(bufferRow(y % n), from.Row(y), rowBytes); };
+    for (int32_t y = 0; y < n - 1; y++) fetchRow(y);
     for (int32_t y = 0; y < height; y++) {
-        const int32_t newest = y + n - 1;
-        if (newest < height) ReadBgrRow(pass.from, newest, bufferRow(newest % n));
-        for (int32_t i = 0; i < n; i++) rows.data[i] = y + i < height ? bufferRow((y + i) % n) : white;
-        if (n > kWidestNetwork) {
-            MedianRowByCounts(medians, rows.data, rowBytes, n);
-        } else {
-            for (size_t x = 0; x < rowBytes; x += kStrip) {
-                medianStrip(medians + x, rows.data);
-                for (int32_t i = 0; i < n; i++) rows.data[i] += kStrip;
-            }
+        if (y + n - 1 < height) fetchRow(y + n - 1);
+        const uint8_t *rows[7];
+        for (int32_t i = 0; i < n; i++) rows[i] = y + i < height ? bufferRow((y + i) % n) : white;
+        for (size_t x = 0; x < rowBytes; x += kStrip) {
+            medianStrip(medians + x, rows);
+            for (int32_t i = 0; i < n; i++) rows[i] += kStrip;
         }
-        WriteBgrRow(pass.to, y, medians);
+        std::memcpy(pass.To().Row(y), medians, rowBytes);
     }
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kMedian = MakeFilter<kPage>(MedianKernel);
 

@@ -5,16 +5,21 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(330, "Contrast:", &P::FilterContrast, {0, 255}),
-    Slider(331, "Brightness:", &P::FilterBrightness, {0, 255}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(330, "Contrast:", &P::FilterContrast, {0, 255})
+        .Help("Spreads light and dark tones apart above 127 and brings them together below."),
+    Slider(331, "Brightness:", &P::FilterBrightness, {0, 255})
+        .Help("Lightens the whole picture above 127 and darkens it below."),
 };
 
-static DibHandle ContrastAndBrightnessKernel(const ReadView &source, FilterContext &context) {
-    ToneTable table;
-    BuildContrastTable(context.FilterContrast - 127, context.FilterBrightness - 127, &table);
-    return ApplyToneTableByMode(source, table, context.mode);
+DibHandle ContrastAndBrightnessKernel(const ReadView &source, FilterContext &context) {
+    return ApplyToneTableByMode(source, BuildContrastTable(context.FilterContrast, context.FilterBrightness),
+                                context.mode);
 }
+
+} // namespace
 
 extern constexpr Filter kContrastAndBrightness = MakeFilter<kPage>(ContrastAndBrightnessKernel);
 

@@ -7,16 +7,21 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    HundredthsSlider(480, "Gamma:", &P::FilterGammaLevel, {10, 200}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    HundredthsSlider(480, "Gamma:", &P::FilterGammaLevel, {10, 200})
+        .Help("Lightens the middle tones below 1.00 and darkens them above; black and white stay."),
 };
 
-static DibHandle GammaKernel(const ReadView &source, FilterContext &context) {
+DibHandle GammaKernel(const ReadView &source, FilterContext &context) {
     ToneTable table;
     for (int32_t i = 0; i < 256; i++)
         table.at[i] = static_cast<uint8_t>(std::pow(i / 255.0, context.FilterGammaLevel / 100.0) * 255.0 + 0.5);
     return ApplyToneTable(source, table);
 }
+
+} // namespace
 
 extern constexpr Filter kGamma = MakeFilter<kPage>(GammaKernel);
 

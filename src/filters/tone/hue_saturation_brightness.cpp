@@ -6,13 +6,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    OffsetSlider(520, "Hue:", &P::FilterHSBHue, {0, 360}, 180).Track(7),
-    OffsetSlider(521, "Saturation:", &P::FilterHSBSaturation, {0, 200}, 100),
-    OffsetSlider(522, "Brightness:", &P::FilterHSBBrightness, {0, 200}, 100),
+namespace {
+
+constexpr PageControl kPage[] = {
+    OffsetSlider(520, "Hue:", &P::FilterHSBHue, {0, 360}, 180)
+        .Track(7)
+        .In(Unit::Degrees)
+        .Help("Turns the colors around the color circle."),
+    OffsetSlider(521, "Saturation:", &P::FilterHSBSaturation, {0, 200}, 100)
+        .In(Unit::Percent)
+        .Help("Makes the colors stronger, or weaker as far as grey."),
+    OffsetSlider(522, "Brightness:", &P::FilterHSBBrightness, {0, 200}, 100)
+        .In(Unit::Percent)
+        .Help("Makes the colors brighter, or darker as far as black."),
 };
 
-static DibHandle HueSaturationBrightnessKernel(const ReadView &source, FilterContext &context) {
+DibHandle HueSaturationBrightnessKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     const HsvChange change = {static_cast<float>(context.FilterHSBHue) - 180.0f,
@@ -21,6 +30,8 @@ static DibHandle HueSaturationBrightnessKernel(const ReadView &source, FilterCon
     MapColors(pass, [&](uint8_t *to, const uint8_t *from, size_t width) { AdjustHsvRow(to, from, width, change); });
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kHueSaturationBrightness = MakeFilter<kPage>(HueSaturationBrightnessKernel);
 

@@ -5,14 +5,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(1200, "Red:", &P::FilterInvertChannelsRed, {0, 255}).Track(8),
-    Slider(1201, "Green:", &P::FilterInvertChannelsGreen, {0, 255}).Track(9),
-    Slider(1202, "Blue:", &P::FilterInvertChannelsBlue, {0, 255}).Track(10),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(1200, "Red:", &P::FilterInvertChannelsRed, {0, 255})
+        .Track(8)
+        .Help("Keeps red at 255 and turns it into its negative at 0; between them it loses contrast."),
+    Slider(1201, "Green:", &P::FilterInvertChannelsGreen, {0, 255})
+        .Track(9)
+        .Help("Keeps green at 255 and turns it into its negative at 0; between them it loses contrast."),
+    Slider(1202, "Blue:", &P::FilterInvertChannelsBlue, {0, 255})
+        .Track(10)
+        .Help("Keeps blue at 255 and turns it into its negative at 0; between them it loses contrast."),
 };
 
 /// Quotients in double, products and their sum in single precision.
-static ToneTable MixedWithNegative(int32_t share) {
+ToneTable MixedWithNegative(int32_t share) {
     const auto factor = static_cast<float>(share / 255.0);
     const auto rest = static_cast<float>(1.0 - factor);
     ToneTable table;
@@ -24,7 +32,7 @@ static ToneTable MixedWithNegative(int32_t share) {
     return table;
 }
 
-static DibHandle InvertChannelsKernel(const ReadView &source, FilterContext &context) {
+DibHandle InvertChannelsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     MapChannels(pass, {MixedWithNegative(context.FilterInvertChannelsRed),
@@ -32,6 +40,8 @@ static DibHandle InvertChannelsKernel(const ReadView &source, FilterContext &con
                        MixedWithNegative(context.FilterInvertChannelsBlue)});
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kInvertChannels = MakeFilter<kPage>(InvertChannelsKernel);
 

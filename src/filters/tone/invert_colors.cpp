@@ -9,13 +9,15 @@
 
 namespace lmf {
 
+namespace {
+
 LMF_MULTIVERSION
-static void InvertBytes(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
+void InvertBytes(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count) {
     for (size_t i = 0; i < count; i++) to[i] = static_cast<uint8_t>(~from[i]);
 }
 
 /// Copies the pixels and inverts the palette that they go through.
-static void InvertPalette(const PixelPass &pass) {
+void InvertPalette(const PixelPass &pass) {
     Palette768 palette;
     const uint32_t entries = DibReadPalette(pass.from, &palette);
     for (uint32_t i = 0; i < entries * 3; i++) palette.rgb[i] = static_cast<uint8_t>(~palette.rgb[i]);
@@ -26,7 +28,7 @@ static void InvertPalette(const PixelPass &pass) {
     for (int32_t y = 0; y < from.height; y++) std::memcpy(to.MemoryRow(y), from.MemoryRow(y), bytes);
 }
 
-static DibHandle InvertColorsKernel(const ReadView &source, FilterContext &context) {
+DibHandle InvertColorsKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     if (context.mode == kModePalette || context.mode == kModeMono)
@@ -37,6 +39,8 @@ static DibHandle InvertColorsKernel(const ReadView &source, FilterContext &conte
         MapColors(pass, [](uint8_t *to, const uint8_t *from, size_t width) { InvertBytes(to, from, width * 3); });
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kInvertColors = MakeFilter(InvertColorsKernel);
 

@@ -8,18 +8,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(590, "Factor:", &P::FilterMoonlightFactor, {1, 100}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(590, "Factor:", &P::FilterMoonlightFactor, {1, 100})
+        .In(Unit::Percent)
+        .Help("Keeps the picture bright when high; low values make it darker."),
 };
 
 /// The result cannot pass 255, since the factor cannot pass 1.
-static inline uint8_t Moonlit(int32_t channel, float low, float high) {
+uint8_t Moonlit(int32_t channel, float low, float high) {
     const float lowered = 0.5f * (static_cast<float>(channel) + low);
     return static_cast<uint8_t>(static_cast<int32_t>(0.5f * (lowered + high)));
 }
 
 LMF_MULTIVERSION
-static void MoonlightRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, float factor) {
+void MoonlightRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, float factor) {
     for (size_t i = 0; i < width * 3; i += 3) {
         const int32_t blue = from[i], green = from[i + 1], red = from[i + 2];
         const float low = static_cast<float>(std::min({red, green, blue})) * factor;
@@ -30,7 +34,7 @@ static void MoonlightRow(uint8_t *__restrict to, const uint8_t *__restrict from,
     }
 }
 
-static DibHandle MoonlightKernel(const ReadView &source, FilterContext &context) {
+DibHandle MoonlightKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source, ResultPalette::Black);
     if (!pass) return nullptr;
     const float factor = static_cast<float>(context.FilterMoonlightFactor) / 100.0f;
@@ -38,6 +42,8 @@ static DibHandle MoonlightKernel(const ReadView &source, FilterContext &context)
               [factor](uint8_t *to, const uint8_t *from, size_t width) { MoonlightRow(to, from, width, factor); });
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kMoonlight = MakeFilter<kPage>(MoonlightKernel);
 

@@ -9,11 +9,21 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(830, "Threshold:", &P::FilterSepiaThreshold, {20, 99}),
-    Slider(831, "Blend:", &P::FilterSepiaBlend, {1, 100}),
-    Slider(832, "Contrast:", &P::FilterSepiaContrast, {1, 255}).Edit(0, 255),
-    Slider(833, "Brightness:", &P::FilterSepiaBrightness, {1, 255}).Edit(0, 255),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(830, "Threshold:", &P::FilterSepiaThreshold, {20, 99})
+        .In(Unit::Levels)
+        .Help("Sets the light level above which red is full; higher values make the brown deeper."),
+    Slider(831, "Blend:", &P::FilterSepiaBlend, {1, 100})
+        .In(Unit::Percent)
+        .Help("Mixes the brown picture into the plain grey one."),
+    Slider(832, "Contrast:", &P::FilterSepiaContrast, {1, 255})
+        .Edit(0, 255)
+        .Help("Spreads light and dark tones apart above 127 before the toning, and brings them together below."),
+    Slider(833, "Brightness:", &P::FilterSepiaBrightness, {1, 255})
+        .Edit(0, 255)
+        .Help("Lightens the picture above 127 before the toning, and darkens it below."),
 };
 
 /// What a channel value adds to the pixel's two luminances.
@@ -28,12 +38,12 @@ struct SepiaTables {
 };
 
 /// Undoes the encoding of sRGB, on the scale 0 to 255.
-static float LinearLight(uint8_t value) {
+float LinearLight(uint8_t value) {
     if (value <= 10.314300250662438) return static_cast<float>(value) / 12.92f;
     return static_cast<float>(std::pow((value * 0.00392156862745098 + 0.055) / 1.055, 2.4) * 255.0);
 }
 
-static void FillShares(SepiaTables *tables, const ToneTable &contrast) {
+void FillShares(SepiaTables *tables, const ToneTable &contrast) {
     for (int32_t i = 0; i < 256; i++) {
         const uint8_t value = contrast.at[i];
         const float light = LinearLight(value);
@@ -43,35 +53,31 @@ static void FillShares(SepiaTables *tables, const ToneTable &contrast) {
     }
 }
 
-static int32_t TruncatedByte(double value) {
-    return static_cast<int32_t>(std::clamp(value, 0.0, 255.0));
-}
-
 struct Tone {
     int32_t red, green, blue;
 };
 
-static Tone ToneOf(int32_t intensity, float threshold) {
+Tone ToneOf(int32_t intensity, float threshold) {
     const double sixth = threshold / 6.0;
     const double sevenSixths = threshold * 7.0 / 6.0;
     const auto seventh = static_cast<float>(threshold / 7.0);
-    const auto floor = static_cast<int32_t>(std::min(seventh, 255.0f));
+    const auto floor = static_cast<int32_t>(seventh);
     const auto level = static_cast<float>(intensity);
     Tone tone;
-    tone.red = level > threshold ? 255 : TruncatedByte(level + 255.0f - threshold);
-    tone.green = level > sevenSixths ? 255 : TruncatedByte(level + 255.0f - sevenSixths);
-    tone.blue = sixth > level ? 0 : TruncatedByte(level - sixth);
+    tone.red = level > threshold ? 255 : static_cast<int32_t>(level + 255.0f - threshold);
+    tone.green = level > sevenSixths ? 255 : static_cast<int32_t>(level + 255.0f - sevenSixths);
+    tone.blue = sixth > level ? 0 : static_cast<int32_t>(level - sixth);
     if (seventh > static_cast<float>(tone.green)) tone.green = floor;
     if (seventh > static_cast<float>(tone.blue)) tone.blue = floor;
     return tone;
 }
 
-static uint32_t Blended(int32_t toned, int32_t grey, float percent) {
+uint32_t Blended(int32_t toned, int32_t grey, float percent) {
     const float plain = static_cast<float>(grey) * (100.0f - percent) / 100.0f;
-    return static_cast<uint32_t>(TruncatedByte(static_cast<float>(toned) * percent / 100.0f + plain));
+    return static_cast<uint32_t>(static_cast<float>(toned) * percent / 100.0f + plain);
 }
 
-static void FillTones(SepiaTables *tables, float threshold, float percent) {
+void FillTones(SepiaTables *tables, float threshold, float percent) {
     for (int32_t intensity = 0; intensity < 256; intensity++) {
         const Tone tone = ToneOf(intensity, threshold);
         for (int32_t grey = 0; grey < 256; grey++)
@@ -81,7 +87,7 @@ static void FillTones(SepiaTables *tables, float threshold, float percent) {
     }
 }
 
-static void SepiaRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, const SepiaTables &tables) {
+void SepiaRow(uint8_t *__restrict to, const uint8_t *__restrict from, size_t width, const SepiaTables &tables) {
     for (size_t i = 0; i < width * 3; i += 3) {
         const Share &blue = tables.blue[from[i]], &green = tables.green[from[i + 1]], &red = tables.red[from[i + 2]];
         const float light = green.light + red.light + blue.light;
@@ -90,19 +96,19 @@ static void SepiaRow(uint8_t *__restrict to, const uint8_t *__restrict from, siz
     }
 }
 
-static DibHandle SepiaKernel(const ReadView &source, FilterContext &context) {
+DibHandle SepiaKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source, ResultPalette::Black);
     BlockArray<SepiaTables> tables(1);
     if (!pass || !tables) return nullptr;
-    ToneTable contrast;
-    BuildContrastTable(context.FilterSepiaContrast - 127, context.FilterSepiaBrightness - 127, &contrast);
-    FillShares(tables.data, contrast);
+    FillShares(tables.data, BuildContrastTable(context.FilterSepiaContrast, context.FilterSepiaBrightness));
     FillTones(tables.data, static_cast<float>(context.FilterSepiaThreshold),
               static_cast<float>(context.FilterSepiaBlend));
     MapColors(pass,
               [&tables](uint8_t *to, const uint8_t *from, size_t width) { SepiaRow(to, from, width, tables[0]); });
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kSepia = MakeFilter<kPage>(SepiaKernel);
 

@@ -9,14 +9,22 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(890, "Contrast:", &P::FilterSigcontContrast, {1, 200}),
-    Slider(891, "Midpoint:", &P::FilterSigcontMidpoint, {1, 100}).Edit(0, 100),
-    CheckBox(892, "Brighten", &P::FilterSigcontSharpen),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(890, "Contrast:", &P::FilterSigcontContrast, {1, 200})
+        .In(Unit::None, 10)
+        .Help("Sets how much the contrast around the midpoint changes."),
+    Slider(891, "Midpoint:", &P::FilterSigcontMidpoint, {1, 100})
+        .Edit(0, 100)
+        .In(Unit::Levels)
+        .Help("Sets the tone around which the contrast changes, as a level out of 255."),
+    CheckBox(892, "Brighten", &P::FilterSigcontSharpen)
+        .Help("Raises the contrast, which lightens most of the picture; clear, it lowers it and darkens."),
 };
 
 /// The level of channel value i before rounding, 0 to 255. With `brighten` the curve itself adds one half already.
-static float CurveLevel(int32_t i, double steepness, int32_t midpoint, bool brighten) {
+float CurveLevel(int32_t i, double steepness, int32_t midpoint, bool brighten) {
     const double center = midpoint / 255.0;
     const double atBlack = 1 / (std::exp(center * steepness) + 1);
     const double atWhite = 1 / (std::exp((center - 1) * steepness) + 1);
@@ -31,7 +39,7 @@ static float CurveLevel(int32_t i, double steepness, int32_t midpoint, bool brig
     return std::clamp(static_cast<float>(level), 0.0f, 255.0f);
 }
 
-static DibHandle SigmoidalContrastKernel(const ReadView &source, FilterContext &context) {
+DibHandle SigmoidalContrastKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     ToneTable table;
@@ -43,6 +51,8 @@ static DibHandle SigmoidalContrastKernel(const ReadView &source, FilterContext &
     MapChannels(pass, table);
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kSigmoidalContrast = MakeFilter<kPage>(SigmoidalContrastKernel);
 

@@ -7,11 +7,15 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(900, "Threshold:", &P::FilterSolarizeThreshold, {1, 255}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(900, "Threshold:", &P::FilterSolarizeThreshold, {1, 255})
+        .In(Unit::Levels)
+        .Help("Turns all values of red, green and blue below this level into their negative."),
 };
 
-static DibHandle SolarizeKernel(const ReadView &source, FilterContext &context) {
+DibHandle SolarizeKernel(const ReadView &source, FilterContext &context) {
     PixelPass pass(source);
     if (!pass) return nullptr;
     ToneTable table;
@@ -26,6 +30,8 @@ static DibHandle SolarizeKernel(const ReadView &source, FilterContext &context) 
         LookUpBytes(to.MemoryRow(y), from.MemoryRow(y), static_cast<size_t>(bytes), table);
     return pass.Finish();
 }
+
+} // namespace
 
 extern constexpr Filter kSolarize = MakeFilter<kPage>(SolarizeKernel);
 

@@ -6,17 +6,19 @@
 
 #include "image/blur/taps.h"
 #include "image/core/pixel_pass.h"
+#include "image/noise/window_width.h"
 
 namespace lmf {
 
-/// One sample of the curve on a scale three times finer than pixels. The square wraps like any 32-bit product.
-static double GaussianSample(int32_t i, double sigma) {
-    const auto square = static_cast<int32_t>(static_cast<uint32_t>(i) * static_cast<uint32_t>(i));
-    return std::exp(-square / (sigma * 18.0 * sigma));
+namespace {
+
+/// One sample of the curve on a scale three times finer than pixels.
+double GaussianSample(int32_t i, double sigma) {
+    return std::exp(-(i * i) / (sigma * 18.0 * sigma));
 }
 
 /// Adds the samples first, first + 1, ... three to a weight, and brings the sum to 1.
-static int32_t BuildKernel(int32_t width, int32_t first, double sigma, BlurKernel *kernel) {
+int32_t BuildKernel(int32_t width, int32_t first, double sigma, BlurKernel *kernel) {
     if (!kernel->emplace(static_cast<uint64_t>(width))) return 0;
     double *weights = (*kernel)->data;
     double sum = 0.0;
@@ -24,29 +26,17 @@ static int32_t BuildKernel(int32_t width, int32_t first, double sigma, BlurKerne
         for (int32_t i = 0; i < 3; i++) weights[k] += GaussianSample(first + k * 3 + i, sigma);
         sum += weights[k];
     }
-    if (!(sum > 0.0)) return 0;
     for (int32_t k = 0; k < width; k++) weights[k] /= sum;
     return width;
 }
 
-int32_t BuildGaussianKernel(int32_t width, double sigma, BlurKernel *kernel) {
-    if (width < 1) width = 3;
-    return BuildKernel(width, -(3 * width / 2), sigma, kernel);
-}
-
-int32_t BuildHalfGaussianKernel(int32_t width, double sigma, BlurKernel *kernel) {
-    if (width < 1) width = 3;
-    return BuildKernel(width, 0, sigma, kernel);
-}
-
 /// Sums of a part of a line that are worked on at once, and taps that are fetched at once, so that all stays in the
 /// first cache whatever the picture and the kernel.
-static constexpr int32_t kPart = 768;
-static constexpr int32_t kTapsAtOnce = 64;
+constexpr int32_t kPart = 768;
+constexpr int32_t kTapsAtOnce = 64;
 
 /// What the weights that fall on the line add up to, for the pixels first <= x < last.
-static void SumUsedWeights(const double *kernel, int32_t width, int32_t count, int64_t first, int64_t last,
-                           double *used) {
+void SumUsedWeights(const double *kernel, int32_t width, int32_t count, int64_t first, int64_t last, double *used) {
     const int32_t half = width / 2;
     std::fill(used, used + (last - first), 0.0);
     for (int32_t k = 0; k < width; k++) {
@@ -57,8 +47,8 @@ static void SumUsedWeights(const double *kernel, int32_t width, int32_t count, i
 }
 
 /// Sums of the bytes from `begin` on. Taps beyond the ends of the line read zeros, which change no sum.
-static void SumPart(const double *kernel, int32_t width, const uint8_t *source, int64_t lineBytes, int32_t channels,
-                    int64_t begin, int32_t size, double *sums) {
+void SumPart(const double *kernel, int32_t width, const uint8_t *source, int64_t lineBytes, int32_t channels,
+             int64_t begin, int32_t size, double *sums) {
     alignas(64) double line[kPart + kTapsAtOnce * 3];
     const double *taps[kTapsAtOnce];
     std::fill(sums, sums + size, 0.0);
@@ -76,8 +66,8 @@ static void SumPart(const double *kernel, int32_t width, const uint8_t *source, 
     }
 }
 
-static void BlurLine(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count,
-                     int32_t channels) {
+void BlurLine(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count,
+              int32_t channels) {
     const int32_t half = width / 2;
     const int64_t lineBytes = static_cast<int64_t>(count) * channels;
     alignas(64) double sums[kPart];
@@ -100,17 +90,9 @@ static void BlurLine(const double *kernel, int32_t width, const uint8_t *source,
     }
 }
 
-void BlurLineRgb(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
-    BlurLine(kernel, width, source, destination, count, 3);
-}
-
-void BlurLineGrey(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
-    BlurLine(kernel, width, source, destination, count, 1);
-}
-
-/// Blurs the columns of a 24-bit or 8-bit picture in place. A strip of columns is worked on at once, narrow enough for
-/// the rows under the kernel to stay in a near cache as doubles.
-static bool BlurColumns(const WriteView &view, const double *kernel, int32_t width) {
+/// Blurs the columns of a picture of whole bytes a pixel in place. A strip of columns is worked on at once, narrow
+/// enough for the rows under the kernel to stay in a near cache as doubles.
+bool BlurColumns(const WriteView &view, const double *kernel, int32_t width) {
     const int32_t half = width / 2, height = view.height;
     const int64_t lineBytes = static_cast<int64_t>(view.width) * view.bits / 8;
     const int32_t strip = std::clamp(16384 / width / 64 * 64, 64, kPart);
@@ -144,70 +126,58 @@ static bool BlurColumns(const WriteView &view, const double *kernel, int32_t wid
     return true;
 }
 
-/// The same for any depth, through two buffers of a column each.
-static bool BlurColumnsThroughPixels(const WriteView &view, const double *kernel, int32_t width, int32_t channels) {
-    const uint64_t bytes = 3 * static_cast<uint64_t>(view.height);
-    BlockArray<uint8_t> before(bytes), after(bytes);
-    if (!before || !after) return false;
-    for (int32_t x = 0; x < view.width; x++) {
-        for (int32_t y = 0; y < view.height; y++) {
-            const uint32_t pixel = DibGetPixel(view, x, y);
-            for (int32_t c = 0; c < channels; c++)
-                before[static_cast<int64_t>(y) * channels + c] = static_cast<uint8_t>(pixel >> (8 * c));
-        }
-        if (channels == 3)
-            BlurLineRgb(kernel, width, before.data, after.data, view.height);
-        else
-            BlurLineGrey(kernel, width, before.data, after.data, view.height);
-        for (int32_t y = 0; y < view.height; y++) {
-            const uint8_t *value = after.data + static_cast<int64_t>(y) * channels;
-            DibSetPixel(view, x, y, channels == 3 ? PackColor(value[0], value[1], value[2]) : value[0]);
-        }
-    }
-    return true;
+/// Takes the alpha of a 32-bit picture away.
+void ClearAlpha(const WriteView &view) {
+    if (view.bits != 32) return;
+    for (int32_t y = 0; y < view.height; y++)
+        for (ptrdiff_t x = 0; x < view.width; x++) view.Row(y)[x * 4 + 3] = 0;
 }
 
-/// `channels` is the number of bytes a pixel to blur, 0 for a copy.
-static DibHandle Blur(const ReadView &source, double radius, double sigma, int32_t channels) {
+} // namespace
+
+int32_t BuildGaussianKernel(int32_t width, double sigma, BlurKernel *kernel) {
+    return BuildKernel(width, -(3 * width / 2), sigma, kernel);
+}
+
+int32_t BuildHalfGaussianKernel(int32_t width, double sigma, BlurKernel *kernel) {
+    return BuildKernel(width, 0, sigma, kernel);
+}
+
+void BlurLineRgb(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
+    BlurLine(kernel, width, source, destination, count, 3);
+}
+
+void BlurLineGrey(const double *kernel, int32_t width, const uint8_t *source, uint8_t *destination, int32_t count) {
+    BlurLine(kernel, width, source, destination, count, 1);
+}
+
+DibHandle GaussianBlurDirect(const ReadView &source, int32_t radiusTenths, int32_t sigmaTenths) {
+    if (source.bits >= 1 && source.bits < 8) return DibClone(source);
     PixelPass pass(source);
     if (!pass) return nullptr;
-    const ReadView &from = pass.from;
     const WriteView &to = pass.to;
-    const ptrdiff_t shorter = std::min(from.stride, to.stride);
-    std::memcpy(to.bottom, from.bottom, static_cast<size_t>(shorter * from.height));
+    BlurKernel kernel;
+    const int32_t width = BuildGaussianKernel(std::min({source.width, source.height, WindowWidth(radiusTenths / 10.0)}),
+                                              sigmaTenths / 10.0, &kernel);
+    if (width == 0) return pass.Finish();
 
-    if (channels > 0) {
-        const double nominal = 2.0 * std::ceil(radius) + 1.0;
-        const int32_t side = std::min(from.width, from.height);
-        BlurKernel kernel;
-        const int32_t width =
-            BuildGaussianKernel(nominal < side ? static_cast<int32_t>(nominal) : side, sigma, &kernel);
-        const double *weights = kernel->data;
-        // Depths whose rows are too short for a line of this many bytes a pixel keep their rows.
-        const ptrdiff_t lineBytes = static_cast<ptrdiff_t>(from.width) * channels;
-        if (lineBytes <= shorter) {
-            for (int32_t y = 0; y < from.height; y++) {
-                if (channels == 3)
-                    BlurLineRgb(weights, width, from.Row(y), to.Row(y), from.width);
-                else
-                    BlurLineGrey(weights, width, from.Row(y), to.Row(y), from.width);
-            }
-        }
-        const bool plainBytes = width > 0 && to.bits == from.bits && to.bits == 8u * channels;
-        if (!(plainBytes ? BlurColumns(to, weights, width)
-                         : BlurColumnsThroughPixels(pass.to, weights, width, channels)))
-            return nullptr;
+    // Rows are taken as they lie in memory, three bytes a pixel at 32 bits, too, and kept where they are too short.
+    const ptrdiff_t shorter = std::min(source.stride, to.stride);
+    const bool isGrey = source.bits == 8;
+    const auto blurLine = isGrey ? BlurLineGrey : BlurLineRgb;
+    std::memcpy(to.bottom, source.bottom, static_cast<size_t>(shorter * source.height));
+    if (static_cast<ptrdiff_t>(source.width) * (isGrey ? 1 : 3) <= shorter) {
+        for (int32_t y = 0; y < source.height; y++)
+            blurLine(kernel->data, width, source.Row(y), to.Row(y), source.width);
     }
+    if (!BlurColumns(to, kernel->data, width)) return nullptr;
+    ClearAlpha(to);
     return pass.Finish();
 }
 
 DibHandle GaussianBlurKernelRun(const ReadView &source, int32_t mode, int32_t radiusTenths, int32_t sigmaTenths) {
-    const int32_t channels = mode == kModeTrueColor ? 3 : mode == kModeGrey ? 1 : 0;
-    return Blur(source, radiusTenths / 10.0, sigmaTenths / 10.0, channels);
-}
-
-DibHandle GaussianBlurDirect(const ReadView &source, int32_t radiusTenths, int32_t sigmaTenths) {
-    return Blur(source, radiusTenths / 10.0, sigmaTenths / 10.0, source.bits <= 8 ? 1 : 3);
+    const bool blurs = mode == kModeTrueColor || mode == kModeGrey;
+    return blurs ? GaussianBlurDirect(source, radiusTenths, sigmaTenths) : DibClone(source);
 }
 
 } // namespace lmf

@@ -4,10 +4,12 @@
 
 namespace lmf {
 
+namespace {
+
 /// Four taps a sweep keep the sums in registers for longer; the expression still adds them one after the other.
 template <typename T>
-[[gnu::always_inline]] static inline void AddTapsOf(double *__restrict sums, const T *const *taps,
-                                                    const double *weights, int32_t tapCount, int32_t count) {
+[[gnu::always_inline]] inline void AddTapsOf(double *__restrict sums, const T *const *taps, const double *weights,
+                                             int32_t tapCount, int32_t count) {
     int32_t k = 0;
     for (; k + 4 <= tapCount; k += 4) {
         // The taps are only read and never overlap the sums.
@@ -22,6 +24,8 @@ template <typename T>
         for (int32_t i = 0; i < count; i++) sums[i] += weight * tap[i];
     }
 }
+
+} // namespace
 
 LMF_MULTIVERSION
 void AddTaps(double *sums, const double *const *taps, const double *weights, int32_t tapCount, int32_t count) {

@@ -11,8 +11,10 @@
 
 namespace lmf {
 
+namespace {
+
 /// The share of a pixel's error that the next pixel of the row gets is at most this far from 0, in black and white.
-static constexpr int32_t kReach = 112;
+constexpr int32_t kReach = 112;
 
 /// What becomes of a grey plus the share from its left neighbour, at [kReach + sum]: the sums of 0 to 255 and, like
 /// the nearest of those, the ones outside.
@@ -46,7 +48,7 @@ struct GreyRange {
 };
 
 LMF_MULTIVERSION
-static void ExtendRange(const uint8_t *grey, int32_t width, GreyRange *range) {
+void ExtendRange(const uint8_t *grey, int32_t width, GreyRange *range) {
     uint8_t darkest = range->darkest, brightest = range->brightest;
     for (int32_t x = 0; x < width; x++) {
         darkest = std::min(darkest, grey[x]);
@@ -56,8 +58,7 @@ static void ExtendRange(const uint8_t *grey, int32_t width, GreyRange *range) {
 }
 
 /// Turns a row of greys into bits and error units. Only the share to the right is handed on here.
-static void DiffuseMonoRow(const uint8_t *grey, int32_t width, const MonoTables &tables, uint8_t *flags,
-                           int8_t *units) {
+void DiffuseMonoRow(const uint8_t *grey, int32_t width, const MonoTables &tables, uint8_t *flags, int8_t *units) {
     int32_t share = kReach;
     for (int32_t x = 0; x < width; x++) {
         const int32_t place = grey[x] + share;
@@ -70,7 +71,7 @@ static void DiffuseMonoRow(const uint8_t *grey, int32_t width, const MonoTables 
 /// Adds what the row before sends into a row, with a limit after each share: 1 unit from the left, 5 from below, 3 from
 /// the right. `units` is readable one element before and after the row.
 LMF_MULTIVERSION
-static void SpreadMonoRow(uint8_t *__restrict grey, const int8_t *__restrict units, int32_t width) {
+void SpreadMonoRow(uint8_t *__restrict grey, const int8_t *__restrict units, int32_t width) {
     for (int32_t x = 0; x < width; x++) {
         int16_t sum = static_cast<int16_t>(grey[x] + units[x - 1]);
         sum = std::clamp<int16_t>(sum, 0, 255);
@@ -81,7 +82,7 @@ static void SpreadMonoRow(uint8_t *__restrict grey, const int8_t *__restrict uni
     }
 }
 
-static DibHandle DiffuseToMono(const ReadView &from, const Palette768 &palette, const MonoTone &tone) {
+DibHandle DiffuseToMono(const ReadView &from, const Palette768 &palette, const MonoTone &tone) {
     const int32_t width = from.width, height = from.height;
     const auto rowLength = static_cast<int64_t>(width);
     LockedDib result(DibCreate(width, height, &palette, 1));
@@ -121,8 +122,8 @@ static DibHandle DiffuseToMono(const ReadView &from, const Palette768 &palette, 
 /// A row's channels plus what the row before sends: 1 sixteenth of the error from the left, 5 from below, 3 from the
 /// right, each rounded down on its own. `errors` is readable one pixel before and after the row.
 LMF_MULTIVERSION
-static void CollectColorRow(int16_t *__restrict sums, const uint8_t *__restrict bgr, const int16_t *__restrict errors,
-                            int64_t channels) {
+void CollectColorRow(int16_t *__restrict sums, const uint8_t *__restrict bgr, const int16_t *__restrict errors,
+                     int64_t channels) {
     for (int64_t i = 0; i < channels; i++) {
         sums[i] =
             static_cast<int16_t>(bgr[i] + (errors[i - 3] >> 4) + ((errors[i] * 5) >> 4) + ((errors[i + 3] * 3) >> 4));
@@ -130,8 +131,7 @@ static void CollectColorRow(int16_t *__restrict sums, const uint8_t *__restrict 
 }
 
 /// Chooses the entries of a row from left to right, handing 7 sixteenths of each error on.
-static void DiffuseColorRow(const int16_t *sums, int32_t width, NearestFinder *finder, uint8_t *indexes,
-                            int16_t *errors) {
+void DiffuseColorRow(const int16_t *sums, int32_t width, NearestFinder *finder, uint8_t *indexes, int16_t *errors) {
     int32_t blueShare = 0, greenShare = 0, redShare = 0;
     for (int32_t x = 0; x < width; x++, sums += 3, errors += 3) {
         const int32_t blue = ClampByte(sums[0] + blueShare);
@@ -150,7 +150,7 @@ static void DiffuseColorRow(const int16_t *sums, int32_t width, NearestFinder *f
 }
 
 /// Writes a row of indexes at the depth of the result, 1, 4 or 8.
-static void StoreIndexes(const WriteView &to, int32_t memoryRow, const uint8_t *indexes) {
+void StoreIndexes(const WriteView &to, int32_t memoryRow, const uint8_t *indexes) {
     uint8_t *row = to.MemoryRow(memoryRow);
     if (to.bits == 8)
         std::memcpy(row, indexes, static_cast<size_t>(to.width));
@@ -160,7 +160,7 @@ static void StoreIndexes(const WriteView &to, int32_t memoryRow, const uint8_t *
         PackMonoRow(row, indexes, to.width);
 }
 
-static DibHandle DiffuseToColors(const ReadView &from, const Palette768 &palette, uint32_t bits) {
+DibHandle DiffuseToColors(const ReadView &from, const Palette768 &palette, uint32_t bits) {
     const int32_t width = from.width, height = from.height;
     const int64_t channels = static_cast<int64_t>(width) * 3;
     LockedDib result(DibCreate(width, height, &palette, bits));
@@ -183,16 +183,20 @@ static DibHandle DiffuseToColors(const ReadView &from, const Palette768 &palette
     return result.Release();
 }
 
+} // namespace
+
 DibHandle ErrorDiffuse(const ReadView &picture, const Palette768 &palette, uint32_t bits, const MonoTone &tone) {
-    if (picture.bits == 1 || bits < 1 || bits > 8) return nullptr;
+    if (picture.bits == 1) return nullptr;
     return bits == 1 ? DiffuseToMono(picture, palette, tone) : DiffuseToColors(picture, palette, bits);
 }
 
+namespace {
+
 /// The last grey that counts as dark where a picture of two colours is made without dithering.
-static constexpr int16_t kLastDark = 128;
+constexpr int16_t kLastDark = 128;
 
 /// What becomes of each pixel value of an indexed picture.
-static void MapIndexes(const ReadView &from, const Palette768 &palette, uint32_t bits, uint8_t *map) {
+void MapIndexes(const ReadView &from, const Palette768 &palette, uint32_t bits, uint8_t *map) {
     const int32_t count = 1 << bits;
     if (from.bits == 1) {
         map[0] = bits == 1 ? 0 : static_cast<uint8_t>(PaletteNearest(0, 0, 0, palette, count));
@@ -210,11 +214,11 @@ static void MapIndexes(const ReadView &from, const Palette768 &palette, uint32_t
 
 /// flags[x] = grey[x] > threshold.
 LMF_MULTIVERSION
-static void FlagAbove(uint8_t *__restrict flags, const uint8_t *__restrict grey, int32_t width, int16_t threshold) {
+void FlagAbove(uint8_t *__restrict flags, const uint8_t *__restrict grey, int32_t width, int16_t threshold) {
     for (int32_t x = 0; x < width; x++) flags[x] = grey[x] > threshold;
 }
 
-static void RemapIndexedRow(const ReadView &from, int32_t memoryRow, const uint8_t *map, uint8_t *indexes) {
+void RemapIndexedRow(const ReadView &from, int32_t memoryRow, const uint8_t *map, uint8_t *indexes) {
     const uint8_t *row = from.MemoryRow(memoryRow);
     for (int32_t x = 0; x < from.width; x++) {
         const uint32_t value = from.bits == 8 ? row[x] : DibGetPixel(from, x, from.height - 1 - memoryRow) & 255;
@@ -222,25 +226,25 @@ static void RemapIndexedRow(const ReadView &from, int32_t memoryRow, const uint8
     }
 }
 
-static void RemapColorRow(const uint8_t *bgr, int32_t width, NearestFinder *finder, uint8_t *indexes) {
+void RemapColorRow(const uint8_t *bgr, int32_t width, NearestFinder *finder, uint8_t *indexes) {
     for (int32_t x = 0; x < width; x++, bgr += 3)
         indexes[x] = static_cast<uint8_t>(finder->Find(bgr[2], bgr[1], bgr[0]));
 }
 
+} // namespace
+
 DibHandle RemapNearest(const ReadView &picture, const Palette768 &palette, uint32_t bits) {
-    if (bits < 1 || bits > 8) return nullptr;
     PixelPass pass(picture, bits, &palette);
     if (!pass) return nullptr;
     const ReadView &from = pass.from;
-    const WriteView &to = pass.to;
-    const int32_t width = from.width, height = from.height;
+    const int32_t width = from.width;
     RgbRows rows(from);
     NearestFinder finder(palette, 1 << bits);
     BlockArray<uint8_t> grey(static_cast<uint64_t>(width)), indexes(static_cast<uint64_t>(width) + 7);
     if (!rows || !finder || !grey || !indexes) return nullptr;
     uint8_t map[256] = {};
     if (from.bits <= 8) MapIndexes(from, palette, bits, map);
-    for (int32_t y = 0; y < height; y++) {
+    for (int32_t y = 0; y < from.height; y++) {
         if (from.bits <= 8) {
             RemapIndexedRow(from, y, map, indexes.data);
         } else if (bits == 1) {
@@ -249,7 +253,7 @@ DibHandle RemapNearest(const ReadView &picture, const Palette768 &palette, uint3
         } else {
             RemapColorRow(rows.MemoryRow(y), width, &finder, indexes.data);
         }
-        StoreIndexes(to, y, indexes.data);
+        StoreIndexes(pass.to, y, indexes.data);
     }
     return pass.Finish();
 }
@@ -264,9 +268,8 @@ DibHandle ThresholdToMono(const ReadView &picture, int32_t threshold) {
     const int32_t width = grey.width;
     BlockArray<uint8_t> flags(static_cast<uint64_t>(width) + 7);
     if (!flags) return nullptr;
-    const auto level = static_cast<int16_t>(std::clamp(threshold, -1, 255));
     for (int32_t y = 0; y < grey.height; y++) {
-        FlagAbove(flags.data, grey.MemoryRow(y), width, level);
+        FlagAbove(flags.data, grey.MemoryRow(y), width, static_cast<int16_t>(threshold));
         PackMonoRow(pass.to.MemoryRow(y), flags.data, width);
     }
     return pass.Finish();

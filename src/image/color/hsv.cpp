@@ -6,9 +6,11 @@
 
 namespace lmf {
 
+namespace {
+
 // Both conversions choose between values instead of branching, so that loops over them become vector code.
 
-static inline Hsv HsvOf(int32_t redByte, int32_t greenByte, int32_t blueByte) {
+inline Hsv HsvOf(int32_t redByte, int32_t greenByte, int32_t blueByte) {
     const float red = static_cast<float>(redByte) / 255.0f;
     const float green = static_cast<float>(greenByte) / 255.0f;
     const float blue = static_cast<float>(blueByte) / 255.0f;
@@ -24,7 +26,7 @@ static inline Hsv HsvOf(int32_t redByte, int32_t greenByte, int32_t blueByte) {
 }
 
 /// A channel of 0 to 1 as a byte; what is not a number counts as 0.
-static inline int32_t ChannelByte(float channel) {
+inline int32_t ChannelByte(float channel) {
     float scaled = channel * 255.0f;
     scaled = scaled > 0.0f ? scaled : 0.0f;
     return static_cast<int32_t>(scaled < 255.0f ? scaled : 255.0f);
@@ -34,7 +36,7 @@ struct Channels {
     int32_t red, green, blue;
 };
 
-static inline Channels ChannelsOf(const Hsv &hsv) {
+inline Channels ChannelsOf(const Hsv &hsv) {
     const float saturation = hsv.saturation > 1.0f ? 1.0f : hsv.saturation;
     const float value = hsv.value > 1.0f ? 1.0f : hsv.value;
     // Without saturation p, q and u all come out as the value, whatever the hue.
@@ -59,6 +61,8 @@ static inline Channels ChannelsOf(const Hsv &hsv) {
     inSector(4.0f, u, p, value);
     return {ChannelByte(red), ChannelByte(green), ChannelByte(blue)};
 }
+
+} // namespace
 
 Hsv RgbToHsv(Color color) {
     return HsvOf(RedOf(color), GreenOf(color), BlueOf(color));

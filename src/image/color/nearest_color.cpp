@@ -2,11 +2,14 @@
 
 namespace lmf {
 
-static constexpr int32_t kCellWidth = 8;
-static constexpr int32_t kCells = 32 * 32 * 32;
-static constexpr int32_t kWeights[3] = {3, 4, 2};
+namespace {
+
+constexpr int32_t kCellWidth = 8;
+constexpr int32_t kCells = 32 * 32 * 32;
 /// Room for candidates; cells that come after it is used up search the whole palette.
-static constexpr uint32_t kRoom = 256 + kCells * 16;
+constexpr uint32_t kRoom = 256 + kCells * 16;
+
+} // namespace
 
 NearestFinder::NearestFinder(const Palette768 &colors, int32_t colorCount)
     : palette(colors), count(colorCount), cells(kCells), candidates(kRoom), used(0) {
@@ -17,29 +20,33 @@ NearestFinder::NearestFinder(const Palette768 &colors, int32_t colorCount)
     }
 }
 
+namespace {
+
 /// The smallest and the largest distance of an entry from the colours of a cell.
-static void DistanceRange(const uint8_t *rgb, const int32_t *low, int32_t *nearest, int32_t *farthest) {
+void DistanceRange(const uint8_t *rgb, const int32_t *low, int32_t *nearest, int32_t *farthest) {
     *nearest = *farthest = 0;
     for (int32_t c = 0; c < 3; c++) {
         const int32_t below = low[c] - rgb[c], above = rgb[c] - (low[c] + kCellWidth - 1);
         const int32_t near = std::max({below, above, 0});
         const int32_t far = std::max(below + kCellWidth - 1, above + kCellWidth - 1);
-        *nearest += kWeights[c] * near * near;
-        *farthest += kWeights[c] * far * far;
+        *nearest += kDistanceWeights[c] * near * near;
+        *farthest += kDistanceWeights[c] * far * far;
     }
 }
 
 /// Is entry i at least as near as entry j at every colour of the cell? The difference of the two squared distances is
 /// linear in each channel, so that it is largest at one of the cell's corners.
-static bool AlwaysWins(const uint8_t *rgbI, const uint8_t *rgbJ, bool winsTies, const int32_t *low) {
+bool AlwaysWins(const uint8_t *rgbI, const uint8_t *rgbJ, bool winsTies, const int32_t *low) {
     int32_t largest = 0;
     for (int32_t c = 0; c < 3; c++) {
         const int32_t slope = rgbJ[c] - rgbI[c], middle = rgbJ[c] + rgbI[c];
         const int32_t corner = slope > 0 ? low[c] + kCellWidth - 1 : low[c];
-        largest += kWeights[c] * slope * (2 * corner - middle);
+        largest += kDistanceWeights[c] * slope * (2 * corner - middle);
     }
     return largest < 0 || (largest == 0 && winsTies);
 }
+
+} // namespace
 
 uint32_t NearestFinder::MakeList(int32_t cell) {
     const int32_t low[3] = {(cell >> 10) * kCellWidth, (cell >> 5 & 31) * kCellWidth, (cell & 31) * kCellWidth};

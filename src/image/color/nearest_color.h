@@ -1,7 +1,7 @@
 // The entry nearest to a colour, for whole pictures: exactly what PaletteNearest finds, without looking at all entries.
 #pragma once
 
-#include "image/core/dib.h"
+#include "image/color/palette.h"
 
 namespace lmf {
 
@@ -44,8 +44,7 @@ struct NearestFinder {
 
 private:
     static int32_t Distance(const Candidate &candidate, int32_t red, int32_t green, int32_t blue) {
-        const int32_t dr = red - candidate.red, dg = green - candidate.green, db = blue - candidate.blue;
-        return 3 * dr * dr + 4 * dg * dg + 2 * db * db;
+        return ColorDistance(red - candidate.red, green - candidate.green, blue - candidate.blue);
     }
     uint32_t MakeList(int32_t cell);
 };

@@ -4,23 +4,24 @@
 
 namespace lmf {
 
-static constexpr int32_t kMostColors = 256;
-static constexpr int32_t kDeepest = 5;
+namespace {
+
+constexpr int32_t kMostColors = 256;
+constexpr int32_t kDeepest = 5;
 
 struct OctreeNode {
-    double number_unique; ///< pixels counted at this node
-    double total_red, total_green, total_blue;
-    double quantize_error; ///< sum of the squared distances of all pixels of the cell from its mid-point
-    int32_t colour_number; ///< palette index
-    uint8_t id;            ///< which child of the parent
-    uint8_t level;         ///< 0 at the root
-    uint8_t census;        ///< bit mask of the children present
-    OctreeNode *parent;    ///< the root is its own
+    double pixels; ///< counted at this node
+    double totalRed, totalGreen, totalBlue;
+    double quantizeError; ///< sum of the squared distances of all pixels of the cell from its mid-point
+    uint8_t id;           ///< which child of the parent
+    uint8_t level;        ///< 0 at the root
+    uint8_t census;       ///< bit mask of the children present
+    OctreeNode *parent;   ///< the root is its own
     OctreeNode *child[8];
     int32_t mergedInPass; ///< when the node was merged into its parent, 0 for a living one
 };
 
-static constexpr int32_t kNodesOfBlock = 1536;
+constexpr int32_t kNodesOfBlock = 1536;
 
 struct NodeBlock {
     OctreeNode nodes[kNodesOfBlock];
@@ -32,10 +33,10 @@ struct NodeBlock {
 struct OctreeCube {
     OctreeNode *root = nullptr;
     uint32_t depth = 0;
-    uint32_t colours = 0; ///< nodes with pixels of their own
+    uint32_t colors = 0; ///< nodes with pixels of their own
     uint32_t nodes = 0;
-    double pruning_threshold = 0;
-    double next_threshold = 0;
+    double pruningThreshold = 0;
+    double nextThreshold = 0;
     NodeBlock *newest = nullptr;
     int32_t unused = 0; ///< nodes left in the newest block
 
@@ -53,7 +54,7 @@ struct OctreeCube {
 };
 
 /// A new node under `parent`; null when memory is short.
-static OctreeNode *MakeNode(OctreeCube *cube, uint32_t id, uint32_t level, OctreeNode *parent) {
+OctreeNode *MakeNode(OctreeCube *cube, uint32_t id, uint32_t level, OctreeNode *parent) {
     if (cube->unused == 0) {
         BlockOwner fresh(BlockAlloc(sizeof(NodeBlock)));
         auto *block = static_cast<NodeBlock *>(BlockLock(fresh.handle));
@@ -76,7 +77,7 @@ static OctreeNode *MakeNode(OctreeCube *cube, uint32_t id, uint32_t level, Octre
 }
 
 /// Levels of the tree for a number of colours: one more than its logarithm to the base 4.
-static constexpr uint32_t DepthFor(uint32_t wanted) {
+constexpr uint32_t DepthFor(uint32_t wanted) {
     uint32_t depth = 0;
     for (; wanted != 0; wanted /= 4) depth++;
     return std::clamp(depth, 2u, 8u);
@@ -100,8 +101,8 @@ struct SquareTable {
     }
 };
 
-/// Counts `run` equal pixels. `rootError` stands for the root's quantize_error. False when memory is short.
-static bool Classify(OctreeCube *cube, const SquareTable &squares, const uint8_t *bgr, int32_t run, double *rootError) {
+/// Counts `run` equal pixels. `rootError` stands for the root's quantizeError. False when memory is short.
+bool Classify(OctreeCube *cube, const SquareTable &squares, const uint8_t *bgr, int32_t run, double *rootError) {
     const uint32_t red = bgr[2], green = bgr[1], blue = bgr[0];
     OctreeNode *node = cube->root;
     double sum = *rootError;
@@ -112,27 +113,27 @@ static bool Classify(OctreeCube *cube, const SquareTable &squares, const uint8_t
         if (child == nullptr) {
             child = MakeNode(cube, id, level, node);
             if (child == nullptr) return false;
-            if (level == cube->depth) cube->colours++;
+            if (level == cube->depth) cube->colors++;
         }
         node = child;
         // Quarters of whole numbers: this sum is exact in any order.
         const double *square = squares.at[level];
-        node->quantize_error += run * (square[green] + square[red] + square[blue]);
-        sum += node->quantize_error;
+        node->quantizeError += run * (square[green] + square[red] + square[blue]);
+        sum += node->quantizeError;
     }
     *rootError = sum;
-    node->number_unique += run;
-    node->total_red += static_cast<double>(red) * run;
-    node->total_green += static_cast<double>(green) * run;
-    node->total_blue += static_cast<double>(blue) * run;
+    node->pixels += run;
+    node->totalRed += static_cast<double>(red) * run;
+    node->totalGreen += static_cast<double>(green) * run;
+    node->totalBlue += static_cast<double>(blue) * run;
     return true;
 }
 
-static bool SamePixel(const uint8_t *a, const uint8_t *b) {
+bool SamePixel(const uint8_t *a, const uint8_t *b) {
     return a[0] == b[0] && a[1] == b[1] && a[2] == b[2];
 }
 
-static bool ClassifyPicture(OctreeCube *cube, const ReadView &view) {
+bool ClassifyPicture(OctreeCube *cube, const ReadView &view) {
     const SquareTable squares;
     double rootError = 0;
     for (int32_t y = 0; y < view.height; y++) {
@@ -145,31 +146,31 @@ static bool ClassifyPicture(OctreeCube *cube, const ReadView &view) {
             if (!Classify(cube, squares, first, static_cast<int32_t>((pixel - first) / 3), &rootError)) return false;
         }
     }
-    cube->root->quantize_error = rootError;
+    cube->root->quantizeError = rootError;
     return true;
 }
 
 /// Adds a node's pixels, with those of all its descendants, to its parent.
 /// @return how many of the descendants had pixels of their own before.
-static uint32_t MergeIntoParent(OctreeCube *cube, OctreeNode *node, int32_t pass) {
+uint32_t MergeIntoParent(OctreeCube *cube, OctreeNode *node, int32_t pass) {
     uint32_t colored = 0;
     for (uint32_t id = 0; id < 8; id++) {
         if ((node->census >> id & 1) == 0) continue;
-        colored += node->child[id]->number_unique > 0;
+        colored += node->child[id]->pixels > 0;
         colored += MergeIntoParent(cube, node->child[id], pass);
     }
     OctreeNode *parent = node->parent;
-    parent->number_unique += node->number_unique;
-    parent->total_red += node->total_red;
-    parent->total_green += node->total_green;
-    parent->total_blue += node->total_blue;
+    parent->pixels += node->pixels;
+    parent->totalRed += node->totalRed;
+    parent->totalGreen += node->totalGreen;
+    parent->totalBlue += node->totalBlue;
     parent->census = static_cast<uint8_t>(parent->census & ~(1u << node->id));
     node->mergedInPass = pass;
     cube->nodes--;
     return colored;
 }
 
-static void CollectBelow(const OctreeNode *node, OctreeNode **list, uint32_t *length) {
+void CollectBelow(const OctreeNode *node, OctreeNode **list, uint32_t *length) {
     for (uint32_t id = 0; id < 8; id++) {
         if ((node->census >> id & 1) == 0) continue;
         list[(*length)++] = node->child[id];
@@ -184,61 +185,65 @@ static void CollectBelow(const OctreeNode *node, OctreeNode **list, uint32_t *le
 /// them once, and a pass touches only those that it merges. It gives the counts of a walk: a node that goes with an
 /// ancestor has been visited before the ancestor, and so still counts in that pass, as does its error.
 /// @return false when memory is short.
-static bool Reduce(OctreeCube *cube, uint32_t wanted) {
-    if (cube->colours <= wanted) return true;
+bool Reduce(OctreeCube *cube, uint32_t wanted) {
+    if (cube->colors <= wanted) return true;
     BlockArray<OctreeNode *> byError(cube->nodes);
     if (!byError) return false;
     uint32_t length = 0;
     CollectBelow(cube->root, byError.data, &length);
     std::sort(byError.data, byError.data + length, [](const OctreeNode *a, const OctreeNode *b) {
-        return a->quantize_error != b->quantize_error ? a->quantize_error < b->quantize_error : a->level > b->level;
+        return a->quantizeError != b->quantizeError ? a->quantizeError < b->quantizeError : a->level > b->level;
     });
 
     uint32_t next = 0;
-    uint32_t living = cube->colours;
-    for (int32_t pass = 1; cube->colours > wanted; pass++) {
-        cube->pruning_threshold = cube->next_threshold;
+    uint32_t living = cube->colors;
+    for (int32_t pass = 1; cube->colors > wanted; pass++) {
+        cube->pruningThreshold = cube->nextThreshold;
         uint32_t leaving = 0;
-        for (; next < length && byError[next]->quantize_error <= cube->pruning_threshold; next++) {
+        for (; next < length && byError[next]->quantizeError <= cube->pruningThreshold; next++) {
             OctreeNode *node = byError[next];
             if (node->mergedInPass != 0) continue;
-            living -= node->number_unique > 0;
-            living += node->parent->number_unique == 0;
+            living -= node->pixels > 0;
+            living += node->parent->pixels == 0;
             leaving += MergeIntoParent(cube, node, pass);
         }
-        cube->colours = living;
+        cube->colors = living;
         living -= leaving;
         while (next < length && byError[next]->mergedInPass != 0 && byError[next]->mergedInPass != pass) next++;
-        cube->next_threshold = cube->root->quantize_error - 1;
-        if (next < length) cube->next_threshold = std::min(cube->next_threshold, byError[next]->quantize_error);
+        cube->nextThreshold = cube->root->quantizeError - 1;
+        if (next < length) cube->nextThreshold = std::min(cube->nextThreshold, byError[next]->quantizeError);
     }
     return true;
 }
 
-static uint8_t MeanChannel(double total, double count) {
+uint8_t MeanChannel(double total, double count) {
     return static_cast<uint8_t>((total + count * 0.5) / count);
 }
 
 /// Numbers the nodes that have pixels, children before parents, and writes their mean colours.
-static void AssignColors(OctreeNode *node, Palette768 *palette, uint32_t *count) {
+void AssignColors(OctreeNode *node, Palette768 *palette, uint32_t *count) {
     for (uint32_t id = 0; id < 8; id++) {
         if ((node->census >> id & 1) != 0) AssignColors(node->child[id], palette, count);
     }
-    if (node->number_unique == 0 || *count == kMostColors) return;
-    node->colour_number = static_cast<int32_t>(*count);
+    if (node->pixels == 0 || *count == kMostColors) return;
     uint8_t *rgb = palette->rgb + static_cast<ptrdiff_t>(*count) * 3;
-    rgb[0] = MeanChannel(node->total_red, node->number_unique);
-    rgb[1] = MeanChannel(node->total_green, node->number_unique);
-    rgb[2] = MeanChannel(node->total_blue, node->number_unique);
+    rgb[0] = MeanChannel(node->totalRed, node->pixels);
+    rgb[1] = MeanChannel(node->totalGreen, node->pixels);
+    rgb[2] = MeanChannel(node->totalBlue, node->pixels);
     (*count)++;
 }
+
+/// Places of the hash table of colours, four times as many as it holds.
+constexpr uint32_t kPlaceBits = 10, kPlaces = 1u << kPlaceBits;
+/// 2^32 over the golden ratio (D. Knuth, "The Art of Computer Programming", volume 3, 1973).
+constexpr uint32_t kHashFactor = 2654435761u;
 
 /// Lists the colours of a picture as they appear from the top, 255 of them at most.
 /// @return their number; the 256th is counted though it is not listed, and after it every pixel counts, so that a
 /// picture which goes on has more than 256.
-static uint64_t ListColors(const ReadView &view, Palette768 *palette) {
-    // Open addressing over 1024 places for 255 colours; a place holds the colour plus 1.
-    uint32_t places[1024] = {};
+uint64_t ListColors(const ReadView &view, Palette768 *palette) {
+    // Open addressing; a place holds the colour plus 1.
+    uint32_t places[kPlaces] = {};
     uint32_t found = 0;
     uint32_t previous = 0;
     for (int32_t y = 0; y < view.height; y++) {
@@ -248,8 +253,8 @@ static uint64_t ListColors(const ReadView &view, Palette768 *palette) {
             const uint32_t key = PackColor(bgr[2], bgr[1], bgr[0]) + 1;
             if (key == previous) continue;
             previous = key;
-            uint32_t place = key * 2654435761u >> 22;
-            while (places[place] != 0 && places[place] != key) place = (place + 1) & 1023;
+            uint32_t place = key * kHashFactor >> (32 - kPlaceBits);
+            while (places[place] != 0 && places[place] != key) place = (place + 1) % kPlaces;
             if (places[place] == key) continue;
             if (found == kMostColors - 1) {
                 const int64_t pixels = static_cast<int64_t>(view.width) * view.height;
@@ -264,6 +269,8 @@ static uint64_t ListColors(const ReadView &view, Palette768 *palette) {
     }
     return found;
 }
+
+} // namespace
 
 bool OctreePalette(const ReadView &picture, Palette768 *palette, uint32_t *count) {
     if (picture.bits != 24) return false;

@@ -5,8 +5,10 @@
 
 namespace lmf {
 
+namespace {
+
 /// Thresholds in 64 steps, at [row][column].
-static constexpr uint8_t kMatrix[8][8] = {
+constexpr uint8_t kMatrix[8][8] = {
     {0, 32, 8, 40, 2, 34, 10, 42},    {48, 16, 56, 24, 50, 18, 58, 26}, {12, 44, 4, 36, 14, 46, 6, 38},
     {60, 28, 52, 20, 62, 30, 54, 22}, {3, 35, 11, 43, 1, 33, 9, 41},    {51, 19, 59, 27, 49, 17, 57, 25},
     {15, 47, 7, 39, 13, 45, 5, 37},   {63, 31, 55, 23, 61, 29, 53, 21},
@@ -31,13 +33,13 @@ struct ThresholdRows {
 
 /// Turns greys into flags.
 LMF_MULTIVERSION
-static void FlagAboveThresholds(uint8_t *__restrict grey, const uint8_t *__restrict thresholds, int32_t width) {
+void FlagAboveThresholds(uint8_t *__restrict grey, const uint8_t *__restrict thresholds, int32_t width) {
     for (int32_t x = 0; x < width; x++) grey[x] = grey[x] > thresholds[x];
 }
 
 LMF_MULTIVERSION
-static void EightRow(uint8_t *__restrict indexes, const uint8_t *__restrict bgr, const uint8_t *__restrict thresholds,
-                     int32_t width) {
+void EightRow(uint8_t *__restrict indexes, const uint8_t *__restrict bgr, const uint8_t *__restrict thresholds,
+              int32_t width) {
     for (int32_t x = 0; x < width; x++) {
         const uint8_t threshold = thresholds[x];
         const uint8_t red = bgr[x * 3 + 2] > threshold, green = bgr[x * 3 + 1] > threshold;
@@ -47,13 +49,13 @@ static void EightRow(uint8_t *__restrict indexes, const uint8_t *__restrict bgr,
 }
 
 /// Moves a channel a quarter of the way to the threshold, which never leaves the byte.
-static inline int16_t TowardsThreshold(uint8_t channel, uint8_t threshold) {
+int16_t TowardsThreshold(uint8_t channel, uint8_t threshold) {
     return static_cast<int16_t>(channel - ((channel - threshold) >> 2));
 }
 
 LMF_MULTIVERSION
-static void Rgb332Row(uint8_t *__restrict indexes, const uint8_t *__restrict bgr, const uint8_t *__restrict thresholds,
-                      int32_t width) {
+void Rgb332Row(uint8_t *__restrict indexes, const uint8_t *__restrict bgr, const uint8_t *__restrict thresholds,
+               int32_t width) {
     for (int32_t x = 0; x < width; x++) {
         const int16_t red = TowardsThreshold(bgr[x * 3 + 2], thresholds[x]);
         const int16_t green = TowardsThreshold(bgr[x * 3 + 1], thresholds[x]);
@@ -65,8 +67,8 @@ static void Rgb332Row(uint8_t *__restrict indexes, const uint8_t *__restrict bgr
 /// New picture of `bits` with this palette. makeRow(to, bgr, thresholds, scratch, width) writes a row of it; the
 /// scratch holds a byte a pixel and zeros behind.
 template <typename MakeRow>
-static DibHandle DitherRows(const ReadView &picture, const Palette768 &palette, uint32_t bits, bool transposed,
-                            MakeRow makeRow) {
+DibHandle DitherRows(const ReadView &picture, const Palette768 &palette, uint32_t bits, bool transposed,
+                     MakeRow makeRow) {
     PixelPass pass(picture, bits, &palette);
     if (!pass) return nullptr;
     const int32_t width = pass.from.width, height = pass.from.height;
@@ -78,6 +80,8 @@ static DibHandle DitherRows(const ReadView &picture, const Palette768 &palette, 
         makeRow(pass.to.MemoryRow(y), rows.MemoryRow(y), thresholds.Row(height - 1 - y), scratch.data, width);
     return pass.Finish();
 }
+
+} // namespace
 
 DibHandle BayerMono(const ReadView &picture) {
     return DitherRows(picture, kBlackAndWhite, 1, false,
@@ -98,8 +102,10 @@ DibHandle BayerEight(const ReadView &picture) {
                       });
 }
 
+namespace {
+
 /// Entry 32 r + 4 g + b has level r of red, g of green and b of blue.
-static constexpr Palette768 Rgb332Palette() {
+constexpr Palette768 Rgb332Palette() {
     constexpr uint8_t kEighths[] = {0, 36, 72, 108, 144, 180, 216, 255};
     constexpr uint8_t kQuarters[] = {0, 85, 170, 255};
     Palette768 palette{};
@@ -110,6 +116,8 @@ static constexpr Palette768 Rgb332Palette() {
     }
     return palette;
 }
+
+} // namespace
 
 DibHandle BayerRgb332(const ReadView &picture) {
     static constexpr Palette768 kPalette = Rgb332Palette();

@@ -4,13 +4,15 @@
 
 namespace lmf {
 
-void BuildContrastTable(int32_t contrast, int32_t brightness, ToneTable *table) {
-    const double step = 256 / std::max(1.0, 256.0 - 2.0 * contrast);
-    double value = static_cast<double>(brightness) - contrast;
-    for (uint8_t &entry : table->at) {
-        entry = static_cast<uint8_t>(value > 255 ? 255 : value < 0 ? 0 : value);
+ToneTable BuildContrastTable(int32_t contrast, int32_t brightness) {
+    const double step = 256 / std::max(1.0, 256.0 - 2.0 * (contrast - kToneMiddle));
+    double value = brightness - contrast;
+    ToneTable table;
+    for (uint8_t &entry : table.at) {
+        entry = static_cast<uint8_t>(std::clamp(value, 0.0, 255.0));
         value += step;
     }
+    return table;
 }
 
 DibHandle ApplyToneTableByMode(const ReadView &picture, const ToneTable &table, int32_t mode) {

@@ -5,9 +5,12 @@
 
 namespace lmf {
 
-/// Fills the table with a straight line that clips at 0 and 255. Both numbers run from -127 to 128, with 0 for no
-/// change; `contrast` makes the line steeper, `brightness` lifts it.
-void BuildContrastTable(int32_t contrast, int32_t brightness, ToneTable *table);
+/// The setting of contrast or of brightness that changes nothing.
+inline constexpr int32_t kToneMiddle = 127;
+
+/// A straight line that clips at 0 and 255. Both settings run from 0 to 255: `contrast` makes the line steeper above
+/// kToneMiddle and flatter below, `brightness` lifts and lowers it.
+[[nodiscard]] ToneTable BuildContrastTable(int32_t contrast, int32_t brightness);
 
 /// New picture: the table on the colour table of palette and mono pictures, on the low byte of grey pixels, on the
 /// three channels of true colour; what the picture is comes from the mode. Null on failure.

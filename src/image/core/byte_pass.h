@@ -13,15 +13,22 @@ enum class Alpha : uint8_t {
 
 /// A source and the blank picture of its depth that becomes the result, both seen as rows of one byte a pixel (up to
 /// 8 bits: the index) or three (blue, green, red), or four where alpha is carried. Depths that are not so are widened
-/// in a copy of the source and narrowed at the end: dropped alpha becomes 0, indexes are cut to the bits there are, and
-/// pixels that cannot be read are all ones. False where memory is short or a side of the result is below 1.
+/// in a copy of the source and narrowed at the end: dropped alpha becomes 0, and indexes are cut to the bits there are.
+/// False where memory is short or a side of the result is below 1.
 struct BytePass {
+    /// The result has the source's size. What DibGetPixel reads as kOutside in the source itself (white of full alpha
+    /// at 32 bits, and everything at depths that cannot be read) is seen as `outside`.
+    explicit BytePass(const ReadView &source, Color outside = 0xFFFFFF)
+        : BytePass(source, source.width, source.height, Alpha::Dropped, outside) {}
     /// The result has the source's size.
-    explicit BytePass(const ReadView &source, Alpha alpha = Alpha::Dropped);
+    BytePass(const ReadView &source, Alpha alpha) : BytePass(source, source.width, source.height, alpha) {}
     /// The result has a size of its own.
-    BytePass(const ReadView &source, int32_t width, int32_t height, Alpha alpha = Alpha::Dropped);
+    BytePass(const ReadView &source, int32_t width, int32_t height, Alpha alpha = Alpha::Dropped,
+             Color outside = 0xFFFFFF);
 
     explicit operator bool() const { return made; }
+    /// Was it made, and of a picture of colours? For filters that have no meaning on indexes.
+    bool IsColor() const { return made && Channels() == 3; }
     /// The source's rows: 8 or 24 bits, or 32 with alpha, whatever its depth.
     const ReadView &From() const { return from; }
     /// The result's rows in the same form, for any order of writing.

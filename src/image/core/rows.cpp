@@ -7,9 +7,70 @@
 
 namespace lmf {
 
+namespace {
+
+/// Puts an alpha of 0 behind each pixel, in place or not.
+void SpreadRow(uint8_t *bgra, const uint8_t *bgr, ptrdiff_t width) {
+    for (ptrdiff_t x = width - 1; x >= 0; x--) {
+        const uint8_t blue = bgr[x * 3], green = bgr[x * 3 + 1], red = bgr[x * 3 + 2];
+        bgra[x * 4] = blue;
+        bgra[x * 4 + 1] = green;
+        bgra[x * 4 + 2] = red;
+        bgra[x * 4 + 3] = 0;
+    }
+}
+
+} // namespace
+
+void ReadByteRow(uint8_t *bytes, const ReadView &picture, int32_t y, Color outside) {
+    const uint8_t *row = picture.Row(y);
+    const auto width = static_cast<size_t>(picture.width);
+    if (picture.bits == 24 || picture.bits == 8) {
+        std::memcpy(bytes, row, width * picture.bits / 8);
+    } else if (picture.bits == 32 && outside == 0xFFFFFF) {
+        DropAlphaRow(bytes, row, picture.width);
+    } else {
+        for (int32_t x = 0; x < picture.width; x++) {
+            const uint32_t pixel = DibGetPixel(picture, x, y), value = pixel == kOutside ? outside : pixel;
+            if (ByteChannels(picture.bits) == 1)
+                *bytes++ = static_cast<uint8_t>(value);
+            else
+                StoreBgr(std::exchange(bytes, bytes + 3), value);
+        }
+    }
+}
+
+void ReadBgrRow(uint8_t *bgr, const ReadView &picture, int32_t y) {
+    if (ByteChannels(picture.bits) == 3) return ReadByteRow(bgr, picture, y);
+    for (ptrdiff_t x = 0; x < picture.width; x++)
+        StoreBgr(bgr + x * 3, DibGetPixel(picture, static_cast<int32_t>(x), y));
+}
+
+void WriteByteRow(const WriteView &picture, int32_t y, const uint8_t *bytes) {
+    const auto width = static_cast<size_t>(picture.width);
+    if (picture.bits == 24 || picture.bits == 8) {
+        std::memmove(picture.Row(y), bytes, width * picture.bits / 8);
+    } else if (picture.bits == 32) {
+        SpreadRow(picture.Row(y), bytes, picture.width);
+    } else {
+        for (int32_t x = 0; x < picture.width; x++) DibSetPixel(picture, x, y, bytes[x]);
+    }
+}
+
 LMF_MULTIVERSION
 void GreyRow(uint8_t *__restrict grey, const uint8_t *__restrict bgr, int32_t width) {
     for (int32_t x = 0; x < width; x++) grey[x] = ByteGrey(bgr[x * 3 + 2], bgr[x * 3 + 1], bgr[x * 3]);
+}
+
+LMF_MULTIVERSION
+void TintRow(uint8_t *__restrict to, const uint8_t *__restrict from, const uint8_t *__restrict weights, int32_t width,
+             Color color) {
+    const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+    for (int32_t x = 0; x < width; x++) {
+        to[x * 3] = MixBytes(from[x * 3], blue, weights[x]);
+        to[x * 3 + 1] = MixBytes(from[x * 3 + 1], green, weights[x]);
+        to[x * 3 + 2] = MixBytes(from[x * 3 + 2], red, weights[x]);
+    }
 }
 
 void ReadGreyRow(uint8_t *grey, const ReadView &picture, int32_t y) {

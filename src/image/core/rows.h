@@ -1,14 +1,30 @@
-// Rows of pixels in other forms: as 24-bit colours, as grey, as packed bits.
+// Rows of pixels in other forms: as bytes, as 24-bit colours, as grey, as packed bits.
 #pragma once
 
 #include "image/core/dib.h"
 
 namespace lmf {
 
+/// Bytes a pixel where rows of any depth are taken as bytes: 1, the index, up to 8 bits, else 3 (blue, green, red).
+constexpr int32_t ByteChannels(uint32_t bits) {
+    return bits >= 1 && bits <= 8 ? 1 : 3;
+}
+/// Row y, counted from the top, as bytes. Alpha is dropped; what DibGetPixel reads as kOutside (white of full alpha,
+/// and depths that cannot be read) becomes `outside`.
+void ReadByteRow(uint8_t *bytes, const ReadView &picture, int32_t y, Color outside = 0xFFFFFF);
+/// Row y, counted from the top, as three bytes a pixel at every depth: indexes are red alone.
+void ReadBgrRow(uint8_t *bgr, const ReadView &picture, int32_t y);
+/// Stores bytes as row y, counted from the top: alpha becomes 0, indexes are cut to the bits there are. The bytes may
+/// lie at the start of the row itself.
+void WriteByteRow(const WriteView &picture, int32_t y, const uint8_t *bytes);
+
 /// The colours of a row of 32-bit pixels, which must not overlap the result, as 24-bit pixels.
 void DropAlphaRow(uint8_t *bgr, const uint8_t *bgra, int32_t width);
 /// WeightedGrey of a row of 24-bit pixels, which must not overlap the result.
 void GreyRow(uint8_t *grey, const uint8_t *bgr, int32_t width);
+/// A row of 24-bit pixels mixed with a colour by a weight a pixel: 0 keeps the pixel, 255 gives the colour. Nothing may
+/// overlap the result.
+void TintRow(uint8_t *to, const uint8_t *from, const uint8_t *weights, int32_t width, Color color);
 
 /// WeightedGrey of row y, counted from the top, at any depth. An index counts as the red of a pixel without green and
 /// blue.

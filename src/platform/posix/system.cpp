@@ -5,7 +5,12 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
+#include <cwctype>
+
 #include <dlfcn.h>
+#include <locale.h>
+#include <pwd.h>
+#include <unistd.h>
 
 namespace lmf {
 
@@ -18,6 +23,36 @@ int64_t SystemTime() {
 bool LocalTime(int64_t seconds, std::tm *out) {
     const std::time_t time = seconds;
     return localtime_r(&time, out) != nullptr;
+}
+
+bool UserName(char *out) {
+    char record[4096];
+    passwd user;
+    passwd *found = nullptr;
+    if (getpwuid_r(getuid(), &user, record, sizeof record, &found) != 0 || found == nullptr) return false;
+    // The field that holds the full name goes on with office and telephone after a comma.
+    size_t length = found->pw_gecos != nullptr ? std::strcspn(found->pw_gecos, ",") : 0;
+    const char *name = length > 0 ? found->pw_gecos : found->pw_name;
+    if (length == 0) length = std::strlen(name);
+    if (length == 0 || length >= kUserNameSize) return false;
+    std::memcpy(out, name, length);
+    out[length] = '\0';
+    return true;
+}
+
+/// Where letters have the cases of all scripts, or of A to Z only on a system without it.
+static locale_t LettersLocale() {
+    static const locale_t unicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    static const locale_t plain = newlocale(LC_CTYPE_MASK, "C", nullptr);
+    return unicode != nullptr ? unicode : plain;
+}
+
+char32_t LowerCase(char32_t character) {
+    return towlower_l(character, LettersLocale());
+}
+
+char32_t UpperCase(char32_t character) {
+    return towupper_l(character, LettersLocale());
 }
 
 const char kPathSeparator = '/';

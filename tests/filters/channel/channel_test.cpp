@@ -1,12 +1,30 @@
 // Channels, Split channels, Add Alpha and Remove Alpha.
+#include <utility>
+
 #include "support/clipboard.h"
 #include "support/pictures.h"
 
 namespace lmf::testing {
 
-static Pixels Exchanged(const LockedDib &picture, int32_t mode) {
+namespace {
+
+Pixels Exchanged(const LockedDib &picture, int32_t mode) {
     return PixelsOf(RunKernel("Channels", picture, {{&P::FilterChannelMode, mode}}));
 }
+
+LockedDib Split(const ReadView &picture, int32_t mode, int32_t remove, bool tint, DibHandle second = nullptr) {
+    FilterContext context =
+        ContextWith({{&P::FilterSplitMode, mode}, {&P::FilterSplitRemove, remove}, {&P::FilterSplitTint, tint}});
+    context.second = second;
+    return RunKernel("Split channels", picture, context);
+}
+
+/// What a run made of the second picture.
+LockedDib TakeSecond(FilterContext &context) {
+    return LockedDib(std::exchange(context.secondResult, nullptr));
+}
+
+} // namespace
 
 TEST(Channels, EveryModeMovesTheRightChannels) {
     // Red 1, green 2, blue 3, written as blue green red.
@@ -24,13 +42,6 @@ TEST(Channels, EveryModeMovesTheRightChannels) {
     EXPECT_EQ(Exchanged(MakePicture(1, 1, 32, {0x80030201}), 0), (Pixels{0x010203}));
 }
 
-static LockedDib Split(const ReadView &picture, int32_t mode, int32_t remove, bool tint, DibHandle second = nullptr) {
-    FilterContext context =
-        ContextWith({{&P::FilterSplitMode, mode}, {&P::FilterSplitRemove, remove}, {&P::FilterSplitTint, tint}});
-    context.second = second;
-    return RunKernel("Split channels", picture, &context);
-}
-
 TEST(SplitChannels, PlanesHoldThePicturesOwnChannels) {
     const LockedDib picture = MakePicture(1, 1, 24, {0x3C6EC8}); // red 200, green 110, blue 60
     // Black removal of 90 percent takes 54 off each ink.
@@ -41,54 +52,61 @@ TEST(SplitChannels, PlanesHoldThePicturesOwnChannels) {
         EXPECT_EQ(DibClassify(plane), kModeGrey);
     }
     EXPECT_EQ(PixelsOf(Split(picture, 9, 0, false)), Pixels{0});
-    const LockedDib magenta = Split(picture, 7, 90, true);
-    EXPECT_EQ(PaletteOf(magenta).At(200), 0xC800C8u);
-    EXPECT_EQ(DibClassify(magenta), kModePalette);
+    EXPECT_EQ(PixelsOf(Split(MakePicture(1, 1, 24, {0x804020}), 9, 100, false)), Pixels{32});
+    // Red, green and blue, then cyan, magenta and yellow twice, then grey.
+    static constexpr Color kTints[] = {0x0000C8, 0x00C800, 0xC80000, 0xC8C800, 0xC800C8, 0x00C8C8,
+                                       0xC8C800, 0xC800C8, 0x00C8C8, 0xC8C8C8, 0xC8C8C8};
+    for (int32_t mode = 0; mode <= 10; mode++)
+        EXPECT_EQ(PaletteOf(Split(picture, mode, 90, true)).At(200), kTints[mode]) << mode;
 }
 
 TEST(SplitChannels, AlphaComesFromTheSecondPicture) {
     const LockedDib picture = RandomPicture(4, 3, kModeTrueColor, 1), alpha = RandomPicture(4, 3, kModeGrey, 2);
-    EXPECT_EQ(PixelsOf(Split(picture, 10, 90, false, alpha)), PixelsOf(alpha));
+    EXPECT_EQ(PixelsOf(Split(picture, 10, 90, false, alpha.owner.handle)), PixelsOf(alpha));
     const BlockOwner broken(BlockAlloc(3));
-    EXPECT_FALSE(Split(picture, 0, 90, false, broken));
+    EXPECT_FALSE(Split(picture, 0, 90, false, broken.handle));
 }
 
 TEST(AddAlpha, TakesAUniformMaskOrTheClipboards) {
     const LockedDib picture = RandomPicture(3, 2, kModeTrueColor, 1);
     FilterContext context = ContextWith({{&P::FilterAddAlphaOpacity, 90}});
-    EXPECT_TRUE(SamePicture(RunKernel("Add Alpha", picture, &context).handle, picture));
-    EXPECT_EQ(PixelsOf(context.secondResult), Pixels(6, 90));
-    EXPECT_EQ(DibClassify(context.secondResult), kModeGrey);
+    EXPECT_TRUE(SamePicture(RunKernel("Add Alpha", picture, context), picture));
+    const LockedDib uniform = TakeSecond(context);
+    EXPECT_EQ(PixelsOf(uniform), Pixels(6, 90));
+    EXPECT_EQ(DibClassify(uniform), kModeGrey);
 
     const LockedDib mask = MakePicture(1, 2, 24, {0xFFFFFF, 0x000000});
-    PutOnClipboard(mask);
-    EXPECT_TRUE(RunKernel("Add Alpha", picture, &context));
-    EXPECT_EQ(PixelsOf(context.secondResult), (Pixels{255, 0})) << "the mask keeps its own size";
+    PutOnClipboard(mask.owner.handle);
+    EXPECT_TRUE(RunKernel("Add Alpha", picture, context));
+    EXPECT_EQ(PixelsOf(TakeSecond(context)), (Pixels{255, 0})) << "the mask keeps its own size";
     context.FilterAddAlphaUseCBD = 0;
-    EXPECT_TRUE(RunKernel("Add Alpha", picture, &context));
-    EXPECT_EQ(PixelsOf(context.secondResult), Pixels(6, 90));
+    EXPECT_TRUE(RunKernel("Add Alpha", picture, context));
+    EXPECT_EQ(PixelsOf(TakeSecond(context)), Pixels(6, 90));
     PutOnClipboard(nullptr);
-    BlockFree(context.secondResult);
 }
 
 TEST(RemoveAlpha, LaysThePictureOverThePaper) {
     const LockedDib picture = MakePicture(3, 1, 24, {0xC80A64, 0xC80A64, 0xC80A64});
-    const LockedDib alpha = MakePicture(2, 1, 8, {128, 0});
-    FilterContext context = MakeContext();
-    context.second = alpha;
-    context.secondResult = DibClone(alpha);
-    // 128 * 200 / 255 + 127 = 227, 128 * 10 / 255 + 127 = 132, 128 * 100 / 255 + 127 = 177; no mask is opaque.
-    EXPECT_EQ(PixelsOf(RunKernel("Remove Alpha", picture, &context).handle), (Pixels{0xE384B1, 0xFFFFFF, 0xC80A64}));
-    EXPECT_EQ(context.secondResult, nullptr);
-    context.second = nullptr;
-    EXPECT_FALSE(RunKernel("Remove Alpha", picture, &context));
+    const LockedDib deep = MakePicture(3, 1, 32, {0x80C80A64, 0xC80A64, 0xC80A64});
+    const LockedDib alpha = MakePicture(2, 1, 8, {128, 0}), deepAlpha = MakePicture(2, 1, 24, {0x998880, 0x99FF00});
+    for (const ReadView &source : {ReadView(picture), ReadView(deep)}) {
+        for (DibHandle mask : {alpha.owner.handle, deepAlpha.owner.handle}) {
+            FilterContext context = MakeContext();
+            context.second = mask;
+            context.secondResult = DibClone(alpha);
+            // 128 * 200 / 255 + 127 = 227, 128 * 10 / 255 + 127 = 132, 128 * 100 / 255 + 127 = 177; no mask is opaque.
+            EXPECT_EQ(PixelsOf(RunKernel("Remove Alpha", source, context)), (Pixels{0xE384B1, 0xFFFFFF, 0xC80A64}));
+            EXPECT_EQ(context.secondResult, nullptr);
+        }
+    }
+    EXPECT_FALSE(RunKernel("Remove Alpha", picture));
 
-    const LockedDib wide = RandomPicture(37, 3, kModeTrueColor, 4), mask = RandomPicture(37, 3, kModeGrey, 5);
-    context.second = mask;
+    const LockedDib wide = RandomPicture(37, 3, kModeTrueColor, 4), mask = RandomPicture(37, 2, kModeGrey, 5);
+    FilterContext context = MakeContext();
+    context.second = mask.owner.handle;
     context.paperColor = 0x20C0F0;
-    const ReadView from = wide, alphas = mask;
-    ExpectPixels(RunKernel("Remove Alpha", wide, &context), [&](int32_t x, int32_t y) {
-        return MixBytes(context.paperColor, DibGetPixel(from, x, y), DibGetPixel(alphas, x, y));
+    ExpectPixels(RunKernel("Remove Alpha", wide, context), [&](int32_t x, int32_t y) {
+        return MixBytes(context.paperColor, DibGetPixel(wide, x, y), DibGetPixel(mask, x, y) & 255);
     });
 }
 

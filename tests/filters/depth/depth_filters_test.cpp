@@ -7,14 +7,14 @@ TEST(ConvertTo256Colors, TakesTheLeastDepthForTheColors) {
     struct Case {
         uint32_t colors, bits;
     };
-    for (const Case &item : {Case{1, 1}, Case{2, 1}, Case{3, 4}, Case{16, 4}, Case{17, 8}, Case{200, 8}}) {
+    for (const Case &item :
+         {Case{1, 1}, Case{2, 1}, Case{3, 4}, Case{16, 4}, Case{17, 8}, Case{200, 8}, Case{255, 8}}) {
         Pixels pixels;
         for (uint32_t i = 0; i < item.colors; i++) pixels.push_back(i * 0x010201);
         const LockedDib picture = MakePicture(static_cast<int32_t>(item.colors), 1, 24, pixels);
         const LockedDib result = RunKernel("Convert to 256 Colors", picture, {{&P::FilterConvertTo256Dither, 0}});
-        const ReadView lock = result;
-        ASSERT_TRUE(lock);
-        EXPECT_EQ(lock.bits, item.bits) << item.colors;
+        ASSERT_TRUE(result);
+        EXPECT_EQ(result.View().bits, item.bits) << item.colors;
         if (item.colors < 3) continue;
         ExpectPixels(result, [](int32_t x, int32_t) { return static_cast<uint32_t>(x); });
     }
@@ -27,16 +27,40 @@ TEST(ConvertTo256Colors, TwoColorsFromALightCornerChangePlaces) {
     EXPECT_TRUE(PaletteOf(result).At(0) == 0xFFFFFF && PaletteOf(result).At(1) == 0);
 }
 
+TEST(ConvertTo256Colors, DithersIndexedPicturesByTheirColors) {
+    const LockedDib picture = RandomPicture(21, 13, kModePalette, 3), rgb = RunKernel("Convert to RGB", picture);
+    EXPECT_TRUE(SamePicture(RunKernel("Convert to 256 Colors", picture), RunKernel("Convert to 256 Colors", rgb)));
+    const LockedDib color = RandomPicture(21, 13, kModeTrueColor, 3);
+    EXPECT_FALSE(SamePicture(RunKernel("Convert to 256 Colors", color),
+                             RunKernel("Convert to 256 Colors", color, {{&P::FilterConvertTo256Dither, 0}})));
+}
+
+TEST(ConvertToMono, DitheringFollowsTheGeneralSettingsOfBothFilters) {
+    Pixels pixels(40, 0x404040);
+    for (size_t i = 0; i < pixels.size(); i += 3) pixels[i] = 0xB0B0B0;
+    const LockedDib picture = MakePicture(8, 5, 24, pixels);
+    for (const MonoTone &tone : {MonoTone{25, 25}, MonoTone{90, 10}}) {
+        FilterContext context = MakeContext();
+        if (tone.brightness != context.ditherBrightness)
+            context.ditherBrightness = tone.brightness, context.ditherContrast = tone.contrast;
+        const LockedDib expected(ErrorDiffuse(picture, kBlackAndWhite, 1, tone));
+        EXPECT_TRUE(SamePicture(RunKernel("Convert to Mono", picture, context), expected));
+        EXPECT_EQ(PixelsOf(RunKernel("Convert to 256 Colors", picture, context)), PixelsOf(expected));
+    }
+    EXPECT_EQ(PixelsOf(RunKernel("Convert to Mono", MakePicture(3, 1, 8, {127, 128, 129}),
+                                 {{&P::FilterConvertToMonoDither, 0}})),
+              (Pixels{0, 0, 1}));
+}
+
 TEST(ConvertToMono, DropsTheSecondPictureOnSuccessAlone) {
     for (int32_t dither : {0, 1}) {
         FilterContext context = MakeContext();
         context.FilterConvertToMonoDither = dither;
         context.secondResult = MakePicture(2, 2, 8).Release();
         const DibHandle second = context.secondResult;
-        EXPECT_FALSE(RunKernel("Convert to Mono", RandomPicture(2, 2, kModeMono, 1).handle, &context));
+        EXPECT_FALSE(RunKernel("Convert to Mono", RandomPicture(2, 2, kModeMono, 1), context));
         EXPECT_EQ(context.secondResult, second);
-        LockedDib result = RunKernel("Convert to Mono", RandomPicture(2, 2, kModeGrey, 1).handle, &context);
-        EXPECT_EQ(DibClassify(result), kModeMono);
+        EXPECT_TRUE(RunKernel("Convert to Mono", RandomPicture(2, 2, kModeGrey, 1), context));
         EXPECT_EQ(context.secondResult, nullptr);
     }
 }

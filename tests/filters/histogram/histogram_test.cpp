@@ -5,25 +5,21 @@
 namespace lmf::testing {
 
 TEST(Equalize, PushesTonesAwayFromTheTwoLevels) {
-    struct Case {
-        int32_t shadow, highlight;
-        Pixels before, after;
-    };
-    const Case cases[] = {
-        // (128 - 100) / 2 = 14 down; (201 - 128) / 2 = 36 up, clipped at 255; 128 itself stays.
-        {128, 128, {0x640A05, 0xC9C8C8, 0x808080}, {0x560000, 0xEDECEC, 0x808080}},
-        // A highlight below the shadow counts as one below it: 199 rises by 0, 200 by 0, 201 by 1.
-        {200, 100, {0xC7C7C7, 0xC8C8C8, 0xC90000}, {0xC7C7C7, 0xC8C8C8, 0xCA0101}},
-        {0, 255, {0x000000, 0xFFFFFF, 0x123456}, {0x000000, 0xFFFFFF, 0x123456}},
-    };
-    for (const Case &each : cases) {
-        const LockedDib picture = MakePicture(3, 1, 24, each.before);
-        const std::vector<Setting> settings = {{&P::FilterEqualizeShadow, each.shadow},
-                                               {&P::FilterEqualizeHightlight, each.highlight}};
-        EXPECT_EQ(PixelsOf(RunKernel("Equalize", picture, settings)), each.after) << each.shadow;
-    }
-    const LockedDib grey = MakePicture(4, 1, 8, {0, 100, 129, 255});
-    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey)), (Pixels{0, 86, 129, 255}));
+    // (128 - 100) / 2 = 14 down; (201 - 128) / 2 = 36 up, clipped at 255; 128 itself stays.
+    const LockedDib colors = MakePicture(3, 1, 24, {0x640A05, 0xC9C8C8, 0x808080});
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", colors)), (Pixels{0x560000, 0xEDECEC, 0x808080}));
+    const LockedDib grey = MakePicture(4, 1, 8, {0, 100, 131, 255}), few = MakePicture(4, 1, 4, {0, 7, 14, 15});
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", grey)), (Pixels{0, 86, 132, 255}));
+    EXPECT_EQ(PixelsOf(RunKernel("Equalize", few, {{&P::FilterEqualizeShadow, 10}})), (Pixels{0, 6, 14, 15}));
+    ExpectDefinition("Equalize", {{Kind::Color, Kind::Alpha, Kind::Grey}},
+                     ByPixel([](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+                         const Color color = DibGetPixel(from, x, y);
+                         const int32_t r = RedOf(color), g = GreenOf(color), b = BlueOf(color), m = std::max({r, g, b});
+                         const int32_t S = context.FilterEqualizeShadow;
+                         const int32_t H = std::max(context.FilterEqualizeHightlight, S - 1);
+                         const int32_t d = m < S ? -((S - m) >> 1) : m > H ? (m - H) >> 1 : 0;
+                         return PackColor(ClampByte(r + d), ClampByte(g + d), ClampByte(b + d));
+                     }));
 }
 
 TEST(Normalize, StretchesBetweenTheOutermostPercents) {
@@ -41,6 +37,27 @@ TEST(Normalize, StretchesBetweenTheOutermostPercents) {
     EXPECT_EQ(result[199], 0xFEFEFEu);
 }
 
+TEST(Normalize, FollowsItsHistogram) {
+    ExpectDefinition("Normalize", {{Kind::Color, Kind::Alpha}},
+                     [](const ReadView &source, const FilterContext &context) {
+                         int32_t counts[256] = {}, low = 0, high = 255;
+                         const Pixels pixels = PixelsOf(source);
+                         for (Color pixel : pixels) counts[WeightedGrey(pixel)]++;
+                         for (size_t cut : {pixels.size() / 100, size_t{0}}) {
+                             const auto most = static_cast<int32_t>(cut);
+                             low = 0, high = 255;
+                             for (int32_t sum = counts[0]; sum <= most && low < 255;) sum += counts[++low];
+                             for (int32_t sum = counts[255]; sum <= most && high > 0;) sum += counts[--high];
+                             if (low != high) break;
+                         }
+                         return ByChannel([=](auto read, const FilterContext &, int32_t x, int32_t y) {
+                             const int32_t level = read(x, y);
+                             if (level < low || level > high) return level < low ? 0 : 255;
+                             return low == high ? level : 254 * (level - low) / (high - low);
+                         })(source, context);
+                     });
+}
+
 TEST(Normalize, OneGreyLevelStays) {
     for (uint32_t level : {0u, 77u, 255u}) {
         const LockedDib flat = MakePicture(4, 3, 24, Pixels(12, level * 0x010101));
@@ -50,8 +67,10 @@ TEST(Normalize, OneGreyLevelStays) {
     }
 }
 
+namespace {
+
 /// The first of the brightest pixels, or the paper, becomes white.
-static LockedDib SlowWhiteBalance(const ReadView &source, const FilterContext &context) {
+LockedDib SlowWhiteBalance(const ReadView &source, const FilterContext &context) {
     Color reference = 0;
     for (Color pixel : PixelsOf(source))
         if (WeightedGrey(pixel) > WeightedGrey(reference)) reference = pixel;
@@ -66,6 +85,8 @@ static LockedDib SlowWhiteBalance(const ReadView &source, const FilterContext &c
     })(source, context);
 }
 
+} // namespace
+
 TEST(WhiteBalance, TheReferenceBecomesWhite) {
     ExpectDefinition("White Balance", {}, SlowWhiteBalance);
     // The greys are 128, 198 and 198: the first of the two brightest counts.
@@ -74,37 +95,59 @@ TEST(WhiteBalance, TheReferenceBecomesWhite) {
     EXPECT_EQ(PixelsOf(RunKernel("White Balance", black)), Pixels(4, 0xFFFFFF));
 }
 
-/// Photo Fine-tune with one step switched on.
-static Pixels FineTune(const Pixels &pixels, NumberField enable, NumberField value, int32_t amount) {
-    const LockedDib picture = MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels);
-    return PixelsOf(RunKernel("Photo Fine-tune", picture, {{enable, 1}, {value, amount}}));
-}
-
 TEST(PhotoFineTune, NothingOnGivesACopy) {
     const LockedDib picture = RandomPicture(9, 9, kModeTrueColor, 3);
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture), picture));
     std::vector<Setting> steps;
-    for (NumberField enable :
-         {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
-          &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjEnableShadow})
+    for (NumberField enable : {&P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjEnableTint, &P::FilterPhotoAdjEnableSat,
+                               &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjEnableBright})
         steps.push_back({enable, 1});
     EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", picture, steps), picture)) << "neutral values are no steps";
 }
 
-TEST(PhotoFineTune, StepsFollowTheirRules) {
-    // Tone 201 has the weight sin(372.66 degrees): 78 levels, of which red has room for 45. Tone 137 moves by 1.
-    EXPECT_EQ(FineTune({0x404040, 0xC0C8D2, 0xFFFFFF, 0x8080A0}, &P::FilterPhotoAdjEnableHighlight,
-                       &P::FilterPhotoAdjHighlight, 200),
-              (Pixels{0x404040, 0xEDF5FF, 0xFFFFFF, 0x8181A1}));
-    EXPECT_EQ(FineTune({0x000000, 0x101010}, &P::FilterPhotoAdjEnableShadow, &P::FilterPhotoAdjShadow, 200),
-              (Pixels{0x808080, 0x8C8C8C}));
-    EXPECT_EQ(FineTune({0x000000, 0xFF0A80}, &P::FilterPhotoAdjEnableBright, &P::FilterPhotoAdjBright, 137),
-              (Pixels{0x0A0A0A, 0xFF148A}));
-    EXPECT_EQ(FineTune({0x000000, 0x808080, 0xFFFFFF}, &P::FilterPhotoAdjEnableCont, &P::FilterPhotoAdjCont, 127),
-              (Pixels{0x000000, 0x808080, 0xFFFFFF}));
-    // Grey has no hue: warming it by 100 moves red to 228 and blue to 28, then the lightness comes back to 128.
-    EXPECT_EQ(FineTune({0x808080}, &P::FilterPhotoAdjEnableTemp, &P::FilterPhotoAdjTemp, 1000), (Pixels{0x1B80E4}));
-    EXPECT_EQ(FineTune({0x3264C8}, &P::FilterPhotoAdjEnableSat, &P::FilterPhotoAdjSat, 0), (Pixels{0xC8C8C8}));
+TEST(PhotoFineTune, StepsFollowTheirRulesAndTheirOrder) {
+    const Setting steps[][2] = {
+        {{&P::FilterPhotoAdjEnableTemp, 1}, {&P::FilterPhotoAdjTemp, 3100}},
+        {{&P::FilterPhotoAdjEnableTemp, 1}, {&P::FilterPhotoAdjTemp, 9000}},
+        {{&P::FilterPhotoAdjEnableTint, 1}, {&P::FilterPhotoAdjTint, 71}},
+        {{&P::FilterPhotoAdjEnableSat, 1}, {&P::FilterPhotoAdjSat, 140}},
+        {{&P::FilterPhotoAdjEnableCont, 1}, {&P::FilterPhotoAdjCont, 170}},
+        {{&P::FilterPhotoAdjEnableBright, 1}, {&P::FilterPhotoAdjBright, 100}},
+        {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 40}},
+        {{&P::FilterPhotoAdjEnableHighlight, 1}, {&P::FilterPhotoAdjHighlight, 200}},
+        {{&P::FilterPhotoAdjEnableShadow, 1}, {&P::FilterPhotoAdjShadow, 160}},
+        {{&P::FilterPhotoAdjEnableShadow, 1}, {&P::FilterPhotoAdjShadow, 0}},
+        {{&P::FilterPhotoAdjEnableMidtone, 1}, {&P::FilterPhotoAdjMidtone, 20}},
+        {{&P::FilterPhotoAdjEnableMidtone, 1}, {&P::FilterPhotoAdjMidtone, 150}},
+    };
+    // What another program made of the same rules: the tones, then the result of each step.
+    static constexpr Color kTones[][7] = {
+        {0x050A14, 0x414650, 0x5F646E, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x000319, 0x11447F, 0x2F629D, 0x6294CF, 0x8ABCF7, 0x0260F7, 0xEBFDFF},
+        {0x190200, 0x913E00, 0xC36609, 0xF4983C, 0xFFCA82, 0x966363, 0xFFFEEB},
+        {0x060019, 0x4D315F, 0x6B507C, 0x9C87A9, 0xC4B0D0, 0x3145C8, 0xFAEFF8},
+        {0x000614, 0x3B4250, 0x59606E, 0x8B92A0, 0xB3BAC8, 0x0042C8, 0xF3FAEC},
+        {0x000000, 0x363E4D, 0x646B7A, 0xAFB6C5, 0xEBF3FF, 0x206BFF, 0xFFFFFF},
+        {0x000000, 0x262B35, 0x444953, 0x767B85, 0x9EA3AD, 0x1749AD, 0xDADFD5},
+        {0x050A14, 0x414650, 0x5F646E, 0x8C919B, 0x9499A3, 0x3264C8, 0xAAAFA5},
+        {0x050A14, 0x414650, 0x5F646E, 0x9A9FA9, 0xF0F5FF, 0x3264C8, 0xFAFFF5},
+        {0x50555F, 0x5F646E, 0x676C76, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x00050F, 0x0E131D, 0x525761, 0x9196A0, 0xB9BEC8, 0x3264C8, 0xF5FAF0},
+        {0x050A14, 0x3E434D, 0x20252F, 0x484D57, 0xB9BEC8, 0x003296, 0xF5FAF0},
+        {0x050A14, 0x434852, 0x868B95, 0xBEC3CD, 0xB9BEC8, 0x699BFF, 0xF5FAF0},
+    };
+    const LockedDib tones = MakePicture(7, 1, 24, Pixels(kTones[0], kTones[0] + 7));
+    const LockedDib source = RandomPicture(17, 9, kModeTrueColor, 6);
+    std::vector<Setting> all = {{&P::FilterPhotoAdjNormalize, 1}, {&P::FilterPhotoAdjWhitebal, 1}};
+    LockedDib expected = RunKernel("White Balance", RunKernel("Normalize", source));
+    for (size_t i = 0; i < std::size(steps); i++) {
+        const std::vector<Setting> step(steps[i], steps[i] + 2);
+        EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", tones, step)), Pixels(kTones[i + 1], kTones[i + 1] + 7)) << i;
+        if (i > 0 && step[0].field == steps[i - 1][0].field) continue;
+        expected = RunKernel("Photo Fine-tune", expected, step);
+        all.insert(all.end(), steps[i], steps[i] + 2);
+    }
+    EXPECT_TRUE(SamePicture(RunKernel("Photo Fine-tune", source, all), expected));
 }
 
 TEST(PhotoFineTune, TonesOutsideTheBandKeepTheirAlpha) {
@@ -114,13 +157,12 @@ TEST(PhotoFineTune, TonesOutsideTheBandKeepTheirAlpha) {
               (Pixels{0x80404040, 0xEDF5FF}));
 }
 
-TEST(PhotoFineTune, WhiteBalanceLeavesTheFiltersOwnSettingAlone) {
+TEST(PhotoFineTune, WhiteBalanceTakesThePictureWhateverThatFilterIsSetTo) {
     FilterContext context = MakeContext();
     context.FilterPhotoAdjWhitebal = context.FilterWhiteBalancePaper = 1;
     context.paperColor = 0x000000;
     const LockedDib picture = MakePicture(1, 1, 24, {0xC8C8C8});
-    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture, &context)), (Pixels{0xFFFFFF}));
-    EXPECT_EQ(context.FilterWhiteBalancePaper, 1);
+    EXPECT_EQ(PixelsOf(RunKernel("Photo Fine-tune", picture, context)), (Pixels{0xFFFFFF}));
 }
 
 } // namespace lmf::testing

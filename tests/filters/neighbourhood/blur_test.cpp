@@ -2,68 +2,85 @@
 #include <cmath>
 
 #include "image/blur/gaussian.h"
+#include "image/blur/pixel_mean.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
 
-static const std::vector<Kind> kKinds = {Kind::Color, Kind::Alpha};
+namespace {
 
-static uint32_t ChannelOf(uint32_t pixel, int32_t channel) {
+const std::vector<Kind> kKinds = {Kind::Color, Kind::Alpha};
+
+uint32_t ChannelOf(uint32_t pixel, int32_t channel) {
     return pixel >> (8 * channel) & 255;
 }
 
-/// One pass of the Gaussian blur along rows or columns.
-static LockedDib GaussianPass(const ReadView &source, const std::vector<double> &kernel, bool vertical) {
-    const ReadView from = source;
-    const int32_t width = static_cast<int32_t>(kernel.size()), half = width / 2;
-    const int32_t count = vertical ? from.height : from.width;
-    return PictureLike(source, [&](int32_t x, int32_t y) {
-        const int32_t at = vertical ? y : x;
-        uint32_t pixel = 0;
-        for (int32_t c = 0; c < (from.bits == 24 ? 3 : 1); c++) {
-            double sum = 0.0, used = 0.0;
-            for (int32_t k = 0; k < width; k++) {
-                const int32_t tap = at - half + k;
-                if (tap < 0 || tap >= count) continue;
-                sum += kernel[static_cast<size_t>(k)] *
-                       ChannelOf(DibGetPixel(from, vertical ? x : tap, vertical ? tap : y), c);
-                used += kernel[static_cast<size_t>(k)];
-            }
-            const bool end = at < half || at >= count - half;
-            pixel |= static_cast<uint32_t>(end ? (sum + 0.5) / used : sum + 0.5) << (8 * c);
-        }
-        return pixel;
-    });
-}
-
-static LockedDib SlowGaussian(const ReadView &source, const FilterContext &context) {
-    if (context.mode == kModePalette || context.mode == kModeMono) return LockedDib(DibClone(source));
-    const ReadView lock = source;
-    const double nominal = 2 * std::ceil(context.FilterGaussianRadius / 10.0) + 1.0;
-    BlurKernel kernel;
-    const int32_t width =
-        BuildGaussianKernel(std::min(std::min(lock.width, lock.height), static_cast<int32_t>(nominal)),
-                            context.FilterGaussianSigma / 10.0, &kernel);
-    const std::vector<double> weights(kernel->data, kernel->data + width);
-    return GaussianPass(GaussianPass(source, weights, false).handle, weights, true);
-}
-
-TEST(GaussianBlur, AgreesWithTheSlowForm) {
-    ExpectDefinition("Gaussian Blur", {{Kind::Color, Kind::Grey, Kind::Palette, Kind::Mono}}, SlowGaussian);
-}
-
-TEST(GaussianBlur, DirectCallsChooseBytesByDepth) {
-    for (ImageMode mode : {kModeTrueColor, kModeGrey}) {
-        const LockedDib picture = RandomPicture(40, 31, mode, 4), direct(GaussianBlurDirect(picture, 70, 23));
-        EXPECT_TRUE(SamePicture(direct, RunKernel("Gaussian Blur", picture,
-                                                  {{&P::FilterGaussianRadius, 70}, {&P::FilterGaussianSigma, 23}})));
+/// A bell curve sampled three times a weight from `first` on, with the sum 1.
+std::vector<double> BellWeights(int32_t width, int32_t first, double sigma) {
+    std::vector<double> weights;
+    double sum = 0.0;
+    for (int32_t k = 0; k < width; k++) {
+        double weight = 0.0;
+        for (int32_t i = first + k * 3; i < first + k * 3 + 3; i++)
+            weight += std::exp(-(i * i) / (sigma * 18.0 * sigma));
+        weights.push_back(weight);
+        sum += weight;
     }
+    for (double &weight : weights) weight /= sum;
+    return weights;
 }
 
-static uint32_t SlowMotion(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
-    BlurKernel kernel;
-    const int32_t taps =
-        BuildHalfGaussianKernel(2 * context.FilterMotionBlurRadius + 1, context.FilterMotionBlurSigma, &kernel);
+/// A line blurred byte by byte; neighbours are `channels` bytes apart.
+std::vector<uint8_t> SlowLine(const std::vector<uint8_t> &line, const std::vector<double> &weights, int32_t channels) {
+    const auto width = static_cast<int32_t>(weights.size()), half = width / 2;
+    const auto count = static_cast<int32_t>(line.size()) / channels;
+    std::vector<uint8_t> blurred;
+    for (int32_t i = 0; i < count * channels; i++) {
+        const int32_t at = i / channels;
+        double sum = 0.0, used = 0.0;
+        for (int32_t k = 0; k < width; k++) {
+            const int32_t tap = at - half + k;
+            if (tap < 0 || tap >= count) continue;
+            sum += weights[static_cast<size_t>(k)] * line[static_cast<size_t>(tap * channels + i % channels)];
+            used += weights[static_cast<size_t>(k)];
+        }
+        const bool end = at < half || at >= count - half;
+        blurred.push_back(static_cast<uint8_t>(end ? (sum + 0.5) / used : sum + 0.5));
+    }
+    return blurred;
+}
+
+/// Rows as bytes, three a pixel at 32 bits as well, then columns as pixels.
+LockedDib SlowGaussian(const ReadView &source, const FilterContext &context) {
+    LockedDib result(DibClone(source));
+    if (context.mode == kModePalette || context.mode == kModeMono) return result;
+    const WriteView &to = result.View();
+    const int32_t channels = to.bits == 8 ? 1 : 3;
+    const int32_t nominal = static_cast<int32_t>(2 * std::ceil(context.FilterGaussianRadius / 10.0)) + 1;
+    const int32_t width = std::min({to.width, to.height, nominal});
+    const std::vector<double> weights = BellWeights(width, -(3 * width / 2), context.FilterGaussianSigma / 10.0);
+    for (int32_t y = 0; y < to.height; y++) {
+        const std::vector<uint8_t> line(to.Row(y), to.Row(y) + to.width * channels);
+        const std::vector<uint8_t> blurred = SlowLine(line, weights, channels);
+        std::copy(blurred.begin(), blurred.end(), to.Row(y));
+    }
+    for (int32_t x = 0; x < to.width; x++) {
+        std::vector<uint8_t> line;
+        for (int32_t y = 0; y < to.height; y++)
+            for (int32_t c = 0; c < channels; c++)
+                line.push_back(static_cast<uint8_t>(ChannelOf(DibGetPixel(to, x, y), c)));
+        line = SlowLine(line, weights, channels);
+        for (int32_t y = 0; y < to.height; y++) {
+            const uint8_t *value = &line[static_cast<size_t>(y * channels)];
+            DibSetPixel(to, x, y, channels == 3 ? PackColor(value[0], value[1], value[2]) : value[0]);
+        }
+    }
+    return result;
+}
+
+uint32_t SlowMotion(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int32_t taps = 2 * context.FilterMotionBlurRadius + 1;
+    const std::vector<double> weights = BellWeights(taps, 0, context.FilterMotionBlurSigma);
     const double angle = context.FilterMotionBlurAngle * 3.141592653589793 / 180;
     const int ox = static_cast<int>(std::sin(angle) * taps), oy = static_cast<int>(std::cos(angle) * taps);
     const double length = std::sqrt(ox * ox + oy * oy);
@@ -72,32 +89,13 @@ static uint32_t SlowMotion(const ReadView &from, const FilterContext &context, i
         uint32_t pixel =
             DibGetPixel(from, x + static_cast<int32_t>(i * ox / length), y - static_cast<int32_t>(i * oy / length));
         if (pixel == kOutside) pixel = context.paperColor;
-        for (int32_t c = 0; c < 3; c++) sums[c] += (*kernel)[i] * ChannelOf(pixel, c);
+        for (int32_t c = 0; c < 3; c++) sums[c] += weights[static_cast<size_t>(i)] * ChannelOf(pixel, c);
     }
     return (DibGetPixel(from, x, y) & 0xFF000000) |
            PackColor(static_cast<uint32_t>(sums[0]), static_cast<uint32_t>(sums[1]), static_cast<uint32_t>(sums[2]));
 }
 
-TEST(MotionBlur, AgreesWithTheSlowForm) {
-    for (int32_t radius : {5, 17, 60})
-        ExpectDefinition("Motion Blur", {.kinds = kKinds, .fixed = {{&P::FilterMotionBlurRadius, radius}}, .rounds = 1},
-                         ByPixel(SlowMotion));
-}
-
-TEST(MotionBlur, WithoutARadiusTakesTheWidestKernelWhoseLastWeightCounts) {
-    BlurKernel kernel;
-    int32_t radius = 1;
-    const auto lastWeight = [&](int32_t width) {
-        return (void)BuildHalfGaussianKernel(width, MakeContext().FilterMotionBlurSigma, &kernel), (*kernel)[width - 1];
-    };
-    while (lastWeight(2 * radius + 3) * 255.0 >= 1.0) radius++;
-    ASSERT_GT(radius, 10);
-    const LockedDib picture = RandomPicture(90, 90, kModeTrueColor, 3);
-    EXPECT_TRUE(SamePicture(RunKernel("Motion Blur", picture, {{&P::FilterMotionBlurRadius, 0}}),
-                            RunKernel("Motion Blur", picture, {{&P::FilterMotionBlurRadius, radius}})));
-}
-
-static uint32_t MeanOf(const Pixels &pixels) {
+uint32_t MeanOf(const Pixels &pixels) {
     uint32_t sums[3] = {};
     for (uint32_t pixel : pixels) {
         for (int32_t c = 0; c < 3; c++) sums[c] += ChannelOf(pixel, c);
@@ -106,7 +104,7 @@ static uint32_t MeanOf(const Pixels &pixels) {
     return PackColor(sums[0] / count, sums[1] / count, sums[2] / count);
 }
 
-static uint32_t SlowZoom(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+uint32_t SlowZoom(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
     const int width = from.width, height = from.height, cx = width / 2, cy = height / 2;
     const auto step = static_cast<float>(context.FilterZoomBlurDisp / 100.0);
     Pixels pixels{DibGetPixel(from, x, y)};
@@ -121,14 +119,10 @@ static uint32_t SlowZoom(const ReadView &from, const FilterContext &context, int
     return MeanOf(pixels);
 }
 
-TEST(ZoomBlur, AgreesWithTheSlowForm) {
-    ExpectDefinition("Zoom Blur", {kKinds}, ByPixel(SlowZoom));
-}
-
 /// Reads the result as it changes.
-static LockedDib SlowRadial(const ReadView &source, const FilterContext &context) {
+LockedDib SlowRadial(const ReadView &source, const FilterContext &context) {
     LockedDib result(DibClone(source));
-    const ReadView to = result;
+    const WriteView &to = result.View();
     const double a = context.FilterRadialBlurAngle * 3.141592653589793 / 180;
     const double cx = to.width * 0.5, cy = to.height * 0.5, r = std::sqrt(cx * cx + cy * cy);
     const int n = static_cast<int>(std::abs(std::sqrt(r) * (a * 4.0) + 2.0));
@@ -146,12 +140,47 @@ static LockedDib SlowRadial(const ReadView &source, const FilterContext &context
         }
         DibSetPixel(to, x, y, MeanOf(pixels));
     });
-    to.Unlock();
     return result;
+}
+
+} // namespace
+
+TEST(GaussianBlur, AgreesWithTheSlowForm) {
+    ExpectDefinition("Gaussian Blur", {{Kind::Color, Kind::Alpha, Kind::Grey, Kind::Palette, Kind::Mono}},
+                     SlowGaussian);
+    // More taps than are fetched at once, on lines of several parts.
+    const Trials wide = {.kinds = {Kind::Color, Kind::Grey},
+                         .fixed = {{&P::FilterGaussianRadius, 700}, {&P::FilterGaussianSigma, 100}},
+                         .sizes = {{900, 150}},
+                         .rounds = 1};
+    ExpectDefinition("Gaussian Blur", wide, SlowGaussian);
+}
+
+TEST(MotionBlur, AgreesWithTheSlowForm) {
+    for (int32_t radius : {5, 17, 60})
+        ExpectDefinition("Motion Blur", {.kinds = kKinds, .fixed = {{&P::FilterMotionBlurRadius, radius}}, .rounds = 1},
+                         ByPixel(SlowMotion));
+}
+
+TEST(ZoomBlur, AgreesWithTheSlowForm) {
+    ExpectDefinition("Zoom Blur", {kKinds}, ByPixel(SlowZoom));
 }
 
 TEST(RadialBlur, AgreesWithTheSlowForm) {
     ExpectDefinition("Radial Blur", {kKinds}, SlowRadial);
+}
+
+TEST(PixelMean, TruncatesForAnyNumberOfPixels) {
+    const uint8_t bytes[] = {0, 255, 1, 254, 255, 0, 255}; // a byte before the two pixels
+    for (int32_t count : {1, 2, 3, 255, 256, 257, 1000}) {
+        uint8_t mean[3];
+        // One in seven is the second pixel.
+        WriteMean(mean, count, [&](int32_t i) { return bytes + 1 + (i % 7 == 6 ? 3 : 0); });
+        const int32_t second = count / 7, first = count - second;
+        EXPECT_EQ(mean[0], 255);
+        EXPECT_EQ(mean[1], first / count);
+        EXPECT_EQ(mean[2], (254 * first + 255 * second) / count);
+    }
 }
 
 } // namespace lmf::testing

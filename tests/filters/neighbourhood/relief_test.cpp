@@ -3,21 +3,23 @@
 #include <functional>
 
 #include "image/blur/gaussian.h"
+#include "image/scale/resample.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
 
-static uint32_t RoundAndLimit(double value) {
+namespace {
+
+uint32_t RoundAndLimit(double value) {
     return value < 0 ? 0 : value > 255 ? 255 : static_cast<uint32_t>(value + 0.5);
 }
 
 /// The square convolution with wrapped edges of the page of Emboss; `weight(u, v, bell, total)` with v counted upward,
 /// as rows lie in memory.
-static Definition OnTorus(std::function<double(int32_t, int32_t, double, double)> weight) {
+Definition OnTorus(std::function<double(int32_t, int32_t, double, double)> weight) {
     return [=](const ReadView &source, const FilterContext &context) {
         const int32_t order = context.FilterEmbossWidth | 1, half = order / 2;
-        int32_t width = 0, height = 0;
-        DibInfo(source, &width, &height, nullptr, nullptr);
+        const int32_t width = source.width, height = source.height;
         if (width < order || height < order) return LockedDib();
         const double sigma = context.FilterEmbossSigma / 10.0;
         const auto bell = [=](int32_t i) {
@@ -41,8 +43,49 @@ static Definition OnTorus(std::function<double(int32_t, int32_t, double, double)
     };
 }
 
+/// Brightness at a column of a row in memory. Beside the row a 24-bit picture has the three bytes that lie there in its
+/// pixel rows; everything else counts as 0.
+int32_t HeightAt(const ReadView &view, int32_t memoryRow, int32_t column) {
+    int32_t bytes[3] = {};
+    if (view.bits == 24) {
+        const int64_t place = memoryRow * view.stride + column * 3;
+        for (int32_t c = 0; c < 3; c++)
+            if (place >= 0 && place + c < view.stride * view.height) bytes[c] = view.bottom[place + c];
+    } else if (column >= 0 && column < view.width) {
+        for (int32_t c = 0; c < 3; c++) bytes[c] = view.MemoryRow(memoryRow)[column * 4 + c];
+    }
+    return (bytes[2] * 9798 + bytes[1] * 19235 + bytes[0] * 3735) >> 15;
+}
+
+/// Light on the heights of the rows as they lie in memory.
+uint32_t Shaded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int32_t width = from.width, height = from.height;
+    if (height < 3) return DibGetPixel(from, x, y);
+    const double pi = 3.141592653589793;
+    const double a = context.FilterShadeAzimuth * pi / 180, e = context.FilterShadeElevation * pi / 180;
+    const double lx = 255 * std::cos(a) * std::cos(e), ly = 255 * std::sin(a) * std::cos(e), lz = 255 * std::sin(e);
+    const int32_t first = std::min(std::max(height - 2 - y, 0), height - 3);
+    const auto heightOf = [&](int32_t row, int32_t column) { return HeightAt(from, first + row, column); };
+    const int32_t l = x > 0 ? x - 1 : x + 1, p = x > 0 ? x + 1 : x - 1, q = x < width - 1 ? x + 1 : x - 1;
+    int32_t nx = 0;
+    for (int32_t j = 0; j < 3; j++) nx += heightOf(j, l) - heightOf(j, p);
+    const int32_t ny =
+        heightOf(2, q) + heightOf(2, x) + heightOf(2, l) - heightOf(0, q) - heightOf(0, x) - heightOf(0, l);
+    const double dist = ly * ny + lx * nx + lz * 510;
+    double shade = dist > 0 ? dist / std::sqrt(ny * ny + nx * nx + 260100.0) : 0;
+    if (nx == 0 && ny == 0) shade = lz;
+    uint32_t lit[3];
+    for (int32_t c = 0; c < 3; c++) {
+        const int32_t product = static_cast<int32_t>((DibGetPixel(from, x, height - 2 - first) >> 8 * c & 255) * shade);
+        lit[c] = static_cast<uint32_t>(context.FilterShadeLevel ? product / 255.0 : shade);
+    }
+    return PackColor(lit[0], lit[1], lit[2]);
+}
+
+} // namespace
+
 TEST(Relief, SharpenAndEmbossConvolveATorus) {
-    const Trials trials = {.kinds = {Kind::Color, Kind::Grey},
+    const Trials trials = {.kinds = {Kind::Color, Kind::Alpha, Kind::Grey},
                            .otherPage = "Emboss",
                            .sizes = {{4, 9}, {15, 15}, {31, 18}, {270, 16}},
                            .rounds = 4};
@@ -55,9 +98,10 @@ TEST(Relief, SharpenAndEmbossConvolveATorus) {
 }
 
 TEST(Relief, UnsharpMaskDrivesValuesFromTheBlurredOnes) {
-    const Trials trials = {.kinds = {Kind::Color, Kind::Grey}, .otherPage = "Gaussian Blur"};
-    ExpectDefinition("Unsharp Mask", trials, [](const ReadView &source, FilterContext context) {
-        const LockedDib blurred(GaussianBlurKernelRun(source, &context));
+    const Trials trials = {.kinds = {Kind::Color, Kind::Alpha, Kind::Grey}, .otherPage = "Gaussian Blur"};
+    ExpectDefinition("Unsharp Mask", trials, [](const ReadView &source, const FilterContext &context) {
+        const LockedDib blurred(
+            GaussianBlurKernelRun(source, context.mode, context.FilterGaussianRadius, context.FilterGaussianSigma));
         const ReadView soft = blurred;
         return ByPixel([&](const ReadView &from, const FilterContext &, int32_t x, int32_t y) {
             uint32_t pixel = 0;
@@ -83,7 +127,7 @@ TEST(Relief, BumpRepeatsThePixelsOwnRowAndColumnAtTheEdges) {
         }
         return std::clamp(sum, 0, 255);
     };
-    ExpectDefinition("Bump", {{Kind::Color, Kind::Grey}}, ByChannel(rule));
+    ExpectDefinition("Bump", {{Kind::Color, Kind::Alpha, Kind::Grey}}, ByChannel(rule));
 }
 
 TEST(Relief, EdgeEnhancementDividesByTheWeightsThatFallOnThePicture) {
@@ -104,48 +148,11 @@ TEST(Relief, EdgeTraceGrowsTheZeros) {
         return near && (context.FilterEdgeTraceFatten || DibGetPixel(from, x, y) != 0) ? 0u : 1u;
     };
     ExpectDefinition("Edge Trace and Fatten", {{Kind::Mono}}, ByPixel(rule));
-    EXPECT_FALSE(RunKernel("Edge Trace and Fatten", RandomPicture(4, 4, kModeGrey, 1).handle));
-}
-
-/// Brightness of three bytes at a place in the pixel rows; bytes outside them count as 0.
-static int32_t HeightAt(const ReadView &view, int64_t place) {
-    int32_t bytes[3];
-    for (int32_t c = 0; c < 3; c++) {
-        const bool inside = place + c >= 0 && place + c < view.stride * static_cast<int64_t>(view.height);
-        bytes[c] = inside && place >= 0 ? view.bottom[place + c] : 0;
-    }
-    return (bytes[2] * 9798 + bytes[1] * 19235 + bytes[0] * 3735) >> 15;
-}
-
-/// Light on the heights of the rows as they lie in memory.
-static uint32_t Shaded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
-    const int32_t width = from.width, height = from.height;
-    if (height < 3) return DibGetPixel(from, x, y);
-    const double pi = 3.141592653589793;
-    const double a = context.FilterShadeAzimuth * pi / 180, e = context.FilterShadeElevation * pi / 180;
-    const double lx = 255 * std::cos(a) * std::cos(e), ly = 255 * std::sin(a) * std::cos(e), lz = 255 * std::sin(e);
-    const int32_t first = std::min(std::max(height - 2 - y, 0), height - 3);
-    const auto heightOf = [&](int32_t row, int32_t column) {
-        return HeightAt(from, (first + row) * from.stride + column * 3);
-    };
-    const int32_t l = x > 0 ? x - 1 : x + 1, p = x > 0 ? x + 1 : x - 1, q = x < width - 1 ? x + 1 : x - 1;
-    int32_t nx = 0;
-    for (int32_t j = 0; j < 3; j++) nx += heightOf(j, l) - heightOf(j, p);
-    const int32_t ny =
-        heightOf(2, q) + heightOf(2, x) + heightOf(2, l) - heightOf(0, q) - heightOf(0, x) - heightOf(0, l);
-    const double dist = ly * ny + lx * nx + lz * 510;
-    double shade = dist > 0 ? dist / std::sqrt(ny * ny + nx * nx + 260100.0) : 0;
-    if (nx == 0 && ny == 0) shade = lz;
-    uint32_t lit[3];
-    for (int32_t c = 0; c < 3; c++) {
-        const int32_t product = static_cast<int32_t>(from.MemoryRow(first + 1)[x * 3 + 2 - c] * shade);
-        lit[c] = static_cast<uint32_t>(context.FilterShadeLevel ? product / 255.0 : shade);
-    }
-    return PackColor(lit[0], lit[1], lit[2]);
+    EXPECT_FALSE(RunKernel("Edge Trace and Fatten", RandomPicture(4, 4, kModeGrey, 1)));
 }
 
 TEST(Relief, ShadeLightsTheHeightsOfMemoryRows) {
-    ExpectDefinition("Shade", {}, ByPixel(Shaded));
+    ExpectDefinition("Shade", {{Kind::Color, Kind::Alpha}}, ByPixel(Shaded));
 }
 
 TEST(Relief, NeonDrawsTheGradient) {
@@ -159,11 +166,17 @@ TEST(Relief, NeonDrawsTheGradient) {
         }
         return std::min(static_cast<int32_t>(std::sqrt(a * a + b * b) / 1.8), 255);
     };
-    ExpectDefinition("Neon", {}, ByChannel(rule));
-    int32_t width = 0, height = 0;
-    const LockedDib large = RandomPicture(1000, 8, kModeTrueColor, 3);
-    ASSERT_TRUE(DibInfo(RunKernel("Neon", large).handle, &width, &height, nullptr, nullptr));
-    EXPECT_TRUE(width == 1000 && height == 8) << "drawn smaller and enlarged again";
+    ExpectDefinition("Neon", {{Kind::Color, Kind::Alpha}}, ByChannel(rule));
+    // Above 500 pixels across it is drawn on a smaller copy, of 50000 / 501 = 99 percent and so on, and enlarged.
+    const struct { int32_t width, height, percent; } kLarge[] = {{501, 9, 99}, {8, 700, 71}, {1000, 8, 50}};
+    for (const auto &[width, height, percent] : kLarge) {
+        const LockedDib large = RandomPicture(width, height, kModeTrueColor, 3);
+        const LockedDib reduced(DibScalePercent(large, percent, percent, kWindowAutomatic));
+        const LockedDib edges(RunKernel("Neon", reduced));
+        const LockedDib expected(DibScale(edges, width, height, kWindowAutomatic, 1.0));
+        EXPECT_TRUE(SamePicture(RunKernel("Neon", large), expected)) << width << 'x' << height;
+    }
+    ExpectDefinition("Neon", {.sizes = {{500, 3}}, .rounds = 1}, ByChannel(rule));
 }
 
 } // namespace lmf::testing

@@ -48,18 +48,17 @@ int32_t SlowSample(int32_t a, int32_t type) {
 /// Bytes in the order of the rows in memory, blue first.
 LockedDib SlowAddNoise(const ReadView &source, const FilterContext &context) {
     LockedDib result(DibClone(source));
-    const ReadView lock = result;
+    const WriteView &to = result.View();
     const int32_t a = context.FilterNoiseLevel, type = context.FilterNoiseType,
                   bytes = context.mode == kModeGrey ? 1 : 3;
-    ForEachPixel(lock, [&](int32_t x, int32_t y) {
-        uint8_t *pixel = lock.MemoryRow(y) + x * bytes;
+    ForEachPixel(to, [&](int32_t x, int32_t y) {
+        uint8_t *pixel = to.MemoryRow(y) + x * bytes;
         int32_t sample = SlowSample(a, type);
         for (int32_t i = 0; i < bytes; i++) {
             if (i > 0 && context.FilterNoiseColour != 0) sample = SlowSample(a, type);
             pixel[i] = static_cast<uint8_t>(std::clamp(pixel[i] + sample - a / 2, 0, 255));
         }
     });
-    lock.Unlock();
     return result;
 }
 
@@ -70,7 +69,7 @@ LockedDib SlowFilmGrain(const ReadView &source, const FilterContext &context) {
         return static_cast<uint32_t>((NextRandom() % (context.FilterFilmgrainStrength * 127 / 100) + 128) & 255) *
                0x010101;
     });
-    grain.Reset(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, 40));
+    grain = LockedDib(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, 40));
     const ReadView noise = grain;
     LockedDib plain = ByChannel([&](auto read, const FilterContext &, int32_t x, int32_t y) {
         return std::clamp(read(x, y) + RedOf(DibGetPixel(noise, x, y)) - 128, 0, 255);
@@ -92,7 +91,7 @@ TEST(AddNoise, AgreesWithOneSampleAtATime) {
                           .rounds = 2},
                          SlowAddNoise);
     }
-    EXPECT_EQ(PixelsOf(RunKernel("Add noise", RandomPicture(9, 9, kModePalette, 3).handle)), Pixels(81, 0));
+    EXPECT_EQ(PixelsOf(RunKernel("Add noise", RandomPicture(9, 9, kModePalette, 3))), Pixels(81, 0));
 }
 
 TEST(FilmGrain, AgreesWithOnePixelAtATime) {

@@ -2,6 +2,7 @@
 
 #include "engine/page.h"
 #include "image/color/tone_table.h"
+#include "image/scale/resample.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -15,21 +16,13 @@ TEST(ToneFilters, WorkedExamples) {
     const Case cases[] = {
         // 0 + 128 * 256 / 254 = 129.007, and 257 is cut at 255.
         {"Contrast and Brightness", {}, 0xFF8000, 0xFF8100},
-        {"Contrast and Brightness", {{&P::FilterContrast, 127}, {&P::FilterBrightness, 127}}, 0xFF8001, 0xFF8001},
         // A step of 256 from -128.
         {"Contrast and Brightness", {{&P::FilterContrast, 255}, {&P::FilterBrightness, 127}}, 0x020100, 0xFF8000},
         {"Color and Intensity", {{&P::FilterRed, 138}, {&P::FilterIntensity, 118}}, 0x0520F8, 0x0016F8},
-        {"Invert Colors", {}, 0x0102FF, 0xFEFD00},
         {"Gamma", {{&P::FilterGammaLevel, 200}}, 0xFF8000, 0xFF4000},
-        {"Gamma", {{&P::FilterGammaLevel, 50}}, 0xFF4000, 0xFF8000},
         {"Posterize", {}, 0x7FC0FF, 0x40C0C0},
-        {"Posterize", {{&P::FilterPosterizeSteps, 8}}, 0x7FC0FF, 0x7FC0FF},
         {"Solarize", {}, 0x7F8000, 0x8080FF},
         {"Invert Channels", {}, 0x0033C8, 0x7E33C8},
-        {"Invert Channels",
-         {{&P::FilterInvertChannelsGreen, 0}, {&P::FilterInvertChannelsBlue, 0}},
-         0x07C833,
-         0xF83733},
         {"Sigmoidal Contrast", {}, 0x803200, 0xA34201},
         {"Sigmoidal Contrast", {{&P::FilterSigcontSharpen, 0}}, 0xC86432, 0xA64C27},
         // Factor 0.3: the ends are 15 and 60, so red goes 200, 107.5, 83.75.
@@ -46,15 +39,24 @@ TEST(ToneFilters, WorkedExamples) {
     }
 }
 
+namespace {
+
 /// The definition that makes each colour rule(color, context).
 template <typename Rule>
-static Definition ByColor(Rule rule) {
+Definition ByColor(Rule rule) {
     return ByPixel([rule](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) -> Color {
         return rule(DibGetPixel(from, x, y), context);
     });
 }
 
-static Color TurnedHue(Color color, const FilterContext &context) {
+/// The definition that makes each value of a channel rule(value, context).
+template <typename Rule>
+Definition ByValue(Rule rule) {
+    return ByChannel(
+        [rule](auto read, const FilterContext &context, int32_t x, int32_t y) { return rule(read(x, y), context); });
+}
+
+Color TurnedHue(Color color, const FilterContext &context) {
     const float r = RedOf(color) / 255.0f, g = GreenOf(color) / 255.0f, b = BlueOf(color) / 255.0f;
     const float most = std::max({r, g, b}), range = most - std::min({r, g, b});
     if (most == 0) return 0;
@@ -75,7 +77,7 @@ static Color TurnedHue(Color color, const FilterContext &context) {
                      static_cast<uint32_t>(row[2] * 255));
 }
 
-static Color Moonlit(Color color, const FilterContext &context) {
+Color Moonlit(Color color, const FilterContext &context) {
     const float f = static_cast<float>(context.FilterMoonlightFactor) / 100.0f;
     const int32_t channels[3] = {RedOf(color), GreenOf(color), BlueOf(color)};
     const auto [least, most] = std::minmax({channels[0], channels[1], channels[2]});
@@ -88,9 +90,8 @@ static Color Moonlit(Color color, const FilterContext &context) {
     return PackColor(moonlit[0], moonlit[1], moonlit[2]);
 }
 
-static Color Browned(Color color, const FilterContext &context) {
-    ToneTable contrast;
-    BuildContrastTable(context.FilterSepiaContrast - 127, context.FilterSepiaBrightness - 127, &contrast);
+Color Browned(Color color, const FilterContext &context) {
+    const ToneTable contrast = BuildContrastTable(context.FilterSepiaContrast, context.FilterSepiaBrightness);
     const auto T = static_cast<float>(context.FilterSepiaThreshold), B = static_cast<float>(context.FilterSepiaBlend);
     const int32_t r = contrast.at[RedOf(color)], g = contrast.at[GreenOf(color)], b = contrast.at[BlueOf(color)];
     const auto linear = [](int32_t v) {
@@ -112,10 +113,70 @@ static Color Browned(Color color, const FilterContext &context) {
     return PackColor(out[0], out[1], out[2]);
 }
 
-TEST(ToneFilters, RowsMatchSinglePixels) {
-    ExpectDefinition("Hue Saturation Brightness", {}, ByColor(TurnedHue));
-    ExpectDefinition("Moonlight", {}, ByColor(Moonlit));
-    ExpectDefinition("Sepia", {}, ByColor(Browned));
+int32_t OnStraightLine(int32_t value, int32_t contrast, int32_t brightness) {
+    double line = brightness - contrast;
+    for (int32_t i = 0; i < value; i++) line += 256 / std::max(1.0, 256.0 - 2.0 * (contrast - 127));
+    return static_cast<int32_t>(std::clamp(line, 0.0, 255.0));
+}
+
+int32_t OnLogisticCurve(int32_t value, const FilterContext &context) {
+    const double k = context.FilterSigcontContrast / 10.0, M = context.FilterSigcontMidpoint, a = M / 255;
+    const double S0 = 1 / (std::exp(a * k) + 1), S1 = 1 / (std::exp((a - 1) * k) + 1), x = value / 255.0;
+    const double y = (S1 - S0) * x + S0;
+    const auto r = static_cast<float>(context.FilterSigcontSharpen != 0
+                                          ? (1 / (std::exp((a - x) * k) + 1) - S0) * 255 / (S1 - S0) + 0.5
+                                          : (M * (1 / 255.0) - std::log((1 - y) / y) / k) * 255);
+    return r <= 0 ? 0 : r >= 255 ? 255 : static_cast<int32_t>(r + 0.5);
+}
+
+Color MixedWithNegative(Color color, const FilterContext &context) {
+    const int32_t shares[] = {context.FilterInvertChannelsRed, context.FilterInvertChannelsGreen,
+                              context.FilterInvertChannelsBlue};
+    Color mixed = 0;
+    for (int32_t i = 0; i < 3; i++) {
+        const int32_t x = color >> (8 * i) & 255;
+        const auto f = static_cast<float>(shares[i] / 255.0);
+        const auto p = static_cast<float>((255 - x) / 255.0 * static_cast<float>(1.0 - f));
+        mixed |= static_cast<uint32_t>((p + static_cast<float>(x / 255.0 * f)) * 255.0) << (8 * i);
+    }
+    return mixed;
+}
+
+} // namespace
+
+TEST(ToneFilters, FollowTheirCurves) {
+    const std::vector<Kind> kinds = {Kind::Color, Kind::Alpha, Kind::Grey};
+    ExpectDefinition("Gamma", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
+                         return static_cast<int32_t>(std::pow(value / 255.0, context.FilterGammaLevel / 100.0) * 255.0 +
+                                                     0.5);
+                     }));
+    ExpectDefinition("Posterize", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
+                         const int32_t step = 256 >> context.FilterPosterizeSteps;
+                         return value / step * step;
+                     }));
+    ExpectDefinition("Solarize", {{Kind::Color, Kind::Grey}}, ByValue([](int32_t value, const FilterContext &context) {
+                         return value < context.FilterSolarizeThreshold ? 255 - value : value;
+                     }));
+    ExpectDefinition("Contrast and Brightness", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
+                         return OnStraightLine(value, context.FilterContrast, context.FilterBrightness);
+                     }));
+    ExpectDefinition("Sigmoidal Contrast", {{Kind::Color, Kind::Alpha}}, ByValue(OnLogisticCurve));
+    ExpectDefinition("Invert Colors", {kinds},
+                     ByValue([](int32_t value, const FilterContext &) { return 255 - value; }));
+}
+
+TEST(ToneFilters, FollowTheirRulesOfColor) {
+    const std::vector<Kind> kinds = {Kind::Color, Kind::Alpha};
+    ExpectDefinition("Hue Saturation Brightness", {kinds}, ByColor(TurnedHue));
+    ExpectDefinition("Moonlight", {kinds}, ByColor(Moonlit));
+    ExpectDefinition("Sepia", {kinds}, ByColor(Browned));
+    ExpectDefinition("Invert Channels", {kinds}, ByColor(MixedWithNegative));
+    ExpectDefinition("Color and Intensity", {kinds}, ByColor([](Color color, const FilterContext &context) {
+                         const int32_t all = context.FilterIntensity - 256;
+                         return PackColor(ClampByte(RedOf(color) + context.FilterRed + all),
+                                          ClampByte(GreenOf(color) + context.FilterGreen + all),
+                                          ClampByte(BlueOf(color) + context.FilterBlue + all));
+                     }));
     ExpectDefinition("Black Threshold", {.fixed = {{&P::FilterBlackAntialias, 0}}},
                      ByColor([](Color color, const FilterContext &context) -> Color {
                          return WeightedGrey(color) < context.FilterBlackThresholdLevel ? 0 : color;
@@ -124,9 +185,6 @@ TEST(ToneFilters, RowsMatchSinglePixels) {
                      ByColor([](Color color, const FilterContext &context) -> Color {
                          return WeightedGrey(color) > context.FilterWhiteThresholdLevel ? 0xFFFFFF : color;
                      }));
-    ExpectDefinition(
-        "Invert Colors", {{Kind::Color, Kind::Alpha, Kind::Grey}},
-        ByChannel([](auto read, const FilterContext &, int32_t x, int32_t y) { return 255 - read(x, y); }));
 }
 
 TEST(ToneFilters, PalettePicturesChangeTheirColorsAndGreyOnesTheirPixels) {
@@ -156,15 +214,25 @@ TEST(ToneFilters, ModesThatAFilterDoesNotKnowAreRefusedOrBlank) {
     const LockedDib mono = MakePicture(2, 1, 1, {1, 0}), deep = MakePicture(1, 1, 32, {0x80646464});
     EXPECT_FALSE(RunKernel("Color and Intensity", mono));
     EXPECT_EQ(PixelsOf(RunKernel("Solarize", mono)), (Pixels{0, 0}));
-    EXPECT_EQ(PixelsOf(RunKernel("White Threshold", deep, {{&P::FilterWhiteThresholdLevel, 250}})), Pixels{255});
     EXPECT_EQ(PixelsOf(RunKernel("Gamma", deep)), Pixels{0x00646464});
+    // Depths other than 24 are compared as they are.
+    const LockedDib grey = MakePicture(4, 1, 8, {63, 64, 200, 201});
+    EXPECT_EQ(PixelsOf(RunKernel("Black Threshold", grey)), (Pixels{0, 64, 200, 201}));
+    EXPECT_EQ(PixelsOf(RunKernel("White Threshold", grey)), (Pixels{63, 64, 200, 255}));
+    EXPECT_EQ(PixelsOf(RunKernel("Black Threshold", deep)), Pixels{0x80646464});
+    EXPECT_EQ(PixelsOf(RunKernel("White Threshold", deep)), Pixels{255});
 }
 
-TEST(ToneFilters, AntialiasedThresholdsKeepTheSize) {
-    for (int32_t width = 1; width < 7; width++) {
-        const LockedDib source(DibCreateSolid(width, 3, 0x969696));
-        EXPECT_TRUE(SamePicture(RunKernel("Black Threshold", source, {{&P::FilterBlackAntialias, 1}}), source));
-        EXPECT_TRUE(SamePicture(RunKernel("White Threshold", source, {{&P::FilterWhiteAntiAlias, 1}}), source));
+TEST(ToneFilters, AntialiasedThresholdsWorkAtFourTimesTheSize) {
+    for (const auto &[filter, antialias] :
+         {std::pair{"Black Threshold", &P::FilterBlackAntialias}, {"White Threshold", &P::FilterWhiteAntiAlias}}) {
+        for (int32_t width = 1; width < 7; width++) {
+            const LockedDib source = RandomPicture(width, 3, kModeTrueColor, 5);
+            const LockedDib enlarged(DibScalePercent(source, 400, 400, kWindowAutomatic));
+            const LockedDib changed = RunKernel(filter, enlarged, {{antialias, 0}});
+            EXPECT_TRUE(SamePicture(RunKernel(filter, source, {{antialias, 1}}),
+                                    LockedDib(DibScalePercent(changed, 25, 25, kWindowAutomatic))));
+        }
     }
 }
 

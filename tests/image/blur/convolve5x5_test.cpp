@@ -4,15 +4,19 @@
 
 namespace lmf::testing {
 
+namespace {
+
 /// One byte of a result; y counts the rows in memory.
-static uint8_t SlowByte(const ReadView &view, const Window5x5 &window, int32_t x, int32_t y, int32_t c) {
+uint8_t SlowByte(const ReadView &view, const Window5x5 &window, int32_t x, int32_t y, int32_t c) {
     const int bytes = static_cast<int>(view.bits / 8);
     int sum = 0, weightSum = 0;
     for (int tap = 0; tap < 25; tap++) {
         const int row = y + tap / 5 - 2, column = x + tap % 5 - 2;
         if (row < 0 || row >= view.height || column < 0 || column >= view.width) continue;
-        const auto rowOffset = static_cast<int16_t>((tap / 5 - 2) * view.stride);
-        const int offset = bytes == 3 ? static_cast<int16_t>(column * 3 + rowOffset) : column + rowOffset;
+        const ptrdiff_t rowOffset = (tap / 5 - 2) * view.stride;
+        int64_t offset = column * bytes + rowOffset;
+        if (bytes == 1) offset = column + static_cast<int16_t>(rowOffset);
+        if (bytes == 3) offset = static_cast<int16_t>(offset);
         const int64_t place = y * view.stride + offset;
         if (place < 0 || place + bytes > view.stride * view.height) continue;
         sum += window.weights[tap] * view.bottom[place + c];
@@ -22,29 +26,32 @@ static uint8_t SlowByte(const ReadView &view, const Window5x5 &window, int32_t x
     return static_cast<uint8_t>(std::clamp(window.bias + std::max(sum, 0) / divisor, 0, 255));
 }
 
-static constexpr Window5x5 kWindows[] = {
+constexpr Window5x5 kWindows[] = {
     {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25, 0},
     {{0, 0, 0, 0, 0, 0, -1, -1, -1, 0, 0, -1, 9, -1, 0, 0, -1, -1, -1, 0, 0, 0, 0, 0, 0}, 5, 0},
     {{0, 0, 2, 0, 0, 0, 0, 0, 0, 0, -3, 0, 0, 0, 4, 0, 0, 0, 0, 0, 0, 0, 0, -3, 0}, 7, 20},
     {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, -2, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0}, 3, 130}};
 
+} // namespace
+
 TEST(Convolve5x5, AgreesWithTheSlowForm) {
-    // 16-bit offsets wrap from 3640 pixels of width on, from 5462 on those of a row alone; grey ones from 16384 on.
+    // At 24 bits offsets of 16 bits wrap from 3640 pixels of width on, from 5462 on those of a row alone; grey ones
+    // from 16384 on.
     static constexpr int32_t kSizes[][2] = {{1, 1},     {1, 9},     {4, 4},    {5, 5},     {9, 2},
                                             {64, 40},   {200, 3},   {700, 11}, {3641, 13}, {4000, 16},
                                             {5500, 12}, {11000, 9}, {17000, 7}};
     uint32_t seed = 1;
-    for (ImageMode mode : {kModeTrueColor, kModeGrey}) {
+    for (uint32_t bits : {24u, 8u, 32u}) {
         for (const auto &[width, height] : kSizes) {
-            const LockedDib picture = RandomPicture(width, height, mode, seed++);
+            const LockedDib picture = RandomDepth(width, height, bits, seed++);
             const ReadView from = picture;
             for (const Window5x5 &window : kWindows) {
                 const LockedDib result(Convolve5x5(picture, window));
                 ExpectPixels(result, [&](int32_t x, int32_t y) {
                     const auto byte = [&](int32_t c) { return SlowByte(from, window, x, height - 1 - y, c); };
-                    return mode == kModeGrey ? byte(0) : PackColor(byte(2), byte(1), byte(0));
+                    return bits == 8 ? byte(0) : PackColor(byte(2), byte(1), byte(0));
                 });
-                ASSERT_FALSE(::testing::Test::HasFailure()) << width << 'x' << height << " mode " << mode;
+                ASSERT_FALSE(::testing::Test::HasFailure()) << width << 'x' << height << " bits " << bits;
             }
         }
     }

@@ -2,41 +2,21 @@
 #include "image/color/nearest_color.h"
 #include "image/color/palette.h"
 #include "image/core/dib_ops.h"
-#include "support/pictures.h"
+#include "support/reference.h"
 
 namespace lmf::testing {
 
-static Palette768 RandomPalette(uint32_t seed, uint32_t colors, uint32_t low, uint32_t range) {
+namespace {
+
+Palette768 RandomPalette(uint32_t seed, uint32_t colors, uint32_t low, uint32_t range) {
     Palette768 palette{};
     for (uint32_t i = 0; i < colors * 3; i++)
         palette.rgb[i] = static_cast<uint8_t>(low + TestRandom(&seed) / 64 % range);
     return palette;
 }
 
-TEST(NearestFinder, FindsWhatAScanFinds) {
-    const Palette768 palettes[] = {RandomPalette(1, 256, 0, 256), RandomPalette(2, 256, 100, 12),
-                                   RandomPalette(3, 16, 0, 256), RandomPalette(4, 30, 40, 3), GreyRamp()};
-    for (const Palette768 &palette : palettes) {
-        for (int32_t count : {256, 128, 4, 1}) {
-            NearestFinder finder(palette, count);
-            ASSERT_TRUE(finder);
-            uint32_t state = 77;
-            for (int32_t i = 0; i < 40000; i++) {
-                // Half of the colours come from the neighbourhood of the dense palettes.
-                const uint32_t random = TestRandom(&state) >> 3;
-                const uint32_t mask = i % 2 != 0 ? 255 : 15, base = i % 2 != 0 ? 0 : 96;
-                const Color color = (random & mask * 0x010101) + base * 0x010101;
-                const int32_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
-                ASSERT_EQ(finder.Find(red, green, blue),
-                          static_cast<uint32_t>(PaletteNearest(red, green, blue, palette, count)))
-                    << red << " " << green << " " << blue << " of " << count;
-            }
-        }
-    }
-}
-
 /// Error diffusion to colours, share by share.
-static Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &palette, uint32_t bits) {
+Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &palette, uint32_t bits) {
     const ReadView from = picture;
     const int32_t width = from.width, height = from.height;
     Pixels result(static_cast<size_t>(width * height));
@@ -66,7 +46,7 @@ static Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &pale
 }
 
 /// Error diffusion to black and white, share by share, on rows with their padding.
-static Pixels SlowMonoDiffusion(const ReadView &picture, int32_t brightness, int32_t contrast) {
+Pixels SlowMonoDiffusion(const ReadView &picture, int32_t brightness, int32_t contrast) {
     const ReadView from = picture;
     const int32_t width = from.width, height = from.height, stride = (width + 3) / 4 * 4;
     std::vector<int32_t> bytes(static_cast<size_t>(stride * height));
@@ -102,31 +82,54 @@ static Pixels SlowMonoDiffusion(const ReadView &picture, int32_t brightness, int
     return result;
 }
 
-static constexpr int32_t kSizes[][2] = {{1, 1}, {1, 6}, {2, 5}, {3, 4}, {4, 3}, {8, 9}, {9, 1}, {67, 21}, {64, 20}};
+constexpr MonoTone kTone = {25, 25};
+constexpr int32_t kSizes[][2] = {{1, 1}, {1, 6}, {2, 5}, {3, 4}, {4, 3}, {8, 9}, {9, 1}, {67, 21}, {64, 20}};
+
+} // namespace
+
+TEST(NearestFinder, FindsWhatAScanFinds) {
+    const Palette768 palettes[] = {RandomPalette(1, 256, 0, 256), RandomPalette(2, 256, 100, 12),
+                                   RandomPalette(3, 16, 0, 256), RandomPalette(4, 30, 40, 3), GreyRamp()};
+    for (const Palette768 &palette : palettes) {
+        for (int32_t count : {256, 128, 4, 1}) {
+            NearestFinder finder(palette, count);
+            ASSERT_TRUE(finder);
+            uint32_t state = 77;
+            for (int32_t i = 0; i < 40000; i++) {
+                // Half of the colours come from the neighbourhood of the dense palettes.
+                const uint32_t random = TestRandom(&state) >> 3;
+                const uint32_t mask = i % 2 != 0 ? 255 : 15, base = i % 2 != 0 ? 0 : 96;
+                const Color color = (random & mask * 0x010101) + base * 0x010101;
+                const int32_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
+                ASSERT_EQ(finder.Find(red, green, blue),
+                          static_cast<uint32_t>(PaletteNearest(red, green, blue, palette, count)))
+                    << red << " " << green << " " << blue << " of " << count;
+            }
+        }
+    }
+}
 
 TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
     for (const auto &size : kSizes) {
-        for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette}) {
-            LockedDib picture = RandomPicture(size[0], size[1], mode, 5);
-            for (const auto &tone :
-                 {MonoTone{}, MonoTone{0, 0}, MonoTone{90, -40}, MonoTone{10, 128}, MonoTone{1, 200}}) {
+        for (const auto &[kind, seed] :
+             {std::pair{Kind::Color, 3u}, {Kind::Grey, 3u}, {Kind::Grey, 5u}, {Kind::Palette, 5u}}) {
+            const LockedDib picture = RandomKind(kind, size[0], size[1], seed);
+            for (const auto &tone : {kTone, MonoTone{0, 0}, MonoTone{90, -40}, MonoTone{10, 128}, MonoTone{1, 200}}) {
                 LockedDib mono(ErrorDiffuse(picture, GreyRamp(), 1, tone));
                 ASSERT_EQ(PixelsOf(mono), SlowMonoDiffusion(picture, tone.brightness, tone.contrast))
-                    << size[0] << " x " << size[1] << " mode " << mode;
+                    << size[0] << " x " << size[1] << " seed " << seed;
             }
             LockedDib rgb(ExpandToRgb(picture));
             for (uint32_t bits : {2u, 4u, 6u, 8u}) {
                 const Palette768 palette = RandomPalette(bits, 1 << bits, 30, 180);
-                LockedDib result(ErrorDiffuse(picture, palette, bits));
+                LockedDib result(ErrorDiffuse(picture, palette, bits, kTone));
                 ASSERT_EQ(PixelsOf(result), SlowColorDiffusion(rgb, palette, bits))
-                    << size[0] << " x " << size[1] << " mode " << mode << " bits " << bits;
-                const ReadView lock = result;
-                EXPECT_EQ(lock.bits, bits <= 4 ? 4u : 8u);
+                    << size[0] << " x " << size[1] << " seed " << seed << " bits " << bits;
+                EXPECT_EQ(result.View().bits, bits <= 4 ? 4u : 8u);
             }
         }
     }
-    EXPECT_EQ(ErrorDiffuse(RandomPicture(3, 3, kModeMono, 1).handle, GreyRamp(), 1), nullptr);
-    EXPECT_EQ(ErrorDiffuse(nullptr, GreyRamp(), 1), nullptr);
+    EXPECT_EQ(ErrorDiffuse(RandomPicture(3, 3, kModeMono, 1), GreyRamp(), 1, kTone), nullptr);
 }
 
 TEST(RemapNearest, TakesTheNearestEntryOrTheBrightSide) {
@@ -155,35 +158,36 @@ TEST(RemapNearest, TakesTheNearestEntryOrTheBrightSide) {
 TEST(ThresholdToMono, IsStrictlyAbove) {
     LockedDib grey = MakePicture(9, 1, 8, {0, 127, 128, 129, 255, 128, 129, 128, 130});
     EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, 128))), (Pixels{0, 0, 0, 1, 1, 0, 1, 0, 1}));
-    EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, 5000))), Pixels(9, 0));
-    EXPECT_EQ(PixelsOf(LockedDib(ThresholdToMono(grey, -5000))), Pixels(9, 1));
-    EXPECT_EQ(ThresholdToMono(RandomPicture(3, 3, kModeMono, 1).handle, 128), nullptr);
+    EXPECT_EQ(ThresholdToMono(RandomPicture(3, 3, kModeMono, 1), 128), nullptr);
 }
 
-TEST(Bayer, ThresholdsOfATile) {
-    // Of 64 pixels of a flat grey, as many are white as thresholds lie below it; none for black, all
-    // for white. Grey 9 weighs 7.
-    for (const auto &[level, white] : {std::pair{0u, 0u}, {9u, 2u}, {255u, 64u}}) {
-        const Pixels mono =
-            PixelsOf(LockedDib(BayerMono(MakePicture(8, 8, 24, Pixels(64, level * 0x010101)).handle)).handle);
-        EXPECT_EQ(std::count(mono.begin(), mono.end(), 1u), white) << level;
+TEST(Bayer, ComparesWithTheRecursiveMatrix) {
+    // The bits of x ^ y and of y in turn, the lowest ones first.
+    const auto threshold = [](int32_t x, int32_t y) {
+        int32_t value = 0;
+        for (int32_t bit = 0; bit < 3; bit++)
+            value |= ((x ^ y) >> bit & 1) << (5 - 2 * bit) | (y >> bit & 1) << (4 - 2 * bit);
+        return 4 * value;
+    };
+    for (ImageMode mode : {kModeTrueColor, kModePalette, kModeMono}) {
+        const LockedDib picture = RandomPicture(19, 17, mode, 4), rgb(ExpandToRgb(picture));
+        const LockedDib mono(BayerMono(picture)), eight(BayerEight(picture)), many(BayerRgb332(picture));
+        EXPECT_EQ(mono.View().bits * 10000 + eight.View().bits * 100 + many.View().bits, 10408u);
+        ForEachPixel(rgb, [&](int32_t x, int32_t y) {
+            const Color color = DibGetPixel(rgb, x, y);
+            const int32_t r = RedOf(color), g = GreenOf(color), b = BlueOf(color), t = threshold(x, y);
+            ASSERT_EQ(DibGetPixel(mono, x, y), WeightedGrey(color) > t);
+            ASSERT_EQ(DibGetPixel(eight, x, y), static_cast<uint32_t>((r > t) | (g > t) << 1 | (b > t) << 2));
+            const auto moved = [&](int32_t c) { return c - ((c - threshold(y, x)) >> 2); };
+            ASSERT_EQ(DibGetPixel(many, x, y),
+                      static_cast<uint32_t>((moved(r) & 224) | (moved(g) >> 3 & 28) | moved(b) >> 6));
+        });
+        for (uint32_t i = 0; i < 8; i++) {
+            EXPECT_EQ(PaletteOf(eight).At(i), PackColor(i & 1, i >> 1 & 1, i >> 2) * 255);
+            const uint32_t level = i == 7 ? 255 : 36 * i;
+            EXPECT_EQ(PaletteOf(many).At(32 * i + 4 * i + i % 4), PackColor(level, level, i % 4 * 85));
+        }
     }
-    // Grey 129 weighs 127. The top rows of the matrix are below 32 at every other place.
-    const Pixels half = PixelsOf(LockedDib(BayerMono(MakePicture(11, 2, 24, Pixels(22, 0x818181)).handle)).handle);
-    EXPECT_EQ(half, (Pixels{1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0, 1, 0}));
-    // Red 40 is above thresholds 0, 32 and 8 of the first row, green 9 above 0 and 8, blue 255 above all.
-    EXPECT_EQ(PixelsOf(LockedDib(BayerEight(MakePicture(5, 1, 24, Pixels(5, PackColor(40, 9, 255))).handle)).handle),
-              (Pixels{7, 4, 5, 4, 7}));
-}
-
-TEST(Bayer, Rgb332TurnsTheMatrix) {
-    // Down the first column stand the thresholds 0, 128, 32, 160 of the first matrix row: a channel of 100 moves to
-    // 75, 107, 83, 115.
-    LockedDib result(BayerRgb332(MakePicture(1, 4, 24, Pixels(4, PackColor(100, 200, 0))).handle));
-    const Pixels expected = {(75 & 224) | (150 >> 3 & 28) | 0, (107 & 224) | (182 >> 3 & 28) | 32 >> 6,
-                             (83 & 224) | (158 >> 3 & 28) | 8 >> 6, (115 & 224) | (190 >> 3 & 28) | 40 >> 6};
-    EXPECT_EQ(PixelsOf(result), expected);
-    EXPECT_EQ(PaletteOf(result).At(32 * 7 + 4 * 6 + 1), PackColor(255, 216, 85));
 }
 
 } // namespace lmf::testing

@@ -5,6 +5,8 @@
 
 namespace lmf::testing {
 
+namespace {
+
 /// The slow, obvious tree: every pass walks all of it.
 struct SlowNode {
     double pixels = 0, sums[3] = {}, error = 0;
@@ -81,14 +83,13 @@ struct SlowTree {
     }
 };
 
-static void ExpectSlowPalette(const ReadView &picture, uint32_t wanted) {
+void ExpectSlowPalette(const ReadView &picture, uint32_t wanted) {
     const int32_t depth = wanted < 16 ? 2 : wanted < 64 ? 3 : wanted < 256 ? 4 : 5;
     SlowTree tree;
-    const ReadView lock = picture;
-    for (int32_t y = lock.height - 1; y >= 0; y--) {
-        for (int32_t x = 0, run = 1; x < lock.width; x += run) {
-            const Color color = DibGetPixel(lock, x, y);
-            for (run = 1; DibGetPixel(lock, x + run, y) == color;) run++;
+    for (int32_t y = picture.height - 1; y >= 0; y--) {
+        for (int32_t x = 0, run = 1; x < picture.width; x += run) {
+            const Color color = DibGetPixel(picture, x, y);
+            for (run = 1; DibGetPixel(picture, x + run, y) == color;) run++;
             tree.Count(color, run, depth);
         }
     }
@@ -100,6 +101,16 @@ static void ExpectSlowPalette(const ReadView &picture, uint32_t wanted) {
     EXPECT_EQ(count, expectedCount) << wanted;
     EXPECT_TRUE(std::equal(std::begin(palette.rgb), std::end(palette.rgb), expected.rgb)) << wanted;
 }
+
+/// A picture of one row with `colors` different colours, then `more` pixels of the first again.
+LockedDib RowOfColors(uint32_t colors, uint32_t more) {
+    Pixels pixels;
+    for (uint32_t i = 0; i < colors; i++) pixels.push_back(i * 70 + 5);
+    pixels.insert(pixels.end(), more, 5);
+    return MakePicture(static_cast<int32_t>(colors + more), 1, 24, pixels);
+}
+
+} // namespace
 
 TEST(OctreePalette, AgreesWithTheSlowTree) {
     LockedDib random = RandomPicture(61, 47, kModeTrueColor, 1);
@@ -132,32 +143,23 @@ TEST(OctreePalette, CountsWhatAPassVisited) {
     equal.insert(equal.end(),
                  {PackColor(47, 47, 48), PackColor(47, 48, 48), PackColor(175, 47, 48), PackColor(175, 48, 48)});
     for (const Pixels &pixels : {around, equal})
-        ExpectSlowPalette(MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels).handle, 9);
-}
-
-/// A picture of one row with `colors` different colours, then `more` pixels of the first again.
-static LockedDib RowOfColors(uint32_t colors, uint32_t more) {
-    Pixels pixels;
-    for (uint32_t i = 0; i < colors; i++) pixels.push_back(i * 70 + 5);
-    pixels.insert(pixels.end(), more, 5);
-    return MakePicture(static_cast<int32_t>(colors + more), 1, 24, pixels);
+        ExpectSlowPalette(MakePicture(static_cast<int32_t>(pixels.size()), 1, 24, pixels), 9);
 }
 
 TEST(OctreePalette, FewColorsAreKeptInTheOrderOfAppearance) {
     for (uint32_t colors : {1u, 2u, 200u, 255u, 256u}) {
         Palette768 palette;
         uint32_t count = 256;
-        ASSERT_TRUE(OctreePalette(RowOfColors(colors, colors == 256 ? 0 : 9).handle, &palette, &count));
+        ASSERT_TRUE(OctreePalette(RowOfColors(colors, colors == 256 ? 0 : 9), &palette, &count));
         EXPECT_EQ(count, colors);
         // The 256th colour has no place in the list: its entry stays black.
         for (uint32_t i = 0; i < 256; i++) ASSERT_EQ(palette.At(i), i < std::min(colors, 255u) ? i * 70 + 5 : 0) << i;
     }
     Palette768 palette;
     uint32_t count = 256;
-    ASSERT_TRUE(OctreePalette(RowOfColors(256, 1).handle, &palette, &count));
+    ASSERT_TRUE(OctreePalette(RowOfColors(256, 1), &palette, &count));
     EXPECT_NE(palette.At(0), 5u) << "256 colours and a pixel more go through the tree";
-    EXPECT_FALSE(OctreePalette(RandomPicture(2, 2, kModeGrey, 1).handle, &palette, &count));
-    EXPECT_FALSE(OctreePalette(nullptr, &palette, &count));
+    EXPECT_FALSE(OctreePalette(RandomPicture(2, 2, kModeGrey, 1), &palette, &count));
 }
 
 } // namespace lmf::testing
