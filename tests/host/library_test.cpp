@@ -73,7 +73,7 @@ protected:
                  LmfValidation callback = Agree) {
         return doImageFilter(nullptr, picture, callback, second, 0, 0, runFlags, record, nullptr, 0, 0, nullptr);
     }
-    static DibOwner NewPicture(uint32_t bits, uint32_t pixel) {
+    static LockedDib NewPicture(uint32_t bits, uint32_t pixel) {
         return MakePicture(5, 3, bits, std::vector<uint32_t>(15, pixel));
     }
 
@@ -102,36 +102,36 @@ TEST_F(Library, SaysWhatItIs) {
 }
 
 TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
-    const DibOwner source = NewPicture(24, 0x0A0A0A), alpha = NewPicture(8, 77), inverted = NewPicture(24, 0xF5F5F5);
+    const LockedDib source = NewPicture(24, 0x0A0A0A), alpha = NewPicture(8, 77), inverted = NewPicture(24, 0xF5F5F5);
     for (uint32_t filter : {kInvertColors, uint32_t{LMF_FILTER_LAST}}) {
-        LmfHandle picture = source.handle, second = alpha.handle;
+        LmfHandle picture = source.owner.handle, second = alpha.owner.handle;
         HostRecord record{0, filter, 0, nullptr};
         ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
         EXPECT_EQ(record.filterIndex, kInvertColors);
-        EXPECT_NE(picture, source.handle);
-        EXPECT_NE(second, alpha.handle);
-        EXPECT_TRUE(SamePicture(picture, inverted.handle));
-        EXPECT_TRUE(SamePicture(second, alpha.handle));
-        EXPECT_EQ(PixelsOf(source.handle)[0], 0x0A0A0Au);
+        EXPECT_NE(picture, source.owner.handle);
+        EXPECT_NE(second, alpha.owner.handle);
+        EXPECT_TRUE(SamePicture(DibReadLock(picture).view, inverted));
+        EXPECT_TRUE(SamePicture(DibReadLock(second).view, alpha));
+        EXPECT_EQ(PixelsOf(source)[0], 0x0A0A0Au);
         LmfBlockFree(picture);
         LmfBlockFree(second);
     }
 }
 
 TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
-    const DibOwner source = NewPicture(24, 10), empty(LmfBlockAlloc(0)), cut(LmfBlockAlloc(41));
+    const LockedDib source = NewPicture(24, 10), empty(LmfBlockAlloc(0)), cut(LmfBlockAlloc(41));
     struct Case {
         LmfHandle picture;
         LmfValidation callback;
         uint32_t runFlags, filterIndex;
     };
     const Case cases[] = {
-        {source.handle, nullptr, LMF_RUN_DIRECT, kInvertColors},
+        {source.owner.handle, nullptr, LMF_RUN_DIRECT, kInvertColors},
         {nullptr, Agree, LMF_RUN_DIRECT, kInvertColors},
         {empty.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
         {cut.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
-        {source.handle, Agree, 0, kInvertColors},
-        {source.handle, Agree, LMF_RUN_DIRECT, 95},
+        {source.owner.handle, Agree, 0, kInvertColors},
+        {source.owner.handle, Agree, LMF_RUN_DIRECT, 95},
     };
     for (const Case &each : cases) {
         LmfHandle picture = each.picture, second = empty.handle;
@@ -140,7 +140,7 @@ TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
         EXPECT_EQ(picture, each.picture);
         EXPECT_EQ(second, empty.handle);
     }
-    LmfHandle picture = source.handle;
+    LmfHandle picture = source.owner.handle;
     EXPECT_EQ(Run(&picture, nullptr, LMF_RUN_DIRECT, nullptr), 0u);
 }
 

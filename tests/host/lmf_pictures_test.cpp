@@ -33,7 +33,7 @@ PngFile MakePng(int type, int depth, int width = 19, int height = 14) {
     const int channels = (type & kColor) == kColor && type != kPalette ? 3 : 1;
     const int count = width * height * (type & PNG_COLOR_MASK_ALPHA ? channels + 1 : channels) * (depth == 16 ? 2 : 1);
     for (int i = 0; i < count; i++)
-        file.samples.push_back(uint8_t(i * 37 + i / 19) & (depth < 8 ? (1u << depth) - 1 : 0xFFu));
+        file.samples.push_back(uint8_t((i * 37 + i / 19) & (depth < 8 ? (1 << depth) - 1 : 0xFF)));
     if (type == kPalette)
         for (int i = 0; i < 1 << depth; i++)
             file.palette.push_back({uint8_t(i * 7 + 3), uint8_t(255 - i), uint8_t(i * 5)});
