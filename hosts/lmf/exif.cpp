@@ -150,6 +150,8 @@ void DropThumbnail(Bytes &exif) {
     const TiffView view{exif, exif[0] == 'M'};
     const size_t first = view.U32(4);
     const size_t link = first + 2 + 12 * size_t(view.U16(first));
+    // A block may end inside the link: then there is no second directory, and no room to clear the link in.
+    if (link + 4 > exif.size()) return;
     const size_t second = view.U32(link);
     if (second == 0) return;
     // Offset and length of a compressed or of an uncompressed thumbnail.
