@@ -3,8 +3,10 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 
 #include "host/lmf_program.h"
 
@@ -244,6 +246,38 @@ TEST_F(LmfPictures, ExifThatEndsInsideALinkIsLeftAsItIs) {
             EXPECT_EQ(ReadPng(In("out.png")).exif, png.exif);
         }
     }
+}
+
+TEST_F(LmfPictures, ExifWithRepeatedTagsMakesATiffThatCanBeRead) {
+    PngFile png = MakePng(kGrey, 8, 1, 1);
+    constexpr int kCopies = 5000; // libtiff takes 4096 entries at most
+    png.exif = {'I', 'I', 42, 0, 8, 0, 0, 0};
+    Put(png.exif, 2, kCopies, false);
+    for (int i = 0; i < kCopies; i++)
+        for (const int half : {270, 2, 2, 0, 'a' + (i == 0), 0}) Put(png.exif, 2, half, false);
+    Put(png.exif, 4, 0, false);
+    WritePng(In("many.png"), png);
+    ExpectSilence(Invert({"many.png", "out.tif"}));
+    const std::unique_ptr<TIFF, void (*)(TIFF *)> tiff(TIFFOpen(In("out.tif").c_str(), "rb"), TIFFClose);
+    ASSERT_NE(tiff, nullptr);
+    char *description = nullptr;
+    EXPECT_EQ(TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &description), 1);
+    EXPECT_STREQ(description, "b") << "the first copy counts";
+}
+
+// Directories that begin at every other place, each with more entries than the block has room for, and values that all
+// lie in the same bytes: what they say takes no more time and memory than the block.
+TEST_F(LmfPictures, ExifWithOverlappingDirectoriesCostsNoMoreThanItsSize) {
+    PngFile png = MakePng(kGrey, 8, 1, 1);
+    png.exif = {'I', 'I', 42, 0, 8, 0, 0, 0, 0xFF, 0xFF};
+    for (int i = 0; i < 65535; i++) {
+        for (const int half : {i % 2 ? 34665 : 34853, 4, 1, 0}) Put(png.exif, 2, half, false);
+        Put(png.exif, 4, 10 + 12 * i, false);
+    }
+    WritePng(In("fan.png"), png);
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_EQ(Run({"info", "fan.png"}).exitCode, 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)) << "it takes 27 s without limits";
 }
 
 TEST_F(LmfPictures, ProfileThatDoesNotFitTheResultIsLeftOut) {
