@@ -18,6 +18,11 @@ int32_t ParseNumber(const char *text) {
     return static_cast<int32_t>(negative ? -value : value);
 }
 
+const char *SkipBlanks(const char *text) {
+    while (*text == ' ') text++;
+    return text;
+}
+
 static char LowerCase(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }

@@ -1,6 +1,7 @@
 #include "engine/do_image_filter.h"
 
 #include <cstring>
+#include <optional>
 
 #include "common/random.h"
 #include "engine/apply.h"
@@ -30,31 +31,44 @@ static bool PassesHostFields(uint32_t runFlags) {
 /// The kinds of host that leave the choice of filters to the user; for others they stay as they are.
 static constexpr uint32_t kReadsEnableFile = kRunStandard | kRunDaubery | kRunReelsmith | kRunFrameloom;
 
-static void ReadFiles() {
-    ReadSettings(CurrentCall.runFlags);
-    if (CurrentCall.runFlags & kReadsEnableFile) ReadEnableFile(CurrentCall.runFlags);
+/// What the settings files held at the start of a call.
+struct FoundFiles {
+    FoundSettings settings;
+    std::optional<FoundSwitches> switches; ///< nothing where the call leaves the enable file unread
+};
+
+static FoundFiles ReadFiles() {
+    FoundFiles found = {ReadSettings(CurrentCall.runFlags), {}};
+    if (CurrentCall.runFlags & kReadsEnableFile) found.switches = ReadEnableFile(CurrentCall.runFlags);
+    return found;
 }
 
-static void WriteFiles() {
-    if (CurrentCall.runFlags != 0) WriteEnableFile(CurrentCall.runFlags);
-    if (!(CurrentCall.runFlags & kRunDirect)) WriteSettings(CurrentCall.runFlags);
+static void WriteFiles(const FoundFiles &found) {
+    if (CurrentCall.runFlags != 0) WriteEnableFile(CurrentCall.runFlags, found.switches ? &*found.switches : nullptr);
+    if (!(CurrentCall.runFlags & kRunDirect)) WriteSettings(CurrentCall.runFlags, found.settings);
 }
 
 /// The host's wishes before the run.
+/// @param hostRecord  a HostRecord at any address, since a host may pack it into a block of its own; or null
 /// @return the row to start with.
-static uint32_t ReadHostRecord(const HostRecord *record) {
-    if (record == nullptr) return LMF_FILTER_LAST;
+static uint32_t ReadHostRecord(const void *hostRecord) {
+    if (hostRecord == nullptr) return LMF_FILTER_LAST;
+    HostRecord record;
+    std::memcpy(&record, hostRecord, sizeof record);
     if (PassesHostFields(CurrentCall.runFlags)) {
-        Settings.PaperColor = static_cast<int32_t>(record->paperColor);
-        Settings.FilterApplyToDuplicate = record->applyToDuplicate;
+        Settings.PaperColor = static_cast<int32_t>(record.paperColor);
+        Settings.FilterApplyToDuplicate = record.applyToDuplicate;
     }
-    return record->filterIndex;
+    return record.filterIndex;
 }
 
-static void WriteHostRecord(HostRecord *record, const FilterContext &context) {
-    if (record == nullptr) return;
-    record->filterIndex = static_cast<uint32_t>(context.filterIndex);
-    if (PassesHostFields(CurrentCall.runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
+static void WriteHostRecord(void *hostRecord, const FilterContext &context) {
+    if (hostRecord == nullptr) return;
+    HostRecord record;
+    std::memcpy(&record, hostRecord, sizeof record);
+    record.filterIndex = static_cast<uint32_t>(context.filterIndex);
+    if (PassesHostFields(CurrentCall.runFlags)) record.applyToDuplicate = Settings.FilterApplyToDuplicate;
+    std::memcpy(hostRecord, &record, sizeof record);
 }
 
 /// Frees at the end of the scope what is still the context's own.
@@ -98,10 +112,10 @@ uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, 
     if (picture == nullptr || second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
     KeepCall(buttonStyle, gradientSliders, runFlags, browserPath, browserMask, hooks);
-    ReadFiles();
+    const FoundFiles found = ReadFiles();
 
     const bool batch = (runFlags & kRunBatch) != 0;
-    auto *record = batch ? nullptr : static_cast<HostRecord *>(hostRecord);
+    void *record = batch ? nullptr : hostRecord;
     FilterContext context{};
     const ContextOwner contextOwner(&context);
     FillContext(&context, owner, *picture, *second, ReadHostRecord(record), hostReserved);
@@ -123,7 +137,7 @@ uint64_t DoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, 
         WriteHostRecord(record, context);
     }
     StoreAllSettings(&context);
-    WriteFiles();
+    WriteFiles(found);
     return done;
 }
 
