@@ -86,7 +86,7 @@ struct DirectoryReader {
     // Entries and their values lie apart in an honest block, or share a value now and then. What reads more than the
     // block holds twice over is made of parts that overlap, and would take any amount of time and memory.
     size_t budget = 2 * view.bytes.size();
-    std::set<size_t> visited;
+    std::set<size_t> visited = {};
 
     bool Afford(size_t bytes) {
         if (bytes > budget) return false;

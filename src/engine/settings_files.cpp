@@ -47,24 +47,22 @@ struct SettingsText {
 /// Keeps other hosts from changing the settings files while this one reads, changes and writes them. A holder that
 /// doesn't let go within the time (a process that was stopped, a file server that is away) must not stop its fellows:
 /// they then write without the lock, as where it can't be made. The files stay whole even so, but what another saves
-/// in the same moment can be lost. Until the lock is free again no call waits for it a second time.
+/// in the same moment can be lost. Each wait in vain halves the next, so that a batch of calls doesn't wait for long.
 struct SettingsLock {
     static constexpr int kLongestWait = 5000;
-    static inline bool stuck = false;
+    static inline int wait = kLongestWait;
     char path[kPathSize] = "";
     FileLock lock;
 
-    SettingsLock() : lock(FindSettingsFile("LmfFiltr.lock", path) ? path : "", stuck ? 0 : kLongestWait) {
-        stuck = lock.busy;
+    SettingsLock() : lock(FindSettingsFile("LmfFiltr.lock", path) ? path : "", wait) {
+        wait = lock.busy ? wait / 2 : kLongestWait;
     }
 };
 
 /// Writes what is to take the place of a settings file.
-/// @param rightsOf  name of the settings file whose access rights it gets
-bool WritePending(const char *name, std::string_view text, const char *rightsOf, PendingFile *file) {
-    char path[kPathSize], rightsPath[kPathSize];
-    return FindSettingsFile(name, path) && FindSettingsFile(rightsOf, rightsPath) &&
-           file->Write(path, text, rightsPath);
+bool WritePending(const char *name, std::string_view text, PendingFile *file) {
+    char path[kPathSize];
+    return FindSettingsFile(name, path) && file->Write(path, text, path);
 }
 
 void WriteHeading(LineWriter &out, const char *title, const char *section) {
@@ -88,28 +86,26 @@ constexpr size_t kHeadingLines = 5;
 /// Writes a text in the place of a settings file, unless what stands there can't be read.
 void ReplaceFile(const char *name, const LineWriter &text) {
     PendingFile file;
-    if (text.Whole() && WritePending(name, text.Text(), name, &file)) (void)file.TakePlace();
+    if (text.Whole() && WritePending(name, text.Text(), &file) && file.TakePlace()) file.SyncFolder();
 }
-
-} // namespace
 
 // The ini file.
 
 /// The place of a row's variable in another store than `Settings`.
-static const char *VariableIn(const SettingsStore &store, const ConfigEntry &row) {
+const char *VariableIn(const SettingsStore &store, const ConfigEntry &row) {
     const auto offset = static_cast<const char *>(row.variable) - reinterpret_cast<const char *>(&Settings);
     return reinterpret_cast<const char *>(&store) + offset;
 }
 
 /// Have the two stores the same value in this row?
-static bool SameValue(const SettingsStore &a, const SettingsStore &b, const ConfigEntry &row) {
+bool SameValue(const SettingsStore &a, const SettingsStore &b, const ConfigEntry &row) {
     const char *left = VariableIn(a, row), *right = VariableIn(b, row);
     if (row.type & kConfigText) return std::strncmp(left, right, kTextSize) == 0;
     return std::memcmp(left, right, sizeof(int32_t)) == 0;
 }
 
 /// Takes from the file as it is now every value that this call left as it found it.
-static void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
+void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
     const SettingsStore mine = Settings;
     Settings = found;
     ReadConfigLines(text, ConfigTable);
@@ -121,20 +117,29 @@ static void TakeOthersChanges(std::string_view text, const SettingsStore &found)
     }
 }
 
-/// Moves the generations of a file by one: the first backup becomes the second, and the present bytes the first. Either
+/// Makes ready a backup of a file: another name for it, since no writer touches a file that stands, or else a copy.
+bool BackUp(const char *name, const SettingsText &file, const char *backup, PendingFile *pending) {
+    char from[kPathSize], to[kPathSize];
+    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) &&
+           (pending->Link(to, from) || pending->Write(to, file.Bytes(), from));
+}
+
+/// Moves the generations of a file by one: the first backup becomes the second, and the present file the first. Either
 /// both move or none: with the first alone in the second's place, the older would be lost and nothing gained.
-static void RotateBackups(const char *name, const SettingsText &present) {
+void RotateBackups(const char *name, const SettingsText &present) {
     char first[kPathSize], second[kPathSize + 10];
     std::snprintf(first, sizeof first, "Backup of %s", name);
     std::snprintf(second, sizeof second, "Backup of %s", first);
     const SettingsText oldFirst(first);
     PendingFile newFirst, newSecond;
     if (oldFirst.Failed()) return;
-    if (oldFirst.Exists() && !WritePending(second, oldFirst.Bytes(), first, &newSecond)) return;
-    if (present.Exists() && !WritePending(first, present.Bytes(), name, &newFirst)) return;
+    if (oldFirst.Exists() && !BackUp(first, oldFirst, second, &newSecond)) return;
+    if (present.Exists() && !BackUp(name, present, first, &newFirst)) return;
     (void)newSecond.TakePlace();
     (void)newFirst.TakePlace();
 }
+
+} // namespace
 
 FoundSettings ReadSettings(uint32_t runFlags) {
     const SettingsText file(SettingsFilesFor(runFlags).ini);
@@ -154,37 +159,41 @@ void WriteSettings(uint32_t runFlags, const FoundSettings &found) {
     WriteConfigLines(out, ConfigTable);
     // The backups move only once the new file has its room on the disk.
     PendingFile file;
-    if (!out.Whole() || !WritePending(name, out.Text(), name, &file)) return;
+    if (!out.Whole() || !WritePending(name, out.Text(), &file)) return;
     RotateBackups(name, present);
-    (void)file.TakePlace();
+    if (file.TakePlace()) file.SyncFolder();
 }
 
 // The enable file.
 
-static std::bitset<kFilterCount> EnabledBits() {
+namespace {
+
+std::bitset<kFilterCount> EnabledBits() {
     std::bitset<kFilterCount> bits;
     for (size_t row = 0; row < kFilterCount; row++) bits[row] = (FilterCatalogue[row].flags & FilterEnabled) != 0;
     return bits;
 }
 
-static void SetEnabled(FilterEntry *entry, bool enabled) {
+void SetEnabled(FilterEntry *entry, bool enabled) {
     entry->flags &= ~static_cast<uint32_t>(FilterEnabled);
     if (enabled) entry->flags |= FilterEnabled;
 }
 
-static void SetEnabledBits(const std::bitset<kFilterCount> &bits) {
+void SetEnabledBits(const std::bitset<kFilterCount> &bits) {
     for (size_t row = 0; row < kFilterCount; row++) SetEnabled(&FilterCatalogue[row], bits[row]);
 }
 
 /// The file has underscores for the blanks of a filter's name. No name has an underscore of its own, and no key a
 /// blank.
-static FilterEntry *FindFilter(char *key) {
+FilterEntry *FindFilter(char *key) {
     std::replace(key, key + std::strlen(key), '_', ' ');
     for (FilterEntry &entry : FilterCatalogue) {
         if (SameIgnoringCase(key, entry.name)) return &entry;
     }
     return nullptr;
 }
+
+} // namespace
 
 void ReadEnableLines(std::string_view text) {
     LineReader lines{text};

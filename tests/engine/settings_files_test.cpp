@@ -49,12 +49,14 @@ struct SettingsFiles : ::testing::Test {
     void SetUp() override {
         fs::create_directories(folder);
         ::setenv("XDG_CONFIG_HOME", root.c_str(), 1);
+        ::setenv("SOURCE_DATE_EPOCH", "1000000000", 1); // files are compared with earlier ones
         Settings = FactorySettings();
         for (const FilterEntry &entry : FilterCatalogue) keptFlags.push_back(entry.flags);
     }
     void TearDown() override {
         fs::remove_all(root);
         ::unsetenv("XDG_CONFIG_HOME");
+        ::unsetenv("SOURCE_DATE_EPOCH");
         Settings = keptSettings;
         for (size_t row = 0; row < keptFlags.size(); row++) FilterCatalogue[row].flags = keptFlags[row];
     }
@@ -150,13 +152,11 @@ TEST_F(SettingsFiles, KeylessAndLongLines) {
 }
 
 TEST_F(SettingsFiles, WritesTheExactLines) {
-    ::setenv("SOURCE_DATE_EPOCH", "1000000000", 1);
     ::setenv("TZ", "UTC", 1);
     Settings.FilterContrast = -1;
     const std::string text = SavedIni();
     ::setenv("SOURCE_DATE_EPOCH", "67768036191676799", 1);
     EXPECT_NE(SavedIni().find("\n;Last updated Wed Dec 31 23:59:59 2147\n"), std::string::npos) << "cut, not wrapped";
-    ::unsetenv("SOURCE_DATE_EPOCH");
     ::unsetenv("TZ");
     const std::string start = ";LMFFILTR configuration file\n;Edit this at your own risk\n"
                               ";Last updated Sun Sep 09 01:46:40 2001\n;\n[PlugIn]\nBuildDate = ";
@@ -223,7 +223,7 @@ TEST_F(SettingsFiles, EachSaveMovesTheOldFilesAndAFailedOneLeavesThem) {
     rlimit limit, kept;
     ::getrlimit(RLIMIT_FSIZE, &kept);
     const auto saveWithLimit = [&](rlim_t bytes) {
-        limit = {bytes, kept.rlim_max};
+        limit = {std::min(bytes, kept.rlim_max), kept.rlim_max};
         ::setrlimit(RLIMIT_FSIZE, &limit);
         SavedIni();
         ::setrlimit(RLIMIT_FSIZE, &kept);
@@ -231,12 +231,28 @@ TEST_F(SettingsFiles, EachSaveMovesTheOldFilesAndAFailedOneLeavesThem) {
     saveWithLimit(1000);
     expectTheFour("when the disk is full");
 
-    // The new file fits, the backups of a longer one do not: they stay as a pair.
-    Put(folder / "LmfFiltr.ini", saved[3] + std::string(20000, ';'));
+    // The new file has room, a copy of the old one has not: the backup is the old file itself.
+    const std::string old = saved[3] + std::string(20000, ';');
+    Put(folder / "LmfFiltr.ini", old);
     saveWithLimit(15000);
     EXPECT_NE(Contents(folder / "LmfFiltr.ini").find("\nFilterContrast = 9\n"), std::string::npos);
-    Put(folder / "LmfFiltr.ini", saved[3]);
-    expectTheFour("when the disk is nearly full");
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), old);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[2]);
+
+    // A file that is kept in another file system has to be copied. Where that fails, the backups stay as a pair.
+    const fs::path elsewhere = "/dev/shm/" + root.filename().string();
+    Put(elsewhere, old);
+    fs::remove(folder / "LmfFiltr.ini");
+    fs::create_symlink(elsewhere, folder / "LmfFiltr.ini");
+    saveWithLimit(15000);
+    EXPECT_NE(Contents(elsewhere).find("\nFilterContrast = 9\n"), std::string::npos);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[2]);
+    const std::string present = Contents(elsewhere);
+    saveWithLimit(RLIM_INFINITY);
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), present);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), old);
+    EXPECT_EQ(Files().size(), 3u);
+    fs::remove(elsewhere);
 }
 
 TEST_F(SettingsFiles, WhatCannotBeReadIsNeverReplaced) {
@@ -370,7 +386,7 @@ TEST_F(SettingsFiles, LockIsWaitedForAndFreedWithItsHolder) {
     const auto start = std::chrono::steady_clock::now();
     const FileLock late(path.c_str(), 30);
     EXPECT_TRUE(late.busy && !late.held);
-    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(30));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
     std::thread release([&holder] { holder.reset(); });
     const FileLock next(path.c_str(), 10000);
     release.join();

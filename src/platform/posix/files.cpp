@@ -107,27 +107,34 @@ void RemoveLeftovers(const char *target) {
         const bool ours = std::strncmp(name, base, length) == 0 && name[length] == '.' &&
                           std::strspn(name + length + 1, "0123456789abcdef") == kNewDigits &&
                           std::strcmp(name + length + 1 + kNewDigits, kNewEnding) == 0;
-        struct stat state;
-        if (ours && fstatat(dirfd(entries), name, &state, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(state.st_mode) &&
-            state.st_mtime < std::time(nullptr) - kLongAgo)
-            unlinkat(dirfd(entries), name, 0);
+        struct stat status;
+        if (!ours || fstatat(dirfd(entries), name, &status, AT_SYMLINK_NOFOLLOW) != 0 || !S_ISREG(status.st_mode))
+            continue;
+        // Another name for an old file is as old as its last change of names.
+        const time_t made = status.st_nlink == 1 ? status.st_mtime : status.st_ctime;
+        if (made < std::time(nullptr) - kLongAgo) unlinkat(dirfd(entries), name, 0);
     }
     closedir(entries);
 }
 
-/// Makes a file beside the target under a name that is free. @return its descriptor, or -1
-int CreateBeside(const char *target, mode_t mode, char (&path)[kFolderSize]) {
+/// Makes a file beside the target under a name that is free.
+/// @param make  takes a name and gives a negative number and EEXIST where it is taken
+/// @return what `make` gave at last
+template <typename Make>
+int MakeBeside(const char *target, char (&path)[kFolderSize], Make make) {
     constexpr int kMostTries = 100;
     const size_t length = std::strlen(target);
     if (length + kNewLength >= kFolderSize) return -1;
-    std::memcpy(path, target, length);
+    char name[kFolderSize];
+    std::memcpy(name, target, length);
     for (int i = 0; i < kMostTries; i++) {
         timespec now;
         clock_gettime(CLOCK_REALTIME, &now);
         const auto digits = static_cast<unsigned>(now.tv_nsec) ^ static_cast<unsigned>(getpid()) << 10;
-        std::snprintf(path + length, kNewLength + 1, ".%08x%s", digits, kNewEnding);
-        const int file = open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-        if (file >= 0 || errno != EEXIST) return file;
+        std::snprintf(name + length, kNewLength + 1, ".%08x%s", digits, kNewEnding);
+        const int made = make(name);
+        if (made >= 0) std::strcpy(path, name);
+        if (made >= 0 || errno != EEXIST) return made;
     }
     return -1;
 }
@@ -137,6 +144,17 @@ bool TakeRights(int file, const struct stat &rights) {
     const int done = fchown(file, rights.st_uid, rights.st_gid);
     (void)done; // only root may give files away
     return fchmod(file, rights.st_mode & 0777) == 0;
+}
+
+bool SameTime(const timespec &a, const timespec &b) {
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+/// Milliseconds of a clock that nobody sets.
+int64_t Milliseconds() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
 }
 
 } // namespace
@@ -172,16 +190,21 @@ PendingFile::~PendingFile() {
     if (temporary[0] != '\0') unlink(temporary);
 }
 
+bool PendingFile::Choose(const char *path) {
+    if (!FollowLinks(path, target) || InputFile(target).state == FileState::kFailed) return false;
+    RemoveLeftovers(target);
+    return true;
+}
+
 bool PendingFile::Write(const char *path, std::string_view bytes, const char *rightsOf) {
-    if (!FollowLinks(path, target)) return false;
-    if (InputFile(target).state == FileState::kFailed) return false;
+    if (!Choose(path)) return false;
     struct stat rights;
     const bool given = stat(rightsOf, &rights) == 0;
-    RemoveLeftovers(target);
-    char beside[kFolderSize];
-    const int file = CreateBeside(target, given ? rights.st_mode & 0777 : 0666, beside);
+    const mode_t mode = given ? rights.st_mode & 0777 : 0666;
+    const int file = MakeBeside(target, temporary, [mode](const char *name) {
+        return open(name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+    });
     if (file < 0) return false;
-    std::strcpy(temporary, beside);
     const bool written = (!given || TakeRights(file, rights)) && WriteAll(file, bytes) && Sync(file);
     const bool closed = close(file) == 0;
     if (written && closed) return true;
@@ -190,41 +213,55 @@ bool PendingFile::Write(const char *path, std::string_view bytes, const char *ri
     return false;
 }
 
+bool PendingFile::Link(const char *path, const char *file) {
+    return Choose(path) && MakeBeside(target, temporary, [file](const char *name) {
+                               return linkat(AT_FDCWD, file, AT_FDCWD, name, AT_SYMLINK_FOLLOW);
+                           }) == 0;
+}
+
 bool PendingFile::TakePlace() {
     if (temporary[0] == '\0' || rename(temporary, target) != 0) return false;
+    // Where both are names of one file, rename leaves them alone.
+    unlink(temporary);
     temporary[0] = '\0';
-    // Not every file system can sync a folder. The file has its name in any case.
-    char path[kFolderSize];
-    FolderOfPath(target, path);
-    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return true;
-    (void)Sync(folder);
-    close(folder);
     return true;
 }
 
-/// Milliseconds of a clock that nobody sets.
-static int64_t Milliseconds() {
-    timespec now;
-    clock_gettime(CLOCK_MONOTONIC, &now);
-    return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1000000;
+void PendingFile::SyncFolder() const {
+    char path[kFolderSize];
+    FolderOfPath(target, path);
+    const int folder = open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder < 0) return;
+    (void)Sync(folder);
+    close(folder);
 }
 
 FileLock::FileLock(const char *path, int milliseconds) {
-    constexpr timespec kPause = {0, 2000000};
+    constexpr timespec kPause = {0, 500000};
     constexpr int kFlags = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     int file = open(path, O_RDWR | kFlags, 0666);
     if (file < 0) file = open(path, O_RDONLY | kFlags, 0666); // another user's, which can be locked all the same
     if (file < 0) return;
     handle = file;
-    const int64_t end = Milliseconds() + milliseconds;
+    const int64_t start = Milliseconds();
+    int64_t holderSince = start;
+    timespec holder = {};
     while (!held && !busy) {
         held = flock(file, LOCK_EX | LOCK_NB) == 0;
         if (held || errno == EINTR) continue;
         if (errno != EWOULDBLOCK) return;
-        busy = Milliseconds() >= end;
+        // Each holder leaves its time on the file. On a crowded machine one that saves again and again can take the
+        // lock many times before another gets to look, which is no reason to give up.
+        struct stat status;
+        const int64_t now = Milliseconds();
+        if (fstat(file, &status) == 0 && !SameTime(status.st_mtim, holder)) {
+            holder = status.st_mtim;
+            holderSince = now;
+        }
+        busy = now - holderSince >= milliseconds || now - start >= int64_t{10} * milliseconds;
         if (!busy) nanosleep(&kPause, nullptr);
     }
+    if (held) futimens(file, nullptr);
 }
 
 FileLock::~FileLock() {
