@@ -43,8 +43,8 @@ static_assert(AT(AdjustRequest, second, 24) && AT(AdjustRequest, hostValue, 376)
 
 namespace lmf::testing {
 
-static constexpr uint32_t kInvertColors = 39;
-static constexpr uint32_t kGamma = 30;
+static constexpr uint32_t kInvertColors = LMF_FILTER_INVERT_COLORS;
+static constexpr uint32_t kGamma = LMF_FILTER_GAMMA;
 
 static int32_t Agree(void *, const char *) {
     return 1;
