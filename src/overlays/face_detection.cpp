@@ -7,20 +7,37 @@
 
 namespace lmf {
 
-static constexpr const char *kFunctions =
+namespace {
+
+constexpr const char *kFunctions =
     "Show faces (rectanglular);Mask faces (rectangular);Show faces (elliptical);Mask faces (elliptical);"
     "Frame faces (rectangular);Frame faces (elliptical);Blur faces (rectangular);Blur faces (elliptical);"
     "Obscure faces (rectangular);Obscure faces (elliptical);Show faces alpha (rectanglular);"
     "Mask faces alpha (rectangular);Show faces alpha (elliptical);Mask faces alpha (elliptical)";
 
-static constexpr PageControl kPage[] = {
-    Combo(440, "Function:", &P::FilterFaceDetectOption, kFunctions).Edit(0, INT32_MAX),
-    Slider(441, "Obscure:", &P::FilterFaceDetectObscure, {2, 16}),
-    Slider(442, "Mask blur:", &P::FilterFaceDetectBlur, {0, 65}),
-    Slider(443, "Mask opacity:", &P::FilterFaceDetectOpacity, {8, 255}),
-    Slider(444, "Line size:", &P::FilterFaceDetectLineSize, {1, 64}),
-    Slider(445, "Round:", &P::FilterFaceDetectRound, {0, 100}),
+constexpr PageControl kPage[] = {
+    Combo(440, "Function:", &P::FilterFaceDetectOption, kFunctions)
+        .Edit(0, INT32_MAX)
+        .Help("What happens to the faces; entries after the list cut out one face each."),
+    Slider(441, "Obscure:", &P::FilterFaceDetectObscure, {2, 16})
+        .In(Unit::Pixels)
+        .Help("The side of the cells that make a face unrecognizable."),
+    Slider(442, "Mask blur:", &P::FilterFaceDetectBlur, {0, 65})
+        .In(Unit::Pixels)
+        .Help("How soft the edge of the mask and the blur of a face are."),
+    Slider(443, "Mask opacity:", &P::FilterFaceDetectOpacity, {8, 255})
+        .In(Unit::Levels)
+        .Help("How much of the paper color covers everything but the faces."),
+    Slider(444, "Line size:", &P::FilterFaceDetectLineSize, {1, 64})
+        .In(Unit::Pixels)
+        .Help("The width of the frame around a face."),
+    Slider(445, "Round:", &P::FilterFaceDetectRound, {0, 100})
+        .In(Unit::Percent)
+        .Help("How round the corners of a rectangle are."),
 };
+
+} // namespace
+
 extern constexpr Filter kFaceDetection = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -6,18 +6,26 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    CheckBox(692, "Crop marks", &P::FilterPrepressCropmarks),
-    CheckBox(693, "Alignment marks", &P::FilterPrepressAlignmentmarks),
-    CheckBox(694, "CMYK swatches", &P::FilterPrepressCmykSwatches),
-    CheckBox(695, "Color swatches", &P::FilterPrepressColorswatches),
-    CheckBox(696, "Information", &P::FilterPrepressDetails),
-    CheckBox(697, "Date and time", &P::FilterPrepressDate),
-    CheckBox(691, "Bold", &P::FilterPrepressDetailbold),
-    FontButton(690, "Font:", &P::FilterPrepressFontname),
-    TextField(698, "Text:", &P::FilterPrepressDetailText),
-    HiddenBool(&P::FilterPrepressOnePixelLines),
+namespace {
+
+constexpr PageControl kPage[] = {
+    CheckBox(692, "Crop marks", &P::FilterPrepressCropmarks).Help("Draws the lines that show where to cut."),
+    CheckBox(693, "Alignment marks", &P::FilterPrepressAlignmentmarks)
+        .Help("Draws the crosses by which prints are laid over each other."),
+    CheckBox(694, "CMYK swatches", &P::FilterPrepressCmykSwatches).Help("Draws ramps of the four inks."),
+    CheckBox(695, "Color swatches", &P::FilterPrepressColorswatches).Help("Draws squares of pure colors."),
+    CheckBox(696, "Information", &P::FilterPrepressDetails).Help("Prints the line of information."),
+    CheckBox(697, "Date and time", &P::FilterPrepressDate).Help("Prints the date and the time."),
+    CheckBox(691, "Bold", &P::FilterPrepressDetailbold).Help("Sets the information in bold letters."),
+    FontButton(690, "Font:", &P::FilterPrepressFontname).Help("The typeface of the information."),
+    TextField(698, "Text:", &P::FilterPrepressDetailText)
+        .Help("The line of information; macros such as %D are filled in."),
+    HiddenBool(&P::FilterPrepressOnePixelLines)
+        .Help("Keeps the lines of the marks one pixel wide, however large the picture is."),
 };
+
+} // namespace
+
 extern constexpr Filter kPrepress = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

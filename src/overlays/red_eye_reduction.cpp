@@ -4,9 +4,15 @@
 
 namespace lmf {
 
-static constexpr PageControl kPage[] = {
-    Slider(730, "Threshold:", &P::FilterRRedeyeThreshold, {250, 2250}),
+namespace {
+
+constexpr PageControl kPage[] = {
+    Slider(730, "Threshold:", &P::FilterRRedeyeThreshold, {250, 2250})
+        .Help("How far red must stand out for a pixel of an eye to count, in thousandths of the other colors."),
 };
+
+} // namespace
+
 extern constexpr Filter kRedEyeReduction = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -8,35 +8,69 @@
 
 namespace lmf {
 
-static constexpr const char *kProcesses =
+namespace {
+
+constexpr const char *kProcesses =
     "Fill;Solid bars;Single gradient bars;Double gradient bars;Double gradient bars mirrored;Soft bars;"
     "Soft bars mirrored;Soft bars reverse mirrored;Shadow on solid;Shadow on gradient;Large background;"
     "Shadow large background";
 
-static constexpr PageControl kPage[] = {
-    ComboFrom(ListSource::Destinations, 1160, "Destination:", &P::FilterSocialMediaDestination),
-    Combo(1161, "Process:", &P::FilterSocialMediaProcess, kProcesses),
-    ColorButton(1162, "Solid / Start", &P::FilterSocialMediaColor1),
-    ColorButton(1163, "End", &P::FilterSocialMediaColor2),
-    Combo(1164, "Gradient:", &P::FilterSocialMediaGradientType, "Linear;Conic;Spherical;Cubic"),
-    Slider(1165, "Gradient angle:", &P::FilterSocialMediaGradientAngle, {0, 359}),
-    Slider(1166, "Gradient X:", &P::FilterSocialMediaGradientX, {1, 99}),
-    Slider(1167, "Gradient Y:", &P::FilterSocialMediaGradientY, {1, 99}),
-    CheckBox(1168, "Key line", &P::FilterSocialMediaKeylineEnable),
-    Slider(1169, "Key line size:", &P::FilterSocialMediaKeylineSize, {1, 30}),
-    ColorButton(1170, "Keyline", &P::FilterSocialMediaKeylineColor),
-    NumberEdit(1171, "Hue:", &P::FilterSocialMediaHSBHue, {0, 360}),
-    NumberEdit(1172, "Sat:", &P::FilterSocialMediaHSBSat, {0, 200}),
-    NumberEdit(1173, "Bri:", &P::FilterSocialMediaHSBBri, {0, 200}),
-    NumberEdit(1174, "Blur:", &P::FilterSocialMediaBlur, {0, 100}),
-    Slider(1176, "Shadow mrgn.:", &P::FilterSocialMediaFrameMargin, {1, 50}),
-    CheckBox(1175, "Shadow", &P::FilterSocialMediaShadowEnable),
-    Slider(1177, "Shadow off.:", &P::FilterSocialMediaShadowOffset, {0, 10}),
-    Slider(1178, "Shadow soft.:", &P::FilterSocialMediaShadowSoftness, {0, 20}),
-    Slider(1179, "Shadow opac.:", &P::FilterSocialMediaShadowOpacity, {1, 255}),
-    ColorButton(1180, "Shadow", &P::FilterSocialMediaShadowColor),
-    HiddenNumber(&P::FilterSocialMediaFrameSize, {INT32_MIN, INT32_MAX}),
+constexpr PageControl kPage[] = {
+    ComboFrom(ListSource::Destinations, 1160, "Destination:", &P::FilterSocialMediaDestination)
+        .Help("The size that the picture is made for."),
+    Combo(1161, "Process:", &P::FilterSocialMediaProcess, kProcesses)
+        .Help("What fills the space that the picture leaves, or that the picture is cut to fill it."),
+    ColorButton(1162, "Solid / Start", &P::FilterSocialMediaColor1)
+        .Help("The color of solid bars, and the first color of gradients."),
+    ColorButton(1163, "End", &P::FilterSocialMediaColor2).Help("The last color of gradients."),
+    Combo(1164, "Gradient:", &P::FilterSocialMediaGradientType, "Linear;Conic;Spherical;Cubic")
+        .Help("How the colors of a gradient run: along a line, around a point, in rings or in boxes."),
+    Slider(1165, "Gradient angle:", &P::FilterSocialMediaGradientAngle, {0, 359})
+        .In(Unit::Degrees)
+        .Help("Turns the gradient clockwise."),
+    Slider(1166, "Gradient X:", &P::FilterSocialMediaGradientX, {1, 99})
+        .In(Unit::Percent)
+        .Help("Where the middle of the gradient lies from left to right."),
+    Slider(1167, "Gradient Y:", &P::FilterSocialMediaGradientY, {1, 99})
+        .In(Unit::Percent)
+        .Help("Where the middle of the gradient lies from top to bottom."),
+    CheckBox(1168, "Key line", &P::FilterSocialMediaKeylineEnable).Help("Draws a line around the picture."),
+    Slider(1169, "Key line size:", &P::FilterSocialMediaKeylineSize, {1, 30})
+        .In(Unit::Pixels)
+        .Help("The width of the line around the picture."),
+    ColorButton(1170, "Keyline", &P::FilterSocialMediaKeylineColor).Help("The color of the line around the picture."),
+    NumberEdit(1171, "Hue:", &P::FilterSocialMediaHSBHue, {0, 360})
+        .In(Unit::Degrees)
+        .Help("Turns the hues of the softened parts."),
+    NumberEdit(1172, "Sat:", &P::FilterSocialMediaHSBSat, {0, 200})
+        .In(Unit::Percent)
+        .Help("The saturation of the softened parts; 100 keeps it."),
+    NumberEdit(1173, "Bri:", &P::FilterSocialMediaHSBBri, {0, 200})
+        .In(Unit::Percent)
+        .Help("The brightness of the softened parts; 100 keeps it."),
+    NumberEdit(1174, "Blur:", &P::FilterSocialMediaBlur, {0, 100}).Help("How soft the softened parts are."),
+    Slider(1176, "Shadow mrgn.:", &P::FilterSocialMediaFrameMargin, {1, 50})
+        .In(Unit::Percent)
+        .Help("The space around the picture in which the shadow falls."),
+    CheckBox(1175, "Shadow", &P::FilterSocialMediaShadowEnable).Named("Shadow").Help("Lets the picture cast a shadow."),
+    Slider(1177, "Shadow off.:", &P::FilterSocialMediaShadowOffset, {0, 10})
+        .In(Unit::Percent)
+        .Help("How far the shadow falls to the lower right."),
+    Slider(1178, "Shadow soft.:", &P::FilterSocialMediaShadowSoftness, {0, 20})
+        .In(Unit::Percent)
+        .Help("How soft the edge of the shadow is."),
+    Slider(1179, "Shadow opac.:", &P::FilterSocialMediaShadowOpacity, {1, 255})
+        .In(Unit::Levels)
+        .Help("How dark the shadow is; 255 is full."),
+    ColorButton(1180, "Shadow", &P::FilterSocialMediaShadowColor)
+        .Named("Shadow color")
+        .Help("The color of the shadow."),
+    HiddenNumber(&P::FilterSocialMediaFrameSize, {INT32_MIN, INT32_MAX})
+        .Help("Kept in the settings file; it changes nothing."),
 };
+
+} // namespace
+
 extern constexpr Filter kSocialMedia = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf

@@ -7,28 +7,49 @@
 
 namespace lmf {
 
-static constexpr const char *kEffects =
+namespace {
+
+constexpr const char *kEffects =
     "None;Shadow UL;Shadow UR;Shadow LL;Shadow LR;Dark key line;Highlight UL;Highlight UR;Highlight LL;Highlight LR;"
     "Light key line;Light upper left;Light upper right;Light lower left;Light lower right";
 
 // A stored effect may be one past the list, which is as good as None. The key factor divides, so it is kept above 0.
-static constexpr PageControl kPage[] = {
-    TextField(1040, "Text:", &P::FilterWatermarkString),
-    FontButton(1035, "Font:", &P::FilterWatermarkFontname),
-    NumberEdit(1036, "Font size:", &P::FilterWatermarkFontsize, {4, 288}),
-    CheckBox(1037, "Bold", &P::FilterWatermarkBold),
-    CheckBox(1038, "Italic", &P::FilterWatermarkItal),
-    Slider(1030, "Horiz. offset:", &P::FilterWatermarkXoff, {0, 20}),
-    Slider(1031, "Vert. offset:", &P::FilterWatermarkYoff, {0, 20}),
-    Slider(1032, "Opacity:", &P::FilterWatermarkOpacity, {8, 255}),
-    Combo(1033, "Position:", &P::FilterWatermarkPos, "Upper left;Upper right;Lower left;Lower right;Center"),
-    Combo(1034, "Effect:", &P::FilterWatermarkEffect, kEffects).Stored(0, 15),
-    ColorButton(1042, "Shadow", &P::FilterWatermarkShadowColor),
-    ColorButton(1041, "Highlight", &P::FilterWatermarkHighlightColor),
-    TextField(1043, "Image:", &P::FilterWatermarkImagePath),
-    CheckBox(1045, "Use image", &P::FilterWatermarkImageUse),
-    HiddenNumber(&P::FilterWatermarkKeyFactor, {1, INT32_MAX}),
+constexpr PageControl kPage[] = {
+    TextField(1040, "Text:", &P::FilterWatermarkString).Help("The text of the mark; macros such as %C are filled in."),
+    FontButton(1035, "Font:", &P::FilterWatermarkFontname).Help("The typeface of the mark."),
+    NumberEdit(1036, "Font size:", &P::FilterWatermarkFontsize, {4, 288})
+        .In(Unit::Pixels)
+        .Help("The height of the letters."),
+    CheckBox(1037, "Bold", &P::FilterWatermarkBold).Help("Sets the mark in bold letters."),
+    CheckBox(1038, "Italic", &P::FilterWatermarkItal).Help("Sets the mark in slanted letters."),
+    Slider(1030, "Horiz. offset:", &P::FilterWatermarkXoff, {0, 20})
+        .In(Unit::Percent)
+        .Help("How far the mark stands from the left or right edge."),
+    Slider(1031, "Vert. offset:", &P::FilterWatermarkYoff, {0, 20})
+        .In(Unit::Percent)
+        .Help("How far the mark stands from the upper or lower edge."),
+    Slider(1032, "Opacity:", &P::FilterWatermarkOpacity, {8, 255})
+        .In(Unit::Levels)
+        .Help("How much the mark covers the picture; 255 hides what is below it."),
+    Combo(1033, "Position:", &P::FilterWatermarkPos, "Upper left;Upper right;Lower left;Lower right;Center")
+        .Help("The corner in which the mark stands, or the middle."),
+    Combo(1034, "Effect:", &P::FilterWatermarkEffect, kEffects)
+        .Stored(0, 15)
+        .Help("Adds shadows, lights or a key line to the letters."),
+    ColorButton(1042, "Shadow", &P::FilterWatermarkShadowColor).Help("The color of the shadows and of dark key lines."),
+    ColorButton(1041, "Highlight", &P::FilterWatermarkHighlightColor)
+        .Help("The color of the lights and of light key lines."),
+    TextField(1043, "Image:", &P::FilterWatermarkImagePath)
+        .Help("The file of the picture that is printed in place of the text."),
+    PushButton(1044, "Select..."),
+    CheckBox(1045, "Use image", &P::FilterWatermarkImageUse).Help("Prints the picture of Image in place of the text."),
+    HiddenNumber(&P::FilterWatermarkKeyFactor, {1, INT32_MAX})
+        .In(Unit::Pixels)
+        .Help("The shift of shadows and lights grows by a pixel for each so many pixels of letter height."),
 };
+
+} // namespace
+
 extern constexpr Filter kWatermark = MakeFilter<kPage>(nullptr);
 
 } // namespace lmf
