@@ -39,7 +39,8 @@ enum {
     LMF_RUN_PAINT = 32,        /* as LMF_RUN_DAUBERY, with the standard settings files */
     LMF_RUN_SCALE_DIALOG = 64, /* the dialog grows to its parent's size */
     LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
-    LMF_RUN_FRAMELOOM = 256    /* the animation host Frameloom */
+    LMF_RUN_FRAMELOOM = 256,   /* the animation host Frameloom */
+    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: `hooks`, where given, points to an LmfExtendedHooks */
 };
 
 /* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code
@@ -154,7 +155,8 @@ enum { LMF_FILTERS(LMF_FILTER_ENUMERATOR) LMF_FILTER_COUNT };
 #define LMF_FILTER_LAST 0xFFFFFFFFu
 
 /* Error codes and their texts in order: X(ENUMERATOR, "text"). The filter path sets LMF_ERROR_OK, _CANCELLED,
- * _UNSUPPORTED and _MEMORY; the rest are shared with hosts. */
+ * _UNSUPPORTED and _MEMORY, and to extended hooks also _INFORMATION for a null argument and _UNSUITABLE for a source
+ * that cannot be read; the rest are shared with hosts. */
 #define LMF_ERRORS(X)                                                                                                  \
     X(OK, "Ok")                                                                                                        \
     X(OPEN, "Error opening file")                                                                                      \
@@ -202,6 +204,15 @@ typedef struct HostHooks {
     char folder[261];    /* zero-terminated */
     char extension[261]; /* zero-terminated */
 } HostHooks;
+
+/* What `hooks` points to in a call with LMF_RUN_EXTENDED and LMF_RUN_DIRECT. Fields beyond `size` count as null. */
+typedef struct LmfExtendedHooks {
+    HostHooks hooks;
+    uint32_t size;        /* in: bytes of the whole record, from the start of `hooks` */
+    int32_t errorCode;    /* out, on success too: an LMF_ERROR_ */
+    const char *settings; /* reserved: null */
+    LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
+} LmfExtendedHooks;
 
 /* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */
 typedef void (*LmfView)(void *window, LmfHandle picture, void *hostValue); /* shows a picture */
@@ -290,7 +301,8 @@ typedef struct AdjustRequest {
  *  @param browserPath      executable that shows help, at most 260 characters; may be null
  *  @param browserMask      which browsers to try for help
  *  @param hostReserved     stored and not used
- *  @param hooks            may be null
+ *  @param hooks            may be null; with LMF_RUN_EXTENDED and LMF_RUN_DIRECT the first part of an LmfExtendedHooks,
+ *                          which the library also writes to
  *  @return 1 on success. On 0 nothing was written through `picture` and `second`. */
 LMF_API uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second,
                                           int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags,

@@ -147,6 +147,7 @@ Json DescribeFilter(int32_t row, const Json &categories) {
     filter["accepts"] = DescribeAccepted(entry.flags);
     filter["alpha"] = DescribeAlpha(entry.flags);
     filter["needsAlpha"] = (entry.flags & FilterNeedsSecond) != 0;
+    filter["needsClipboard"] = (entry.flags & FilterNeedsClipboard) != 0;
     filter["available"] = entry.filter->FilterKernel != nullptr;
     filter["flags"] = entry.flags;
     filter["itemId"] = entry.itemId;

@@ -68,7 +68,7 @@ std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, co
     return text;
 }
 
-TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const Task &task) {
+TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const Bitmap &clipboard, const Task &task) {
     TaskOutcome outcome;
     Report report;
     Picture picture;
@@ -84,7 +84,7 @@ TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const T
     }
     if (!ReadPicture(task.input, request.limits, picture, report)) return finish(kUnreadable, report.error);
     const auto start = std::chrono::steady_clock::now();
-    const FilterOutcome filtered = ApplyFilter(library, picture, report);
+    const FilterOutcome filtered = ApplyFilter(library, picture, clipboard, report);
     outcome.filterSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (!filtered.done) return finish(kFilterFailed, DescribeFailure(*request.settings.filter, filtered, picture));
     outcome.width = picture.image.width;
@@ -96,9 +96,10 @@ TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const T
 }
 
 // Memory may also end in a codec or a container; then one picture has failed, and not the program.
-TaskOutcome RunTaskSafely(const ApplyRequest &request, const Library &library, const Task &task) {
+TaskOutcome RunTaskSafely(const ApplyRequest &request, const Library &library, const Bitmap &clipboard,
+                          const Task &task) {
     try {
-        return RunTask(request, library, task);
+        return RunTask(request, library, clipboard, task);
     } catch (const std::bad_alloc &) {
         TaskOutcome outcome;
         outcome.code = kUnreadable;
@@ -140,7 +141,8 @@ void SumUp(size_t total, size_t failed, size_t skipped) {
 }
 
 // Runs all tasks, whatever becomes of each.
-int RunTasks(const ApplyRequest &request, const Library &library, const std::vector<Task> &tasks) {
+int RunTasks(const ApplyRequest &request, const Library &library, const Bitmap &clipboard,
+             const std::vector<Task> &tasks) {
     Json document;
     document["filter"] = (*request.settings.filter)["name"];
     document["pictures"] = Json::array();
@@ -150,7 +152,7 @@ int RunTasks(const ApplyRequest &request, const Library &library, const std::vec
     const Progress progress(tasks.size());
     for (size_t i = 0; i < tasks.size(); ++i) {
         progress.Show(i, BaseName(tasks[i].input));
-        const TaskOutcome outcome = RunTaskSafely(request, library, tasks[i]);
+        const TaskOutcome outcome = RunTaskSafely(request, library, clipboard, tasks[i]);
         Tell(tasks[i], outcome, progress);
         if (exitCode == kDone) exitCode = outcome.code;
         failed += outcome.code != kDone;
@@ -161,6 +163,22 @@ int RunTasks(const ApplyRequest &request, const Library &library, const std::vec
     if (tasks.size() > 1) SumUp(tasks.size(), failed, skipped);
     if (request.json) std::printf("%s\n", document.dump(1, ' ', false, Json::error_handler_t::replace).c_str());
     return exitCode;
+}
+
+// Reads the picture that plays the part of the clipboard, if one is named. Complains of what is wrong with it.
+bool ReadClipboard(const ApplyRequest &request, Bitmap &clipboard) {
+    if (request.clipboard.empty()) return true;
+    const std::string name = Printable(request.clipboard) + ": ";
+    Report report;
+    Picture picture;
+    if (!ReadPicture(request.clipboard, request.limits, picture, report)) {
+        Complain(name + report.error);
+        return false;
+    }
+    if (picture.alpha) report.Warn("the alpha is left out, since a clipboard holds none");
+    for (const std::string &warning : report.warnings) Complain(name + "warning: " + warning);
+    clipboard = std::move(picture.image);
+    return true;
 }
 
 } // namespace
@@ -182,6 +200,13 @@ int Apply(const ApplyRequest &request) {
         Complain((unreadable ? Printable(request.settings.fromFile) + ": " : "") + report.error);
         return unreadable ? kUnreadable : kUsage;
     }
+    if (request.clipboard.empty() && (*request.settings.filter)["needsClipboard"]) {
+        Complain((*request.settings.filter)["name"].get<std::string>() +
+                 " needs a second picture: give it with --clipboard PICTURE");
+        return kUsage;
+    }
+    Bitmap clipboard;
+    if (!ReadClipboard(request, clipboard)) return kUnreadable;
     if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
         Complain(Printable(request.folder) + ": " + report.error);
         return kUnwritable;
@@ -194,7 +219,7 @@ int Apply(const ApplyRequest &request) {
         Complain(report.error);
         return kFilterFailed;
     }
-    return RunTasks(request, library, tasks);
+    return RunTasks(request, library, clipboard, tasks);
 }
 
 } // namespace lmf::host

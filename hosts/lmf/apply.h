@@ -19,6 +19,7 @@ struct ApplyRequest {
     std::string folder;    // for the outputs of all inputs, or empty
     std::string extension; // of the outputs in `folder`; empty: the inputs' own
     std::string library;   // path of the filter library; empty: the one beside the program
+    std::string clipboard; // a picture file that plays the part of the clipboard; empty: nothing does
     Limits limits;
     Encoding encoding;
     bool skipExisting = false;

@@ -11,7 +11,6 @@ namespace lmf::host {
 
 namespace {
 
-
 // The block of a batch host. The library writes the error code into it and leaves the rest alone.
 struct BatchRecord {
     uint8_t before[LMF_BATCH_ERROR_OFFSET] = {};
@@ -46,12 +45,16 @@ const char *ErrorText(int code) {
     return code >= 0 && code < LMF_ERROR_COUNT ? kTexts[code] : kTexts[LMF_ERROR_LIBRARY];
 }
 
-FilterOutcome ApplyFilter(const Library &library, Picture &picture, Report &report) {
+FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, Report &report) {
     LmfHandle image = picture.image.block;
     LmfHandle second = picture.alpha.block;
     BatchRecord record;
-    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0,
-                                                LMF_RUN_DIRECT | LMF_RUN_BATCH, &record, nullptr, 0, 0, nullptr);
+    LmfExtendedHooks extended = {};
+    extended.size = sizeof extended;
+    extended.clipboard = clipboard.block;
+    const uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | (clipboard ? LMF_RUN_EXTENDED : 0);
+    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
+                                                0, clipboard ? &extended.hooks : nullptr);
     if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
     Bitmap result;
     Bitmap resultAlpha;

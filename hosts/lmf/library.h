@@ -27,7 +27,9 @@ struct FilterOutcome {
 const char *ErrorText(int code);
 
 /// Runs the filter that the settings in the private folder name, without a window. The picture is replaced by the
-/// result; on failure it stays as it was. `report` takes the warning about an alpha that does not fit the result.
-[[nodiscard]] FilterOutcome ApplyFilter(const Library &library, Picture &picture, Report &report);
+/// result; on failure it stays as it was. `clipboard` plays the part of the clipboard's picture unless it is empty.
+/// `report` takes the warning about an alpha that does not fit the result.
+[[nodiscard]] FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard,
+                                        Report &report);
 
 } // namespace lmf::host

@@ -279,6 +279,9 @@ int ApplyCommand(const Arguments &arguments) {
     app.add_option("--paper", request.settings.paper, "The paper color")->type_name("RRGGBB");
     app.add_option("--settings-from", request.settings.fromFile, "Begin with the settings of an ini file")
         ->type_name("FILE");
+    app.add_option("--clipboard", request.clipboard,
+                   "A picture file that plays the part of the clipboard, for filters that take a second picture")
+        ->type_name("PICTURE");
     CLI::Option *folder =
         app.add_option("--out-dir", request.folder, "Write all results into this folder")->type_name("DIR");
     app.add_option("--format", request.extension, "With --out-dir: the ending of the results, such as png")

@@ -24,8 +24,10 @@ bool MovesSecond(uint32_t flags) {
 void FinishSecond(uint32_t flags, FilterContext &context) {
     const DibReadLock second(context.second);
     if (MovesSecond(flags) && second) {
+        context.runsOnSecond = true;
         if (DibHandle moved = RunFilter(context.filterIndex, second.view, kModeGrey, context))
             ReplaceSecond(context, moved);
+        context.runsOnSecond = false;
     }
     if (flags & FilterDropsSecond) ReplaceSecond(context, nullptr);
     if (!context.secondIsReplaced) ReplaceSecond(context, DibClone(context.second));

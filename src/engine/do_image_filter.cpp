@@ -85,9 +85,33 @@ uint32_t Run(uint32_t runFlags, FilterContext &context) {
     return 0;
 }
 
+/// The record of an extended call as far as it goes; null for other calls.
+struct ExtendedCall {
+    LmfExtendedHooks *record = nullptr;
+
+    explicit ExtendedCall(const HostCall &call) {
+        constexpr uint32_t kExtended = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
+        // The host knows that the library writes to a record of this kind.
+        if ((call.runFlags & kExtended) == kExtended && call.hooks != nullptr)
+            record = reinterpret_cast<LmfExtendedHooks *>(const_cast<HostHooks *>(call.hooks));
+    }
+    /// Does the record hold the bytes before this offset?
+    bool Reaches(size_t end) const { return record != nullptr && record->size >= end; }
+    DibHandle Clipboard() const {
+        constexpr size_t kEnd = offsetof(LmfExtendedHooks, clipboard) + sizeof(LmfHandle);
+        return Reaches(kEnd) ? record->clipboard : nullptr;
+    }
+    void SetErrorCode(int32_t code) const {
+        constexpr size_t kEnd = offsetof(LmfExtendedHooks, errorCode) + sizeof(int32_t);
+        if (Reaches(kEnd)) record->errorCode = code;
+    }
+};
+
 } // namespace
 
 uint64_t DoImageFilter(const HostCall &call) {
+    const ExtendedCall extended(call);
+    extended.SetErrorCode(LMF_ERROR_INFORMATION);
     if (call.picture == nullptr || call.second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
     ReadFiles(call.runFlags);
@@ -96,12 +120,16 @@ uint64_t DoImageFilter(const HostCall &call) {
     auto *record = batch ? nullptr : static_cast<HostRecord *>(call.hostRecord);
     OwningContext context;
     const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
+    context.clipboard = extended.Clipboard();
     if (!kValidationState ||
-        !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved))
+        !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved)) {
+        extended.SetErrorCode(LMF_ERROR_UNSUITABLE);
         return 0;
+    }
     if (call.callback == nullptr) return 0;
 
     const uint32_t done = Run(call.runFlags, context);
+    extended.SetErrorCode(context.errorCode);
     if (batch && call.hostRecord != nullptr)
         std::memcpy(static_cast<uint8_t *>(call.hostRecord) + LMF_BATCH_ERROR_OFFSET, &context.errorCode,
                     sizeof(int32_t));

@@ -18,6 +18,8 @@ struct FilterContext : FilterParameters {
     DibHandle result;                  ///< owned; null before the first run
     DibHandle secondResult;            ///< owned, or null
     bool secondIsReplaced;             ///< `secondResult` is what the run made of the second picture, null included
+    bool runsOnSecond;                 ///< the kernel runs on `second`, after it ran on `source`
+    DibHandle clipboard;               ///< plays the part of the clipboard: a picture of the host, or null
     int32_t resultWidth, resultHeight; ///< of `result`, pixels
     Color paperColor;
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion

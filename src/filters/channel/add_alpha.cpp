@@ -3,9 +3,9 @@
 // value of "Opacity:", 255 for opaque.
 #include <cstring>
 
+#include "engine/clipboard_picture.h"
 #include "engine/filter.h"
 #include "image/core/dib_ops.h"
-#include "platform/clipboard.h"
 
 namespace lmf {
 
@@ -20,11 +20,11 @@ constexpr PageControl kPage[] = {
 };
 
 /// The clipboard's picture in grey, or as it is where it cannot be made grey.
-DibHandle MaskFromClipboard(void *owner) {
-    LockedDib copy(ClipboardPicture(owner));
-    if (!copy) return nullptr;
-    DibHandle grey = DibToGrey(copy);
-    return grey != nullptr ? grey : copy.Release();
+DibHandle MaskFromClipboard(const FilterContext &context) {
+    ClipboardLock picture(context);
+    if (!picture) return nullptr;
+    DibHandle grey = DibToGrey(picture.View());
+    return grey != nullptr ? grey : picture.Take();
 }
 
 DibHandle UniformMask(const ReadView &source, int32_t opacity) {
@@ -36,9 +36,8 @@ DibHandle UniformMask(const ReadView &source, int32_t opacity) {
 }
 
 DibHandle AddAlphaKernel(const ReadView &source, FilterContext &context) {
-    const bool fromClipboard = context.FilterAddAlphaUseCBD != 0 && ClipboardHasPicture();
-    DibOwner mask(fromClipboard ? MaskFromClipboard(context.ownerWindow)
-                                : UniformMask(source, context.FilterAddAlphaOpacity));
+    const bool fromClipboard = context.FilterAddAlphaUseCBD != 0 && HasClipboardPicture(context);
+    DibOwner mask(fromClipboard ? MaskFromClipboard(context) : UniformMask(source, context.FilterAddAlphaOpacity));
     if (!mask) return nullptr;
     DibOwner result(DibClone(source));
     if (!result) return nullptr;

@@ -4,6 +4,7 @@
 
 #include "common/multiversion.h"
 #include "image/color/hsv.h"
+#include "image/core/alpha_mask.h"
 #include "image/core/div255.h"
 #include "image/core/pixel_map.h"
 #include "image/core/rows.h"
@@ -114,6 +115,15 @@ void FillClipped(const WriteView &image, int64_t x, int64_t y, int64_t width, in
 
 void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
     FillClipped(image, x, y, width, height, value);
+}
+
+void DibFillAround(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value) {
+    const Span columns = Inside({x, int64_t{x} + width}, 0, image.width);
+    const Span rows = Inside({y, int64_t{y} + height}, 0, image.height);
+    FillClipped(image, 0, 0, image.width, rows.first, value);
+    FillClipped(image, 0, rows.first, columns.first, rows.Length(), value);
+    FillClipped(image, columns.last, rows.first, image.width - columns.last, rows.Length(), value);
+    FillClipped(image, 0, rows.last, image.width, image.height - rows.last, value);
 }
 
 void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
@@ -284,7 +294,8 @@ DibHandle DibTintByMask(const ReadView &source, const ReadView &mask, Color colo
         } else {
             for (int32_t x = 0; x < width; x++) weights[x] = static_cast<uint8_t>(DibGetPixel(mask, x, y));
         }
-        TintRow(to.Row(y), from.Row(y), maskRow, width, color);
+        std::memcpy(to.Row(y), from.Row(y), static_cast<size_t>(width) * 3);
+        TintRow(to.Row(y), maskRow, width, color);
     }
     return pass.Finish();
 }

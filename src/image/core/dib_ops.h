@@ -33,6 +33,8 @@ namespace lmf {
 
 /// Sets every pixel of the rectangle to a raw value.
 void DibFillRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value);
+/// Sets every pixel outside the rectangle to a raw value.
+void DibFillAround(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value);
 /// Sets `thickness` pixels inside each edge of the rectangle to a raw value.
 void DibFrameRect(const WriteView &image, int32_t x, int32_t y, int32_t width, int32_t height, uint32_t value,
                   int32_t thickness);

@@ -10,6 +10,11 @@ constexpr uint16_t Div255(uint16_t value) {
     return static_cast<uint16_t>((value + 1 + (value >> 8)) >> 8);
 }
 
+/// value / 255 rounded to the nearest whole number, for values up to 65407, in 16 bits.
+constexpr uint16_t RoundedDiv255(uint16_t value) {
+    return Div255(static_cast<uint16_t>(value + 127));
+}
+
 /// WeightedGrey of bytes in 16 bits.
 constexpr uint8_t ByteGrey(uint8_t red, uint8_t green, uint8_t blue) {
     return static_cast<uint8_t>(Div255(static_cast<uint16_t>(red * 77)) + Div255(static_cast<uint16_t>(green * 150)) +

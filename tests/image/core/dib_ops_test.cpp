@@ -58,6 +58,23 @@ TEST(DibFillRect, ClipsAndKeepsNeighbours) {
     }
 }
 
+TEST(DibFillAround, SparesTheRectangleWhereverItLies) {
+    struct Case {
+        int32_t x, y, width, height;
+    };
+    static constexpr Case kCases[] = {
+        {2, 1, 4, 3},  {-3, -2, 6, 5}, {5, 4, 99, 99}, {0, 0, 9, 7},  {3, 2, 0, 5},
+        {20, 1, 4, 4}, {1, -9, 3, 4},  {-9, 30, 2, 2}, {1, 1, -4, 2}, {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MAX}};
+    for (const auto &[left, top, width, height] : kCases) {
+        const LockedDib picture = MakePicture(9, 7, 4);
+        DibFillAround(picture.View(), left, top, width, height, 5);
+        ExpectPixels(picture, [&](int64_t x, int64_t y) {
+            const bool inside = x >= left && x < int64_t{left} + width && y >= top && y < int64_t{top} + height;
+            return inside ? 0u : 5u;
+        });
+    }
+}
+
 TEST(DibFrameRect, DrawsFourBarsInsideTheBox) {
     LockedDib picture(DibCreate(8, 6, nullptr, 8));
     const WriteView &lock = picture.View();
