@@ -67,6 +67,10 @@ bool FadeRows(const WriteView &to, const ReadView &from, const Band &band, bool 
     };
     for (int32_t x = 0; x < from.width && !rowsFade; x++) setPixels(x, x + 1, band.PaperShare(x));
     for (int32_t y = 0; y < from.height; y++) {
+        if (rowsFade && !band.Holds(y)) {
+            std::memcpy(to.Row(y), from.Row(y), bytes);
+            continue;
+        }
         if (rowsFade) setPixels(0, from.width, band.PaperShare(y));
         MixRow(to.Row(y), from.Row(y), shares.data, added.data, bytes);
     }
