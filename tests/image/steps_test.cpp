@@ -82,6 +82,11 @@ TEST(Steps, OtherDepths) {
               (Pixels{0x304050, 0x304050, 0x304050, 0x304050, 0x304050, 0x304050}));
     DibOwner nibbles = MakePicture(2, 1, 4, {4, 9});
     EXPECT_EQ(PixelsOf(DibOwner(DibShrinkHorz(nibbles.handle, 50))), (Pixels{6}));
+    // Both rows hold one whole triple of bytes, so the shares end with the first.
+    const DibOwner bits = RandomDepth(20, 1, 1, 7);
+    Pixels firstBits = PixelsOf(bits);
+    firstBits.resize(10);
+    EXPECT_EQ(PixelsOf(DibOwner(DibShrinkHorz(bits.handle, 50))), firstBits);
 }
 
 TEST(Steps, BothAxes) {

@@ -133,8 +133,8 @@ RowSpan RoundRectShape::SpanAt(int64_t y) const {
     if (!bounds.HasRow(y)) return {};
     const int64_t fromEdge = std::min(y - bounds.top, bounds.bottom - 1 - y);
     if (fromEdge >= cornerHeight / 2) return {bounds.left, bounds.right};
-    const RowSpan quarter = corner.SpanAt(fromEdge);
-    const int64_t inset = quarter.IsEmpty() ? cornerWidth / 2 : quarter.left;
+    // Where a flat ellipse has no pixel, its empty span lies in its middle and cuts the whole corner off.
+    const int64_t inset = corner.SpanAt(fromEdge).left;
     return {bounds.left + inset, bounds.right - inset};
 }
 

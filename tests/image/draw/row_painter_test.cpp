@@ -28,11 +28,11 @@ struct Drawing {
     std::vector<EllipseShape> shapes;
     RowGaps gaps;
 
-    Drawing(int32_t pictureWidth, int32_t pictureHeight)
-        : width(4 * pictureWidth), height(4 * pictureHeight), shapes(RandomEllipses(60, std::max(width, height), 7)),
+    Drawing(int32_t pictureWidth, int32_t pictureHeight, size_t count = 60)
+        : width(4 * pictureWidth), height(4 * pictureHeight), shapes(RandomEllipses(count, std::max(width, height), 7)),
           gaps(width) {}
 
-    Color ColorOf(int64_t i) const { return PackColor(1, 1, 1) * static_cast<uint32_t>(i * 4); }
+    static Color ColorOf(int64_t i) { return PackColor(1, 1, 1) * static_cast<uint32_t>(i * 4); }
     void FillRow(int32_t y, uint8_t *row, uint32_t bits) {
         gaps.Reset(0, width);
         PaintLastFirst(gaps, y, shapes.data(), static_cast<int64_t>(shapes.size()),
@@ -99,14 +99,15 @@ TEST(RowGaps, GivesEachPixelOnce) {
 }
 
 TEST(RowPainter, LastFirstIsPaintingInOrder) {
-    Drawing drawing(23, 17);
-    const DibOwner canvas = drawing.Canvas();
-    const DibOwner rows(DibCreate(drawing.width, drawing.height, nullptr, 24));
-    {
-        DibLock lock(rows.handle);
-        for (int32_t y = 0; y < drawing.height; y++) drawing.FillRow(y, lock.view.Row(y), 24);
+    for (const size_t count : {size_t{1}, size_t{4}, size_t{60}}) {
+        Drawing drawing(23, 17, count);
+        const DibOwner rows(DibCreate(drawing.width, drawing.height, nullptr, 24));
+        {
+            DibLock lock(rows.handle);
+            for (int32_t y = 0; y < drawing.height; y++) drawing.FillRow(y, lock.view.Row(y), 24);
+        }
+        EXPECT_TRUE(SamePicture(rows, drawing.Canvas())) << count << " shapes";
     }
-    EXPECT_TRUE(SamePicture(rows, canvas));
 }
 
 TEST(RowPainter, ReducedRowsAreTheReducedPicture) {
@@ -129,13 +130,14 @@ TEST(RowPainter, ReducedRowsAreTheReducedPicture) {
                         return ShrinkRows(from, fill, percentX, percentY, take);
                     }};
     };
-    for (const auto &[width, height] : {std::pair{90, 70}, {31, 120}, {120, 31}, {1, 3}, {40, 1}}) {
+    for (const auto &[width, height] : {std::pair{90, 70}, {31, 300}, {120, 31}, {1, 3}, {40, 1}}) {
         Drawing drawing(width, height);
         const DibOwner canvas = drawing.Canvas();
         const Case cases[] = {scaled(width, height, kWindowAutomatic),
                               scaled(4 * width, 4 * height, 5),
                               scaled(5 * width, 2 * height, 9),
                               scaled(width, 5 * height, 11),
+                              scaled(3 * width, (height + 4) * 2 / 5, 13),
                               scaled(1, 1, 12),
                               stepped(25, 25),
                               stepped(50, 50),
