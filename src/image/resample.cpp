@@ -165,14 +165,14 @@ struct RowWindow {
 
 /// The rows of a source, read where a picture has them or written in order and kept as long as they are needed.
 struct SourceRows {
-    const RowFunction &fill;
+    const RowCall &fill;
     ReadLines picture; ///< starts at null where rows are written
     RowWindow window;
 
     /// Rows of a picture.
-    SourceRows(const ReadLines &picture, const RowFunction &fill) : fill(fill), picture(picture), window(0, 0) {}
+    SourceRows(const ReadLines &picture, const RowCall &fill) : fill(fill), picture(picture), window(0, 0) {}
     /// Rows that are written, at most `mostRows` at a time.
-    SourceRows(const RowFunction &fill, size_t rowBytes, int32_t mostRows) : fill(fill), window(rowBytes, mostRows) {}
+    SourceRows(const RowCall &fill, size_t rowBytes, int32_t mostRows) : fill(fill), window(rowBytes, mostRows) {}
 
     explicit operator bool() const { return picture.first != nullptr || window.bytes; }
     /// The rows first <= y < end; neither of them ever goes back.
@@ -254,7 +254,7 @@ struct ScaledRows {
     const AxisWeights &columns, &rows;
     size_t fromBytes, toBytes; ///< of a row
     ReadLines picture;         ///< the source; starts at null if it is not held
-    const RowFunction &fill, &take;
+    const RowCall &fill, &take;
 
     void TakeRows(uint8_t *from, int32_t first, int32_t end) const {
         for (int32_t y = first; y < end; y++) take(y, from + static_cast<size_t>(y - first) * toBytes);
@@ -316,8 +316,8 @@ const ResampleWindow &WindowFor(int32_t index, double growth) {
 /// Both passes over rows of whole bytes that `fill` writes and that may also lie in `picture`. All sizes are at
 /// least 1.
 /// @return false without memory.
-bool ScaleBoth(const RowFormat &from, const ReadLines &picture, const RowFunction &fill, int32_t newWidth,
-               int32_t newHeight, int32_t windowIndex, double blur, const RowFunction &take) {
+bool ScaleBoth(const RowFormat &from, const ReadLines &picture, const RowCall &fill, int32_t newWidth,
+               int32_t newHeight, int32_t windowIndex, double blur, const RowCall &take) {
     const double xFactor = std::max(static_cast<double>(newWidth) / from.width, 0.0001);
     const double yFactor = std::max(static_cast<double>(newHeight) / from.height, 0.0001);
     const ResampleWindow &window = WindowFor(windowIndex, xFactor * yFactor);
@@ -335,8 +335,8 @@ bool ScaleBoth(const RowFormat &from, const ReadLines &picture, const RowFunctio
 
 } // namespace
 
-bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
-               RowFunction take) {
+bool ScaleRows(const RowFormat &from, RowCall fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
+               RowCall take) {
     if (std::min({from.width, from.height, newWidth, newHeight}) < 1) return false;
     if (newWidth != from.width || newHeight != from.height)
         return ScaleBoth(from, {}, fill, newWidth, newHeight, windowIndex, 1.0, take);

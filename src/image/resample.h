@@ -5,7 +5,7 @@
 #pragma once
 
 #include "image/dib.h"
-#include "image/row_function.h"
+#include "image/row_call.h"
 
 namespace lmf {
 
@@ -43,8 +43,8 @@ extern const ResampleWindow kResampleWindows[16];
 /// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out.
 /// Holds 8 MiB of the source, up to 512 rows, but at least three times as many as weigh in on a row of the result.
 /// @return false when a side is below 1 or memory is short.
-[[nodiscard]] bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight,
-                             int32_t windowIndex, RowFunction take);
+[[nodiscard]] bool ScaleRows(const RowFormat &from, RowCall fill, int32_t newWidth, int32_t newHeight,
+                             int32_t windowIndex, RowCall take);
 
 /// Shrinks one side of a box of pixels so that it has the picture's aspect.
 /// @return 1, or 0 with the box untouched if the source cannot be locked.

@@ -112,7 +112,7 @@ TEST(RowPainter, LastFirstIsPaintingInOrder) {
 
 TEST(RowPainter, ReducedRowsAreTheReducedPicture) {
     using Reduce = std::function<DibHandle(DibHandle)>;
-    using ReduceRows = std::function<bool(const RowFormat &, RowFunction, RowFunction)>;
+    using ReduceRows = std::function<bool(const RowFormat &, RowCall, RowCall)>;
     struct Case {
         const char *name;
         Reduce reduce;
@@ -120,13 +120,13 @@ TEST(RowPainter, ReducedRowsAreTheReducedPicture) {
     };
     const auto scaled = [](int32_t width, int32_t height, int32_t window) {
         return Case{"scaled", [=](DibHandle picture) { return DibScaleTo(picture, width, height, window); },
-                    [=](const RowFormat &from, RowFunction fill, RowFunction take) {
+                    [=](const RowFormat &from, RowCall fill, RowCall take) {
                         return ScaleRows(from, fill, width, height, window, take);
                     }};
     };
     const auto stepped = [](int32_t percentX, int32_t percentY) {
         return Case{"stepped", [=](DibHandle picture) { return DibScaleSteps(picture, percentX, percentY); },
-                    [=](const RowFormat &from, RowFunction fill, RowFunction take) {
+                    [=](const RowFormat &from, RowCall fill, RowCall take) {
                         return ShrinkRows(from, fill, percentX, percentY, take);
                     }};
     };
