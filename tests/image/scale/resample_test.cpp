@@ -87,6 +87,19 @@ TEST(Resample, IsBitForBitThePlainRoad) {
     }
 }
 
+TEST(Resample, LargeRowsReadInPlaceGiveWhatCopiedOnesGive) {
+    constexpr int32_t kWidth = 40000, kHeight = 200, kNewWidth = 30, kNewHeight = 20;
+    const LockedDib source = RandomPicture(kWidth, kHeight, kModeTrueColor, 6);
+    const LockedDib reduced(DibScaleTo(source, kNewWidth, kNewHeight, 0));
+    ASSERT_TRUE(reduced);
+    EXPECT_TRUE(ScaleRows(
+        {kWidth, kHeight, 24}, [&](int32_t y, uint8_t *row) { std::copy_n(source.View().Row(y), kWidth * 3, row); },
+        kNewWidth, kNewHeight, 0,
+        [&](int32_t y, const uint8_t *row) {
+            EXPECT_TRUE(std::equal(row, row + kNewWidth * 3, reduced.View().Row(y))) << "row " << y;
+        }));
+}
+
 TEST(Resample, WindowsHaveTheirShape) {
     struct Point {
         double x, weight;
