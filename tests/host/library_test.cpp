@@ -74,7 +74,7 @@ protected:
         return doImageFilter(nullptr, picture, callback, second, 0, 0, runFlags, record, nullptr, 0, 0, nullptr);
     }
     static DibOwner NewPicture(uint32_t bits, uint32_t pixel) {
-        return MakePicture(5, 3, bits, std::vector<uint32_t>(15, pixel));
+        return DibOwner(MakePicture(5, 3, bits, Pixels(15, pixel)).Release());
     }
 
     std::filesystem::path home;
@@ -110,9 +110,9 @@ TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
         EXPECT_EQ(record.filterIndex, kInvertColors);
         EXPECT_NE(picture, source.handle);
         EXPECT_NE(second, alpha.handle);
-        EXPECT_TRUE(SamePicture(picture, inverted.handle));
-        EXPECT_TRUE(SamePicture(second, alpha.handle));
-        EXPECT_EQ(PixelsOf(source.handle)[0], 0x0A0A0Au);
+        EXPECT_TRUE(SamePicture(DibReadLock(picture).view, DibReadLock(inverted.handle).view));
+        EXPECT_TRUE(SamePicture(DibReadLock(second).view, DibReadLock(alpha.handle).view));
+        EXPECT_EQ(PixelsOf(DibReadLock(source.handle).view)[0], 0x0A0A0Au);
         LmfBlockFree(picture);
         LmfBlockFree(second);
     }

@@ -243,8 +243,8 @@ TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     FilterContext context = MakeContext();
     context.FilterGaussianRadius = 200;
     context.FilterGaussianSigma = 60;
-    const DibOwner source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
-    const std::vector<uint32_t> expected = PixelsOf(RunKernel("Gaussian Blur", source.handle, &context).handle);
+    const LockedDib source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
+    const Pixels expected = PixelsOf(RunKernel("Gaussian Blur", source, context));
     EXPECT_EQ(ReadPng(In("out/b.png")).samples, Bytes(expected.begin(), expected.end()));
 }
 
