@@ -9,19 +9,17 @@ namespace lmf {
 
 void FillPixels(uint8_t *row, uint32_t bits, int32_t left, int32_t right, uint32_t value) {
     if (left >= right) return;
-    const size_t pixelBytes = bits / 8;
-    const uint8_t bytes[] = {static_cast<uint8_t>(bits == 8 ? value : BlueOf(value)), GreenOf(value), RedOf(value),
-                             AlphaOf(value)};
-    uint8_t *first = row + static_cast<size_t>(left) * pixelBytes;
-    const size_t size = static_cast<size_t>(right - left) * pixelBytes;
-    if (std::all_of(bytes, bytes + pixelBytes, [&](uint8_t byte) { return byte == bytes[0]; })) {
-        std::memset(first, bytes[0], size);
+    if (bits == 8) {
+        std::memset(row + left, static_cast<uint8_t>(value), static_cast<size_t>(right - left));
         return;
     }
-    std::memcpy(first, bytes, pixelBytes);
+    constexpr size_t kPixelBytes = 3, kShortRun = 8 * kPixelBytes;
+    uint8_t *first = row + static_cast<size_t>(left) * kPixelBytes;
+    const size_t size = static_cast<size_t>(right - left) * kPixelBytes;
+    size_t done = 0;
+    for (; done < std::min(size, kShortRun); done += kPixelBytes) StoreBgr(first + done, value);
     // What is filled is copied behind itself, so each round doubles it.
-    for (size_t done = pixelBytes; done < size; done *= 2)
-        std::memcpy(first + done, first, std::min(done, size - done));
+    for (; done < size; done *= 2) std::memcpy(first + done, first, std::min(done, size - done));
 }
 
 RowGaps::RowGaps(int32_t width) : gaps(static_cast<uint64_t>(std::max(width, 0)) / 2 + 1) {}

@@ -16,7 +16,7 @@
 
 namespace lmf {
 
-/// Sets the pixels left <= x < right of a row of 8, 24 or 32 bits a pixel to a value as DibSetPixel takes it.
+/// Sets the pixels left <= x < right of a row of 8 or 24 bits a pixel to a value as DibSetPixel takes it.
 void FillPixels(uint8_t *row, uint32_t bits, int32_t left, int32_t right, uint32_t value);
 
 /// The pixels of a row that nothing has taken yet, as gaps between those that are taken.

@@ -100,20 +100,23 @@ EllipseShape::EllipseShape(const DrawBox &box) : bounds(Ordered(box)) {
 RowSpan EllipseShape::SpanAt(int64_t y) const {
     if (!bounds.HasRow(y)) return {};
     const int64_t height = bounds.Height(), dy = std::abs(2 * y + 1 - (bounds.top + bounds.bottom));
-    const WideUint room = static_cast<WideUint>(height - dy) * static_cast<WideUint>(height + dy) * squaredWidth;
-    // Both sides may pass 128 bits, but near the border their difference does not: it is right whatever is lost above.
-    const auto isInside = [&](int64_t dx) {
-        const auto x = static_cast<WideUint>(dx);
-        return static_cast<WideInt>(room - x * x * squaredHeight) >= 0;
-    };
     const double guess = widthToHeight * std::sqrt(static_cast<double>(height - dy) * static_cast<double>(height + dy));
-    auto reach = static_cast<int64_t>(guess);
-    while (!isInside(reach)) reach--;
-    while (isInside(reach + 1)) reach++;
+    auto dx = static_cast<int64_t>(guess);
+    // The two sides of the rule may pass 128 bits. Near the border their difference does not, so it is right whatever
+    // is lost above.
+    const auto x = static_cast<WideUint>(dx);
+    const WideUint room = static_cast<WideUint>(height - dy) * static_cast<WideUint>(height + dy) * squaredWidth;
+    auto rest = static_cast<WideInt>(room - x * x * squaredHeight);
+    const auto step = [&] { return (2 * dx + 1) * static_cast<WideInt>(squaredHeight); };
+    while (rest < 0) {
+        dx--;
+        rest += step();
+    }
+    for (; rest >= step(); dx++) rest -= step();
     // Only every other half pixel is the centre of one.
     const int64_t sum = bounds.left + bounds.right;
-    if (((reach ^ sum) & 1) == 0) reach--;
-    return {(sum - 1 - reach) / 2, (sum + 1 + reach) / 2};
+    if (((dx ^ sum) & 1) == 0) dx--;
+    return {(sum - 1 - dx) / 2, (sum + 1 + dx) / 2};
 }
 
 EllipseShape EllipseShape::Grown(int64_t margin) const {
@@ -130,8 +133,8 @@ RowSpan RoundRectShape::SpanAt(int64_t y) const {
     if (!bounds.HasRow(y)) return {};
     const int64_t fromEdge = std::min(y - bounds.top, bounds.bottom - 1 - y);
     if (fromEdge >= cornerHeight / 2) return {bounds.left, bounds.right};
-    const RowSpan quarter = corner.SpanAt(fromEdge);
-    const int64_t inset = quarter.IsEmpty() ? cornerWidth / 2 : quarter.left;
+    // Where a flat ellipse has no pixel, its empty span lies in its middle and cuts the whole corner off.
+    const int64_t inset = corner.SpanAt(fromEdge).left;
     return {bounds.left + inset, bounds.right - inset};
 }
 
@@ -139,16 +142,16 @@ RoundRectShape RoundRectShape::Grown(int64_t margin) const {
     return {GrownBox(bounds, margin), cornerWidth + 2 * margin, cornerHeight + 2 * margin};
 }
 
-PolygonShape::PolygonShape(std::span<const DrawPoint> given, PolygonFill fill)
-    : fill(fill), count(std::min(given.size(), kMostPoints)) {
+PolygonShape::PolygonShape(std::span<const DrawPoint> corners, PolygonFill rule)
+    : fill(rule), count(std::min(corners.size(), kMostPoints)) {
     if (count == 0) return;
-    bounds = {given[0].x, given[0].y, given[0].x, given[0].y};
+    bounds = {corners[0].x, corners[0].y, corners[0].x, corners[0].y};
     for (size_t i = 0; i < count; i++) {
-        points[i] = given[i];
-        bounds.left = std::min(bounds.left, given[i].x);
-        bounds.top = std::min(bounds.top, given[i].y);
-        bounds.right = std::max(bounds.right, given[i].x);
-        bounds.bottom = std::max(bounds.bottom, given[i].y);
+        points[i] = corners[i];
+        bounds.left = std::min(bounds.left, corners[i].x);
+        bounds.top = std::min(bounds.top, corners[i].y);
+        bounds.right = std::max(bounds.right, corners[i].x);
+        bounds.bottom = std::max(bounds.bottom, corners[i].y);
     }
 }
 
@@ -172,8 +175,8 @@ size_t PolygonShape::CrossingsAt(int64_t y, Crossings *crossings) const {
     return found;
 }
 
-LineShape::LineShape(DrawPoint from, DrawPoint to, int32_t width, LineEnds ends)
-    : from(from), to(to), width(width), ends(ends), dx(to.x - from.x), dy(to.y - from.y),
+LineShape::LineShape(DrawPoint start, DrawPoint end, int32_t pen, LineEnds shapeOfEnds)
+    : from(start), to(end), width(pen), ends(shapeOfEnds), dx(end.x - start.x), dy(end.y - start.y),
       squaredLength(WideInt{dx} * dx + WideInt{dy} * dy) {
     const int64_t margin = width > 1 ? width : 0;
     bounds = {std::min(from.x, to.x) - margin, std::min(from.y, to.y) - margin, std::max(from.x, to.x) + 1 + margin,

@@ -49,6 +49,7 @@ struct RectangleShape {
     DrawBox bounds;
 
     explicit RectangleShape(const DrawBox &box);
+    /// The pixels of a row.
     RowSpan SpanAt(int64_t y) const;
     /// The shape of a box that is larger by `margin` on each side; without pixels when nothing of it is left.
     RectangleShape Grown(int64_t margin) const;
@@ -59,6 +60,7 @@ struct EllipseShape {
     DrawBox bounds;
 
     explicit EllipseShape(const DrawBox &box);
+    /// A row inside the bounds without a pixel gives an empty span in its middle.
     RowSpan SpanAt(int64_t y) const;
     /// The shape of a box that is larger by `margin` on each side; without pixels when nothing of it is left.
     EllipseShape Grown(int64_t margin) const;
@@ -74,6 +76,7 @@ struct RoundRectShape {
 
     /// @param cornerWidth, cornerHeight the sides of the whole ellipse, limited to 0 .. the side of the box.
     RoundRectShape(const DrawBox &box, int64_t cornerWidth, int64_t cornerHeight);
+    /// The pixels of a row.
     RowSpan SpanAt(int64_t y) const;
     /// The shape of a box that is larger by `margin` on each side, with corners larger by twice the margin, but not
     /// below 0; without pixels when nothing of it is left.
@@ -97,8 +100,8 @@ struct PolygonShape {
 
     DrawBox bounds;
 
-    /// @param points at most kMostPoints, the rest is ignored; the last one joins the first.
-    PolygonShape(std::span<const DrawPoint> points, PolygonFill fill);
+    /// @param corners at most kMostPoints, the rest is ignored; the last one joins the first.
+    PolygonShape(std::span<const DrawPoint> corners, PolygonFill rule);
 
     /// An edge to the right of the pixels x < `end` of a row.
     struct Crossing {
@@ -131,7 +134,8 @@ struct LineShape {
     DrawBox bounds;
 
     /// A line of square ends and no length counts as one that runs to the right.
-    LineShape(DrawPoint from, DrawPoint to, int32_t width, LineEnds ends);
+    LineShape(DrawPoint start, DrawPoint end, int32_t pen, LineEnds shapeOfEnds);
+    /// The pixels of a row.
     RowSpan SpanAt(int64_t y) const;
 
 private:
@@ -153,7 +157,7 @@ struct OutlineShape {
     DrawBox bounds;
     Shape outer, inner;
 
-    OutlineShape(const Shape &outer, const Shape &inner) : bounds(outer.bounds), outer(outer), inner(inner) {}
+    OutlineShape(const Shape &whole, const Shape &hole) : bounds(whole.bounds), outer(whole), inner(hole) {}
 };
 
 /// The outline that a pen of this width leaves round a shape, half of it outside; none for a width below 1.

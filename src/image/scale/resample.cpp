@@ -103,8 +103,8 @@ bool AxisWeights::AreWeightsOfCopies() const {
 /// Lines of bytes at a fixed distance from each other, by their numbers.
 template <typename Byte>
 struct ByteLines {
-    Byte *first;
-    ptrdiff_t stride;
+    Byte *first = nullptr;
+    ptrdiff_t stride = 0;
     int32_t number = 0; ///< of the first line
 
     Byte *At(int32_t line) const { return first + (line - number) * stride; }
@@ -113,6 +113,11 @@ struct ByteLines {
 };
 using ReadLines = ByteLines<const uint8_t>;
 using WriteLines = ByteLines<uint8_t>;
+
+/// Packs the first bytes of the lines first <= line < end into `to`.
+void CopyLines(uint8_t *to, const ReadLines &from, int32_t first, int32_t end, size_t bytes) {
+    for (int32_t line = first; line < end; line++, to += bytes) std::memcpy(to, from.At(line), bytes);
+}
 
 /// Makes `newSize` lines of `to` the weighted sums of some lines of `from`, over the first `length` bytes of every
 /// line. Each sum grows in the order of the lines, whatever is computed side by side. `work` has room for as many lines
@@ -165,8 +170,8 @@ struct RowWindow {
     int32_t first = 0, end = 0; ///< the rows that are held
     BlockArray<uint8_t> bytes;
 
-    RowWindow(size_t rowBytes, int32_t mostRows)
-        : rowBytes(rowBytes), bytes(rowBytes * static_cast<size_t>(mostRows)) {}
+    RowWindow(size_t bytesOfRow, int32_t mostRows)
+        : rowBytes(bytesOfRow), bytes(bytesOfRow * static_cast<size_t>(mostRows)) {}
 
     uint8_t *Row(int32_t y) { return bytes.data + static_cast<size_t>(y - first) * rowBytes; }
     ReadLines Lines() const { return {bytes.data, static_cast<ptrdiff_t>(rowBytes), first}; }
@@ -182,43 +187,58 @@ struct RowWindow {
     }
 };
 
+/// The rows of a source, read where a picture has them or written in order and kept as long as they are needed.
+struct SourceRows {
+    const RowCall &fill;
+    ReadLines picture; ///< starts at null where rows are written
+    RowWindow window;
+
+    /// Rows of a picture.
+    SourceRows(const ReadLines &lines, const RowCall &write) : fill(write), picture(lines), window(0, 0) {}
+    /// Rows that are written, at most `mostRows` at a time.
+    SourceRows(const RowCall &write, size_t rowBytes, int32_t mostRows) : fill(write), window(rowBytes, mostRows) {}
+
+    explicit operator bool() const { return picture.first != nullptr || window.bytes; }
+    /// The rows first <= y < end; neither of them ever goes back.
+    ReadLines Get(int32_t first, int32_t end) {
+        if (picture.first != nullptr) return picture;
+        for (int32_t y = window.Advance(first, end); y < end; y++) fill(y, window.Row(y));
+        return window.Lines();
+    }
+};
+
 /// The vertical pass over rows of some bytes, in strips narrow enough for their numbers to stay in the cache.
 struct VerticalPass {
     const AxisWeights &axis;
     size_t rowBytes;
-    int32_t mostRows; ///< of the source that one call may need
     size_t strip;
     BlockArray<double> work;
 
-    VerticalPass(const AxisWeights &axis, size_t rowBytes)
-        : axis(axis), rowBytes(rowBytes), mostRows(MostRows()),
+    VerticalPass(const AxisWeights &weights, size_t bytesOfRow)
+        : axis(weights), rowBytes(bytesOfRow),
           strip(std::min(rowBytes, std::max<size_t>(kWorkingSet / sizeof(double) / Lines() / 64, 1) * 64)),
           work(Lines() * strip) {}
 
     explicit operator bool() const { return static_cast<bool>(work); }
     size_t Lines() const { return static_cast<size_t>(axis.mostEntries) + 1; }
+    /// The rows of the source that are worth holding: many results a run, but few in large pictures.
     int32_t MostRows() const {
-        const auto cheap = static_cast<int64_t>(std::clamp<size_t>(kWindowBytes / rowBytes, 1, 4 * kBlockRows));
-        return static_cast<int32_t>(std::min<int64_t>(std::max(cheap, 2 * int64_t{axis.mostEntries}), axis.size));
+        const auto cheap = static_cast<int64_t>(std::clamp<size_t>(kWindowBytes / rowBytes, 1, 8 * kBlockRows));
+        return static_cast<int32_t>(std::min<int64_t>(std::max(cheap, 3 * int64_t{axis.mostEntries}), axis.size));
     }
-    /// Where a run of results that starts at a position ends, at most at `limit`, so that it needs no more than
-    /// mostRows.
-    int32_t RunEnd(int32_t position, int32_t limit) const {
+    /// Where a run of results that starts at a position ends so that it needs at most `mostRows`.
+    int32_t RunEnd(int32_t position, int32_t limit, int32_t mostRows) const {
         const int32_t first = axis.contributions[position].first;
         int32_t end = position + 1;
         while (end < limit && axis.EndOf(end) - first <= mostRows) end++;
         return end;
     }
     /// Writes the results first <= position < end to the rows from `to` on.
-    void Run(uint8_t *to, int32_t position, int32_t end, ReadLines from) const {
-        if (axis.copies) {
-            for (; position < end; position++, to += rowBytes) std::memcpy(to, from.At(position), rowBytes);
-            return;
-        }
+    void Run(uint8_t *to, int32_t first, int32_t end, const ReadLines &from) const {
+        if (axis.copies) return CopyLines(to, from, first, end, rowBytes);
         for (size_t x = 0; x < rowBytes; x += strip)
             ScaleLines({to + x, static_cast<ptrdiff_t>(rowBytes)}, from.From(x), std::min(strip, rowBytes - x),
-                       axis.contributions.data + position, axis.weights.data, end - position, axis.mostEntries,
-                       work.data);
+                       axis.contributions.data + first, axis.weights.data, end - first, axis.mostEntries, work.data);
     }
 };
 
@@ -229,20 +249,18 @@ struct HorizontalPass {
     BlockArray<double> work;
     BlockArray<uint8_t> turnedFrom, turnedTo;
 
-    HorizontalPass(const AxisWeights &axis, ptrdiff_t channels)
-        : axis(axis), channels(channels), work((static_cast<size_t>(axis.mostEntries) + 1) * LineBytes()),
+    HorizontalPass(const AxisWeights &weights, ptrdiff_t bytesOfPixel)
+        : axis(weights), channels(bytesOfPixel), work((static_cast<size_t>(axis.mostEntries) + 1) * LineBytes()),
           turnedFrom(static_cast<size_t>(axis.size) * LineBytes()),
           turnedTo(static_cast<size_t>(axis.newSize) * LineBytes()) {}
 
     explicit operator bool() const { return work && turnedFrom && turnedTo; }
     size_t LineBytes() const { return static_cast<size_t>(kBlockRows * channels); }
-    void Run(uint8_t *to, const uint8_t *from, ptrdiff_t rows) const {
-        const ptrdiff_t fromBytes = axis.size * channels, toBytes = axis.newSize * channels;
-        if (axis.copies) {
-            std::memcpy(to, from, static_cast<size_t>(rows * toBytes));
-            return;
-        }
-        TransposeBytes(turnedFrom.data, rows, from, fromBytes, rows, fromBytes);
+    /// Scales the rows first <= y < end to the rows from `to` on.
+    void Run(uint8_t *to, const ReadLines &from, int32_t first, int32_t end) const {
+        const ptrdiff_t rows = end - first, fromBytes = axis.size * channels, toBytes = axis.newSize * channels;
+        if (axis.copies) return CopyLines(to, from, first, end, static_cast<size_t>(toBytes));
+        TransposeBytes(turnedFrom.data, rows, from.At(first), from.stride, rows, fromBytes);
         ScaleLines({turnedTo.data, rows * channels}, {turnedFrom.data, rows * channels},
                    static_cast<size_t>(rows * channels), axis.contributions.data, axis.weights.data, axis.newSize,
                    axis.mostEntries, work.data);
@@ -257,15 +275,13 @@ bool IsHorizontalFirst(const AxisWeights &columns, const AxisWeights &rows) {
     return (height + newHeight) * newWidth > (width + newWidth) * newHeight;
 }
 
-/// What goes through both passes.
+/// A picture on its way through both passes.
 struct ScaledRows {
     const AxisWeights &columns, &rows;
     size_t fromBytes, toBytes; ///< of a row
-    RowFunction fill, take;
+    ReadLines picture;         ///< the source; starts at null if it is not held
+    const RowCall &fill, &take;
 
-    void FillRows(uint8_t *to, int32_t first, int32_t end) const {
-        for (int32_t y = first; y < end; y++) fill(y, to + static_cast<size_t>(y - first) * fromBytes);
-    }
     void TakeRows(uint8_t *from, int32_t first, int32_t end) const {
         for (int32_t y = first; y < end; y++) take(y, from + static_cast<size_t>(y - first) * toBytes);
     }
@@ -274,16 +290,18 @@ struct ScaledRows {
 bool ScaleHorizontallyFirst(const ScaledRows &scaled, const HorizontalPass &horizontal) {
     const AxisWeights &axis = scaled.rows;
     const VerticalPass vertical(axis, scaled.toBytes);
-    BlockArray<uint8_t> wide(scaled.fromBytes * kBlockRows), result(scaled.toBytes * kBlockRows);
-    RowWindow narrow(scaled.toBytes, vertical.mostRows);
-    if (!vertical || !wide || !result || !narrow.bytes) return false;
+    const int32_t mostRows = vertical.MostRows();
+    SourceRows wide = scaled.picture.first != nullptr ? SourceRows(scaled.picture, scaled.fill)
+                                                      : SourceRows(scaled.fill, scaled.fromBytes, kBlockRows);
+    RowWindow narrow(scaled.toBytes, mostRows);
+    BlockArray<uint8_t> result(scaled.toBytes * kBlockRows);
+    if (!vertical || !wide || !narrow.bytes || !result) return false;
     for (int32_t y = 0, end = 0; y < axis.newSize; y = end) {
-        end = vertical.RunEnd(y, std::min(y + kBlockRows, axis.newSize));
+        end = vertical.RunEnd(y, std::min(y + kBlockRows, axis.newSize), mostRows);
         const int32_t last = axis.EndOf(end - 1);
         for (int32_t row = narrow.Advance(axis.contributions[y].first, last), next = 0; row < last; row = next) {
             next = std::min(row + kBlockRows, last);
-            scaled.FillRows(wide.data, row, next);
-            horizontal.Run(narrow.Row(row), wide.data, next - row);
+            horizontal.Run(narrow.Row(row), wide.Get(row, next), row, next);
         }
         vertical.Run(result.data, y, end, narrow.Lines());
         scaled.TakeRows(result.data, y, end);
@@ -294,18 +312,24 @@ bool ScaleHorizontallyFirst(const ScaledRows &scaled, const HorizontalPass &hori
 bool ScaleVerticallyFirst(const ScaledRows &scaled, const HorizontalPass &horizontal) {
     const AxisWeights &axis = scaled.rows;
     const VerticalPass vertical(axis, scaled.fromBytes);
+    // Strips are faster to read from a copy of the rows, as long as that is small.
+    const bool isCopyWorthIt =
+        !axis.copies && static_cast<size_t>(vertical.MostRows()) * scaled.fromBytes <= 2 * kWindowBytes;
+    const bool readsInPlace = scaled.picture.first != nullptr && !isCopyWorthIt;
+    const int32_t mostRows = readsInPlace ? axis.size : vertical.MostRows();
+    SourceRows high =
+        readsInPlace ? SourceRows(scaled.picture, scaled.fill) : SourceRows(scaled.fill, scaled.fromBytes, mostRows);
     BlockArray<uint8_t> low(scaled.fromBytes * kBlockRows), result(scaled.toBytes * kBlockRows);
-    RowWindow high(scaled.fromBytes, vertical.mostRows);
-    if (!vertical || !low || !result || !high.bytes) return false;
+    if (!vertical || !high || !low || !result) return false;
+    const auto lowBytes = static_cast<ptrdiff_t>(scaled.fromBytes);
     for (int32_t y = 0, blockEnd = 0; y < axis.newSize; y = blockEnd) {
         blockEnd = std::min(y + kBlockRows, axis.newSize);
-        for (int32_t start = y, end = 0; start < blockEnd; start = end) {
-            end = vertical.RunEnd(start, blockEnd);
-            const int32_t last = axis.EndOf(end - 1), missing = high.Advance(axis.contributions[start].first, last);
-            scaled.FillRows(high.Row(missing), missing, last);
-            vertical.Run(low.data + static_cast<size_t>(start - y) * scaled.fromBytes, start, end, high.Lines());
+        for (int32_t first = y, end = 0; first < blockEnd; first = end) {
+            end = vertical.RunEnd(first, blockEnd, mostRows);
+            vertical.Run(low.data + (first - y) * lowBytes, first, end,
+                         high.Get(axis.contributions[first].first, axis.EndOf(end - 1)));
         }
-        horizontal.Run(result.data, low.data, blockEnd - y);
+        horizontal.Run(result.data, {low.data, lowBytes, y}, y, blockEnd);
         scaled.TakeRows(result.data, y, blockEnd);
     }
     return true;
@@ -316,9 +340,11 @@ const ResampleWindow &WindowFor(int32_t index, double growth) {
     return kResampleWindows[std::min(index, 15)];
 }
 
-/// Rows of whole bytes through both passes; both sizes are at least 1. @return false without memory.
-bool ScaleRowsBlurred(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
-                      double blur, RowFunction take) {
+/// Both passes over rows of whole bytes that `fill` writes and that may also lie in `picture`. All sizes are at
+/// least 1.
+/// @return false without memory.
+bool ScaleBoth(const RowFormat &from, const ReadLines &picture, const RowCall &fill, int32_t newWidth,
+               int32_t newHeight, int32_t windowIndex, double blur, const RowCall &take) {
     const double xFactor = std::max(static_cast<double>(newWidth) / from.width, 0.0001);
     const double yFactor = std::max(static_cast<double>(newHeight) / from.height, 0.0001);
     const ResampleWindow &window = WindowFor(windowIndex, xFactor * yFactor);
@@ -329,18 +355,24 @@ bool ScaleRowsBlurred(const RowFormat &from, RowFunction fill, int32_t newWidth,
     const HorizontalPass horizontal(columns, static_cast<ptrdiff_t>(channels));
     if (!horizontal) return false;
     const ScaledRows scaled{
-        columns, rows, static_cast<size_t>(from.width) * channels, static_cast<size_t>(newWidth) * channels,
+        columns, rows, static_cast<size_t>(from.width) * channels, static_cast<size_t>(newWidth) * channels, picture,
         fill,    take};
     return (IsHorizontalFirst(columns, rows) ? ScaleHorizontallyFirst : ScaleVerticallyFirst)(scaled, horizontal);
 }
 
+/// Rounds a length to whole pixels; 0 for what no picture can have.
+int32_t RoundToPixels(double length) {
+    const double rounded = length + 0.5;
+    return rounded >= 1.0 && rounded < 2147483648.0 ? static_cast<int32_t>(rounded) : 0;
+}
+
 } // namespace
 
-bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
-               RowFunction take) {
+bool ScaleRows(const RowFormat &from, RowCall fill, int32_t newWidth, int32_t newHeight, int32_t windowIndex,
+               RowCall take) {
     if (std::min({from.width, from.height, newWidth, newHeight}) < 1) return false;
     if (newWidth != from.width || newHeight != from.height)
-        return ScaleRowsBlurred(from, fill, newWidth, newHeight, windowIndex, 1.0, take);
+        return ScaleBoth(from, {}, fill, newWidth, newHeight, windowIndex, 1.0, take);
     BlockArray<uint8_t> row(static_cast<uint64_t>(from.width) * (from.bits / 8));
     if (!row) return false;
     for (int32_t y = 0; y < from.height; y++) {
@@ -361,23 +393,18 @@ DibHandle DibScale(const ReadView &source, int32_t newWidth, int32_t newHeight, 
     const auto read = [&](int32_t y, uint8_t *row) {
         std::memcpy(row, source.Row(y), static_cast<size_t>(source.width) * pixelBytes);
     };
-    const auto write = [&](int32_t y, const uint8_t *row) {
+    const auto store = [&](int32_t y, const uint8_t *row) {
         std::memcpy(to.Row(y), row, static_cast<size_t>(newWidth) * pixelBytes);
     };
-    const RowFormat format{source.width, source.height, source.bits};
-    if (HasBytePixels(source.bits) && !ScaleRowsBlurred(format, read, newWidth, newHeight, windowIndex, blur, write))
+    if (HasBytePixels(source.bits) &&
+        !ScaleBoth({source.width, source.height, source.bits}, {source.Row(0), -source.stride}, read, newWidth,
+                   newHeight, windowIndex, blur, store))
         return nullptr;
     return result.Release();
 }
 
 DibHandle DibScaleTo(const ReadView &source, int32_t newWidth, int32_t newHeight, int32_t windowIndex) {
     return DibScale(source, newWidth, newHeight, windowIndex, 1.0);
-}
-
-/// Rounds a length to whole pixels; 0 for what no picture can have.
-static int32_t RoundToPixels(double length) {
-    const double rounded = length + 0.5;
-    return rounded >= 1.0 && rounded < 2147483648.0 ? static_cast<int32_t>(rounded) : 0;
 }
 
 DibHandle DibScalePercent(const ReadView &source, int32_t percentX, int32_t percentY, int32_t windowIndex) {

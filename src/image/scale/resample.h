@@ -5,7 +5,7 @@
 #pragma once
 
 #include "image/core/dib.h"
-#include "image/core/row_function.h"
+#include "image/core/row_call.h"
 
 namespace lmf {
 
@@ -41,11 +41,11 @@ extern const ResampleWindow kResampleWindows[16];
                                         int32_t windowIndex);
 
 /// DibScaleTo without either picture: fill(y, row) writes row y of the source, take(y, row) gets row y of the result
-/// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out. Holds
-/// at most some hundred rows, or twice the rows that weigh in on one row of the result.
+/// and may change it. Both are called from the top down; rows of the source that nothing depends on are left out.
+/// Holds 8 MiB of the source, up to 512 rows, but at least three times as many as weigh in on a row of the result.
 /// @return false when a side is below 1 or memory is short.
-[[nodiscard]] bool ScaleRows(const RowFormat &from, RowFunction fill, int32_t newWidth, int32_t newHeight,
-                             int32_t windowIndex, RowFunction take);
+[[nodiscard]] bool ScaleRows(const RowFormat &from, RowCall fill, int32_t newWidth, int32_t newHeight,
+                             int32_t windowIndex, RowCall take);
 
 /// Shrinks one side of a box of pixels so that it has the picture's aspect.
 void DibFitAspect(const ReadView &source, int32_t *width, int32_t *depth);

@@ -232,7 +232,7 @@ DibHandle DibScaleSteps(const ReadView &source, int32_t percentX, int32_t percen
     return percentY < 100 ? DibShrinkVert(wide, percentY) : wide.Release();
 }
 
-bool ShrinkRows(const RowFormat &from, RowFunction fill, int32_t percentX, int32_t percentY, RowFunction take) {
+bool ShrinkRows(const RowFormat &from, RowCall fill, int32_t percentX, int32_t percentY, RowCall take) {
     const int32_t newWidth = ScaledSize(from.width, percentX), newHeight = ScaledSize(from.height, percentY);
     if (newWidth < 1 || newHeight < 1 || std::max(percentX, percentY) > 100) return false;
     const auto channels = static_cast<int32_t>(from.bits / 8);

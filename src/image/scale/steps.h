@@ -6,7 +6,7 @@
 #pragma once
 
 #include "image/core/dib.h"
-#include "image/core/row_function.h"
+#include "image/core/row_call.h"
 
 namespace lmf {
 
@@ -25,7 +25,6 @@ namespace lmf {
 /// source, take(y, row) gets row y of the result and may change it. Both are called from the top down; rows of the
 /// source below the last whole share are left out. Holds a row of each and the sums of one.
 /// @return false when no pixel would be left or memory is short.
-[[nodiscard]] bool ShrinkRows(const RowFormat &from, RowFunction fill, int32_t percentX, int32_t percentY,
-                              RowFunction take);
+[[nodiscard]] bool ShrinkRows(const RowFormat &from, RowCall fill, int32_t percentX, int32_t percentY, RowCall take);
 
 } // namespace lmf

@@ -321,6 +321,21 @@ TEST(Shapes, BoxesOfAllSizes) {
     }
 }
 
+TEST(Shapes, EllipsesSettleWhatAFloatingGuessMisses) {
+    struct Case {
+        int64_t width, height, row;
+    };
+    // A square root in floating numbers ends one pixel short of the first two, and one too far in the others.
+    for (const Case &c : {Case{3684243911, 2670561118, 2446489365}, Case{4029677689, 3581092548, 1589441600},
+                          Case{2685199630, 3090302300, 2079373078}, Case{2255097268, 3032080064, 1114718317}}) {
+        const DrawBox box = {INT32_MIN, INT32_MIN, INT32_MIN + c.width, INT32_MIN + c.height};
+        const int64_t y = box.top + c.row;
+        const RowSpan span = EllipseShape(box).SpanAt(y);
+        EXPECT_TRUE(InEllipse(box, span.left, y) && InEllipse(box, span.right - 1, y)) << c.width;
+        EXPECT_FALSE(InEllipse(box, span.left - 1, y) || InEllipse(box, span.right, y)) << c.width;
+    }
+}
+
 TEST(Shapes, Polygons) {
     uint32_t random = 3;
     const auto polygon = [&](size_t count, auto coordinate) {

@@ -67,11 +67,13 @@ TEST(Resample, IsBitForBitThePlainRoad) {
         int32_t width, height, newWidth, newHeight;
         double blur;
     };
-    // Both orders of the passes, strips and blocks with a rest, wide sums, one pixel, and factors below the least one.
+    // Both orders of the passes, strips and blocks with a rest, wide sums, one pixel, factors below the least one, and
+    // sides that keep their size in either pass.
     static constexpr Case kCases[] = {{1, 1, 3, 5, 1.0},      {37, 29, 18, 14, 1.0},  {21, 150, 40, 33, 1.0},
                                       {150, 21, 33, 40, 1.0}, {300, 7, 11, 7, 1.0},   {19, 17, 19, 17, 1.7},
                                       {13, 90, 26, 45, 1.0},  {25, 70, 51, 139, 0.4}, {64, 3, 64, 1, 1.0},
-                                      {90, 2, 7, 3, 9.0},     {31, 33, 62, 66, -1.0}, {1, 20003, 1, 1, 1.0}};
+                                      {90, 2, 7, 3, 9.0},     {31, 33, 62, 66, -1.0}, {1, 20003, 1, 1, 1.0},
+                                      {70, 90, 30, 90, 1.0},  {30, 90, 70, 90, 1.0},  {21, 50, 21, 139, 1.0}};
     for (const Case &c : kCases) {
         LockedDib sources[] = {RandomPicture(c.width, c.height, kModeTrueColor, 3),
                                RandomPicture(c.width, c.height, kModePalette, 4),
@@ -85,6 +87,19 @@ TEST(Resample, IsBitForBitThePlainRoad) {
             }
         }
     }
+}
+
+TEST(Resample, LargeRowsReadInPlaceGiveWhatCopiedOnesGive) {
+    constexpr int32_t kWidth = 40000, kHeight = 200, kNewWidth = 30, kNewHeight = 20;
+    const LockedDib source = RandomPicture(kWidth, kHeight, kModeTrueColor, 6);
+    const LockedDib reduced(DibScaleTo(source, kNewWidth, kNewHeight, 0));
+    ASSERT_TRUE(reduced);
+    EXPECT_TRUE(ScaleRows(
+        {kWidth, kHeight, 24}, [&](int32_t y, uint8_t *row) { std::copy_n(source.View().Row(y), kWidth * 3, row); },
+        kNewWidth, kNewHeight, 0,
+        [&](int32_t y, const uint8_t *row) {
+            EXPECT_TRUE(std::equal(row, row + kNewWidth * 3, reduced.View().Row(y))) << "row " << y;
+        }));
 }
 
 TEST(Resample, WindowsHaveTheirShape) {

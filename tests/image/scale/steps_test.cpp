@@ -84,6 +84,11 @@ TEST(Steps, OtherDepths) {
               (Pixels{0x304050, 0x304050, 0x304050, 0x304050, 0x304050, 0x304050}));
     LockedDib nibbles = MakePicture(2, 1, 4, {4, 9});
     EXPECT_EQ(PixelsOf(LockedDib(DibShrinkHorz(nibbles, 50))), (Pixels{6}));
+    // Both rows hold one whole triple of bytes, so the shares end with the first.
+    const LockedDib fewBits = RandomDepth(20, 1, 1, 7);
+    Pixels firstBits = PixelsOf(fewBits);
+    firstBits.resize(10);
+    EXPECT_EQ(PixelsOf(LockedDib(DibShrinkHorz(fewBits, 50))), firstBits);
     EXPECT_EQ(PixelsOf(LockedDib(DibEnlargeHorz(nibbles, 200))), (Pixels{6, 9, 9, 9}));
     // 64 bits are 8 bytes and hold two triples, of which the one that 32 bits have room for is the mean.
     LockedDib bits(DibCreate(64, 1, nullptr, 1));

@@ -15,11 +15,12 @@ struct RowFormat {
 
 /// Borrows a callable of the form void(int32_t y, uint8_t *row): something that writes or reads row y, counted from the
 /// top. It must outlive what it is passed to, as a lambda written into the call does.
-class RowFunction {
+class RowCall {
 public:
     template <typename Work>
-    requires(!std::is_same_v<std::remove_cvref_t<Work>, RowFunction>) RowFunction(Work &&callable)
-        : work(const_cast<void *>(static_cast<const void *>(&callable))), call([](void *target, int32_t y, uint8_t *row) {
+    requires(!std::is_same_v<std::remove_cvref_t<Work>, RowCall>) RowCall(Work &&callable)
+        : work(const_cast<void *>(static_cast<const void *>(&callable))),
+          call([](void *target, int32_t y, uint8_t *row) {
               (*static_cast<std::remove_reference_t<Work> *>(target))(y, row);
           }) {}
 
