@@ -1,6 +1,21 @@
 #include "image/draw/coverage.h"
 
+#include <cstring>
+
 namespace lmf {
+
+namespace {
+
+constexpr int32_t kStretch = 16; ///< pixels
+
+/// Are the next kStretch steps 0?
+bool IsFlat(const int16_t *steps) {
+    uint64_t words[kStretch * sizeof(int16_t) / sizeof(uint64_t)];
+    std::memcpy(words, steps, sizeof words);
+    return (words[0] | words[1] | words[2] | words[3]) == 0;
+}
+
+} // namespace
 
 CoverageRow::CoverageRow(int32_t pixels)
     : width(pixels), steps(static_cast<uint64_t>(pixels) + 2), levels(static_cast<uint64_t>(pixels)) {}
@@ -29,9 +44,17 @@ void CoverageRow::Finish() {
     }
     constexpr int32_t kParts = kSubpixels * kSubpixels;
     int32_t parts = 0;
-    for (int32_t x = left; x < right; x++) {
+    uint8_t level = 0;
+    for (int32_t x = left; x < right;) {
+        // Between the ends of spans nothing changes.
+        if (right - x >= kStretch && IsFlat(steps.data + x)) {
+            std::memset(levels.data + x, level, kStretch);
+            x += kStretch;
+            continue;
+        }
         parts += steps[x];
-        levels[x] = static_cast<uint8_t>((parts * 255 + kParts / 2) / kParts);
+        level = static_cast<uint8_t>((parts * 255 + kParts / 2) / kParts);
+        levels[x++] = level;
     }
     std::fill(steps.data + left, steps.data + std::min(right + 2, width + 2), int16_t{0});
 }
