@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <set>
 
 namespace lmf::host {
 
@@ -12,12 +13,17 @@ constexpr uint16_t kExifDirectory = 34665;
 constexpr uint16_t kGpsDirectory = 34853;
 constexpr uint16_t kInteropDirectory = 40965;
 constexpr int kDeepestDirectory = 3;
+constexpr size_t kEntrySize = 12;
 
 // What a TIFF file's first directory may say about the picture rather than about how the file is laid out.
 constexpr uint16_t kDescriptive[] = {
     270,          271, 272,   kOrientation, 282,   283,   296,   305,   306,   315,   316,
     318,          319, 18246, 18249,        33432, 40091, 40092, 40093, 40094, 40095, kExifDirectory,
     kGpsDirectory};
+
+bool IsDescriptive(uint16_t tag) {
+    return std::find(std::begin(kDescriptive), std::end(kDescriptive), tag) != std::end(kDescriptive);
+}
 
 bool IsDirectory(uint16_t tag) {
     return tag == kExifDirectory || tag == kGpsDirectory || tag == kInteropDirectory;
@@ -73,39 +79,54 @@ void TurnElements(uint16_t type, Bytes &value) {
         std::reverse(value.begin() + std::ptrdiff_t(at), value.begin() + std::ptrdiff_t(at + element));
 }
 
-// `budget` bounds what all values may take together, so that entries that share bytes cannot blow up the memory.
-std::vector<Entry> ParseDirectory(const TiffView &view, size_t at, int depth, size_t &budget) {
-    std::vector<Entry> entries;
-    const int count = view.U16(at);
-    for (int i = 0; i < count; ++i) {
-        const size_t place = at + 2 + 12 * size_t(i);
-        Entry entry;
-        entry.tag = view.U16(place);
-        entry.type = view.U16(place + 2);
-        entry.count = view.U32(place + 4);
-        const size_t size = ElementSize(entry.type) * size_t(entry.count);
-        const size_t value = ValueAt(view, place, size);
-        if (size == 0 || value == view.bytes.size() || size > budget) continue;
-        budget -= size;
-        if (IsDirectory(entry.tag)) {
-            if (depth < kDeepestDirectory)
-                entry.directory = ParseDirectory(view, view.U32(place + 8), depth + 1, budget);
-            if (entry.directory.empty()) continue;
-            entry.type = 4;
-            entry.count = 1;
-        } else {
-            entry.value.assign(view.bytes.begin() + std::ptrdiff_t(value),
-                               view.bytes.begin() + std::ptrdiff_t(value + size));
-            if (view.bigEndian) TurnElements(entry.type, entry.value);
-        }
-        entries.push_back(std::move(entry));
+// Reads what the first directory says about the picture, and the directories below it whole. Each directory is visited
+// once, and each tag counts once in it: the first entry that has a value.
+struct DirectoryReader {
+    const TiffView &view;
+    // Entries and their values lie apart in an honest block, or share a value now and then. What reads more than the
+    // block holds twice over is made of parts that overlap, and would take any amount of time and memory.
+    size_t budget = 2 * view.bytes.size();
+    std::set<size_t> visited = {};
+
+    bool Afford(size_t bytes) {
+        if (bytes > budget) return false;
+        budget -= bytes;
+        return true;
     }
-    return entries;
-}
+
+    std::vector<Entry> Read(size_t at, int depth) {
+        std::vector<Entry> entries;
+        if (at + 2 > view.bytes.size() || !visited.insert(at).second) return entries;
+        const size_t count = std::min<size_t>(view.U16(at), (view.bytes.size() - at - 2) / kEntrySize);
+        std::set<uint16_t> seen;
+        for (size_t i = 0; i < count && Afford(kEntrySize); ++i) {
+            const size_t place = at + 2 + kEntrySize * i;
+            Entry entry;
+            entry.tag = view.U16(place);
+            if (depth == 0 && !IsDescriptive(entry.tag)) continue;
+            entry.type = view.U16(place + 2);
+            entry.count = view.U32(place + 4);
+            const size_t size = ElementSize(entry.type) * size_t(entry.count);
+            const size_t value = ValueAt(view, place, size);
+            if (size == 0 || value == view.bytes.size() || !Afford(size) || !seen.insert(entry.tag).second) continue;
+            if (IsDirectory(entry.tag)) {
+                if (depth < kDeepestDirectory) entry.directory = Read(view.U32(place + 8), depth + 1);
+                if (entry.directory.empty()) continue;
+                entry.type = 4;
+                entry.count = 1;
+            } else {
+                entry.value.assign(view.bytes.begin() + std::ptrdiff_t(value),
+                                   view.bytes.begin() + std::ptrdiff_t(value + size));
+                if (view.bigEndian) TurnElements(entry.type, entry.value);
+            }
+            entries.push_back(std::move(entry));
+        }
+        return entries;
+    }
+};
 
 std::vector<Entry> FirstDirectory(const TiffView &view) {
-    size_t budget = view.bytes.size();
-    return ParseDirectory(view, view.U32(4), 0, budget);
+    return DirectoryReader{view}.Read(view.U32(4), 0);
 }
 
 void Put16(Bytes &out, size_t at, uint32_t value) {
@@ -124,7 +145,7 @@ uint32_t AppendDirectory(Bytes &out, uint32_t origin, std::vector<Entry> entries
     std::stable_sort(entries.begin(), entries.end(), [](const Entry &a, const Entry &b) { return a.tag < b.tag; });
     out.resize((out.size() + 1) & ~size_t{1});
     const size_t start = out.size();
-    out.resize(start + 2 + 12 * entries.size() + 4);
+    out.resize(start + 2 + kEntrySize * entries.size() + 4);
     Put16(out, start, uint32_t(entries.size()));
     size_t place = start + 2;
     for (Entry &entry : entries) {
@@ -141,7 +162,7 @@ uint32_t AppendDirectory(Bytes &out, uint32_t origin, std::vector<Entry> entries
             Put32(out, place + 8, origin + uint32_t(out.size()));
             out.insert(out.end(), entry.value.begin(), entry.value.end());
         }
-        place += 12;
+        place += kEntrySize;
     }
     return origin + uint32_t(start);
 }
@@ -149,14 +170,16 @@ uint32_t AppendDirectory(Bytes &out, uint32_t origin, std::vector<Entry> entries
 void DropThumbnail(Bytes &exif) {
     const TiffView view{exif, exif[0] == 'M'};
     const size_t first = view.U32(4);
-    const size_t link = first + 2 + 12 * size_t(view.U16(first));
+    const size_t link = first + 2 + kEntrySize * view.U16(first);
+    // A block may end inside the link: then there is no second directory, and no room to clear the link in.
+    if (link + 4 > exif.size()) return;
     const size_t second = view.U32(link);
     if (second == 0) return;
     // Offset and length of a compressed or of an uncompressed thumbnail.
     size_t at = 0;
     size_t size = 0;
     for (int i = 0; i < view.U16(second); ++i) {
-        const size_t place = second + 2 + 12 * size_t(i);
+        const size_t place = second + 2 + kEntrySize * size_t(i);
         const uint16_t tag = view.U16(place);
         if (tag == 513 || tag == 273) at = view.U32(place + 8);
         if (tag == 514 || tag == 279) size = view.U32(place + 8);
@@ -188,9 +211,6 @@ Bytes ExifFromTiff(ByteView file) {
     TiffView view;
     if (!OpenTiff(file, view)) return {};
     std::vector<Entry> entries = FirstDirectory(view);
-    std::erase_if(entries, [](const Entry &entry) {
-        return std::find(std::begin(kDescriptive), std::end(kDescriptive), entry.tag) == std::end(kDescriptive);
-    });
     if (entries.empty()) return {};
     Bytes out = {'I', 'I', 42, 0, 8, 0, 0, 0};
     AppendDirectory(out, 0, std::move(entries));
@@ -208,22 +228,20 @@ bool AddExifToTiff(std::FILE *file, ByteView exif) {
     if (std::fseek(file, long(header.U32(4)), SEEK_SET) != 0 || std::fread(directory.data(), 1, 2, file) != 2)
         return false;
     const size_t count = TiffView{directory, false}.U16(0);
-    directory.resize(12 * count);
+    directory.resize(kEntrySize * count);
     if (std::fread(directory.data(), 1, directory.size(), file) != directory.size()) return false;
 
     const TiffView raw{directory, false};
     std::vector<Entry> entries;
     for (size_t i = 0; i < count; ++i) {
-        const auto value = directory.begin() + std::ptrdiff_t(12 * i + 8);
-        entries.push_back(
-            {raw.U16(12 * i), raw.U16(12 * i + 2), raw.U32(12 * i + 4), Bytes(value, value + 4), {}, true});
+        const size_t place = kEntrySize * i;
+        const auto value = directory.begin() + std::ptrdiff_t(place + 8);
+        entries.push_back({raw.U16(place), raw.U16(place + 2), raw.U32(place + 4), Bytes(value, value + 4), {}, true});
     }
     for (Entry &entry : FirstDirectory(view)) {
         const bool present = std::any_of(entries.begin(), entries.begin() + std::ptrdiff_t(count),
                                          [&](const Entry &other) { return other.tag == entry.tag; });
-        const bool descriptive =
-            std::find(std::begin(kDescriptive), std::end(kDescriptive), entry.tag) != std::end(kDescriptive);
-        if (!present && descriptive) entries.push_back(std::move(entry));
+        if (!present) entries.push_back(std::move(entry));
     }
     if (std::fseek(file, 0, SEEK_END) != 0) return false;
     const long end = std::ftell(file);

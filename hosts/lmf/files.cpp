@@ -1,5 +1,6 @@
 #include "files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <ftw.h>
 #include <sys/stat.h>
@@ -27,14 +28,25 @@ void Remember(char (&slot)[PATH_MAX], const std::string &path) {
     if (path.size() < sizeof slot) std::memcpy(slot, path.c_str(), path.size() + 1);
 }
 
+// Removes the files of a folder, with only such calls as are safe in a handler.
+void RemoveFiles(int folder) {
+    alignas(dirent64) char entries[4096];
+    ssize_t size = 0;
+    while ((size = getdents64(folder, entries, sizeof entries)) > 0) {
+        for (ssize_t at = 0; at < size;) {
+            const auto *entry = reinterpret_cast<const dirent64 *>(entries + at);
+            unlinkat(folder, entry->d_name, 0);
+            at += entry->d_reclen;
+        }
+    }
+}
+
 void OnSignal(int signal) {
     if (gOpenOutput[0]) unlink(gOpenOutput);
     if (gPrivateFolder[0]) {
-        // Only calls that are safe in a handler: the folder holds these names and no others.
-        static const char *const kNames[] = {"Quillon Works/LmfFiltrBatch.ini", "Quillon Works/LmfFiltrEnableBatch.ini",
-                                             "Quillon Works/LmfFiltrListBatch.txt", "fontconfig"};
         const int folder = open(gPrivateFolder, O_RDONLY | O_DIRECTORY);
-        for (const char *name : kNames) unlinkat(folder, name, 0);
+        RemoveFiles(folder);
+        RemoveFiles(openat(folder, "Quillon Works", O_RDONLY | O_DIRECTORY));
         unlinkat(folder, "Quillon Works", AT_REMOVEDIR);
         rmdir(gPrivateFolder);
     }

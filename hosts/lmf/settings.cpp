@@ -16,6 +16,9 @@ constexpr char kFolderName[] = "Quillon Works";
 constexpr size_t kLongestPath = 260; // a longer one counts as absent for the library, which then takes its defaults
 constexpr size_t kLongestLine = 258; // the library reads lines of up to 259 bytes, line end included
 
+constexpr size_t kLargestIni = size_t{1} << 20;
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // The characters that code page 1252 has at 0x80 to 0x9F; 0 marks the unused places.
 constexpr uint16_t kWindows1252[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                        0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
@@ -187,7 +190,9 @@ bool MakeIni(const SettingsRequest &request, std::string &ini, bool &unreadable,
         unreadable = !ReadFile(
             request.fromFile, [](ByteView) { return true; }, file, report);
         if (unreadable) return false;
-        ini.append(file.begin(), file.end());
+        std::string_view text(reinterpret_cast<const char *>(file.data()), file.size());
+        if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+        ini += text;
         // Not one too many: the library takes an empty line for a setting.
         if (!ini.ends_with('\n')) ini += '\n';
     }
@@ -203,7 +208,9 @@ bool MakeIni(const SettingsRequest &request, std::string &ini, bool &unreadable,
         if (!ParseAssignment(*request.filter, assignment, key, value, report)) return false;
         ini += key + " = " + value + "\n";
     }
-    return true;
+    if (ini.size() <= kLargestIni) return true;
+    unreadable = !request.fromFile.empty();
+    return report.Fail("the settings take more than 1 MB, which the library does not read");
 }
 
 bool InstallIni(const PrivateFolder &folder, const std::string &ini, Report &report) {

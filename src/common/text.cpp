@@ -22,6 +22,11 @@ int32_t ParseNumber(const char *text) {
     return static_cast<int32_t>(negative ? -value : value);
 }
 
+const char *SkipBlanks(const char *text) {
+    while (*text == ' ') text++;
+    return text;
+}
+
 namespace {
 
 char LowerCase(char c) {

@@ -9,6 +9,9 @@ namespace lmf {
 /// of 32 bits gives the end of the range.
 [[nodiscard]] int32_t ParseNumber(const char *text);
 
+/// The first character of `text` that is no blank; tabs count as text.
+[[nodiscard]] const char *SkipBlanks(const char *text);
+
 /// Are the two texts the same, with the letters A to Z and a to z taken as equal?
 [[nodiscard]] bool SameIgnoringCase(const char *a, const char *b);
 

@@ -1,6 +1,7 @@
 #include "engine/do_image_filter.h"
 
 #include <cstring>
+#include <optional>
 #include <utility>
 
 #include "common/random.h"
@@ -23,31 +24,44 @@ bool PassesHostFields(uint32_t runFlags) {
 /// The kinds of host that leave the choice of filters to the user; for others they stay as they are.
 constexpr uint32_t kReadsEnableFile = LMF_RUN_STANDARD | LMF_RUN_DAUBERY | LMF_RUN_REELSMITH | LMF_RUN_FRAMELOOM;
 
-void ReadFiles(uint32_t runFlags) {
-    ReadSettings(runFlags);
-    if (runFlags & kReadsEnableFile) ReadEnableFile(runFlags);
+/// What the settings files held at the start of a call.
+struct FoundFiles {
+    FoundSettings settings;
+    std::optional<FoundSwitches> switches; ///< nothing where the call leaves the enable file unread
+};
+
+FoundFiles ReadFiles(uint32_t runFlags) {
+    FoundFiles found = {ReadSettings(runFlags), {}};
+    if (runFlags & kReadsEnableFile) found.switches = ReadEnableFile(runFlags);
+    return found;
 }
 
-void WriteFiles(uint32_t runFlags) {
-    if (runFlags != 0) WriteEnableFile(runFlags);
-    if (!(runFlags & LMF_RUN_DIRECT)) WriteSettings(runFlags);
+void WriteFiles(uint32_t runFlags, const FoundFiles &found) {
+    if (runFlags != 0) WriteEnableFile(runFlags, found.switches ? &*found.switches : nullptr);
+    if (!(runFlags & LMF_RUN_DIRECT)) WriteSettings(runFlags, found.settings);
 }
 
 /// The host's wishes before the run.
+/// @param hostRecord  a HostRecord at any address, since a host may pack it into a block of its own; or null
 /// @return the row to start with.
-uint32_t ReadHostRecord(const HostRecord *record, uint32_t runFlags) {
-    if (record == nullptr) return LMF_FILTER_LAST;
+uint32_t ReadHostRecord(const void *hostRecord, uint32_t runFlags) {
+    if (hostRecord == nullptr) return LMF_FILTER_LAST;
+    HostRecord record;
+    std::memcpy(&record, hostRecord, sizeof record);
     if (PassesHostFields(runFlags)) {
-        Settings.PaperColor = static_cast<int32_t>(record->paperColor);
-        Settings.FilterApplyToDuplicate = record->applyToDuplicate;
+        Settings.PaperColor = static_cast<int32_t>(record.paperColor);
+        Settings.FilterApplyToDuplicate = record.applyToDuplicate;
     }
-    return record->filterIndex;
+    return record.filterIndex;
 }
 
-void WriteHostRecord(HostRecord *record, uint32_t runFlags, const FilterContext &context) {
-    if (record == nullptr) return;
-    record->filterIndex = static_cast<uint32_t>(context.filterIndex);
-    if (PassesHostFields(runFlags)) record->applyToDuplicate = Settings.FilterApplyToDuplicate;
+void WriteHostRecord(void *hostRecord, uint32_t runFlags, const FilterContext &context) {
+    if (hostRecord == nullptr) return;
+    HostRecord record;
+    std::memcpy(&record, hostRecord, sizeof record);
+    record.filterIndex = static_cast<uint32_t>(context.filterIndex);
+    if (PassesHostFields(runFlags)) record.applyToDuplicate = Settings.FilterApplyToDuplicate;
+    std::memcpy(hostRecord, &record, sizeof record);
 }
 
 /// A context that frees at the end of the scope what is still its own.
@@ -114,10 +128,10 @@ uint64_t DoImageFilter(const HostCall &call) {
     extended.SetErrorCode(LMF_ERROR_INFORMATION);
     if (call.picture == nullptr || call.second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
-    ReadFiles(call.runFlags);
+    const FoundFiles found = ReadFiles(call.runFlags);
 
     const bool batch = (call.runFlags & LMF_RUN_BATCH) != 0;
-    auto *record = batch ? nullptr : static_cast<HostRecord *>(call.hostRecord);
+    void *record = batch ? nullptr : call.hostRecord;
     OwningContext context;
     const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
     context.clipboard = extended.Clipboard();
@@ -141,7 +155,7 @@ uint64_t DoImageFilter(const HostCall &call) {
         WriteHostRecord(record, call.runFlags, context);
     }
     StoreAllSettings(context);
-    WriteFiles(call.runFlags);
+    WriteFiles(call.runFlags, found);
     return done;
 }
 

@@ -1,337 +1,204 @@
 #include "engine/settings_files.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
+#include <ctime>
+#include <optional>
 
-#include "common/random.h"
 #include "common/text.h"
-#include "engine/catalogue.h"
-#include "lmf16filter.h"
-#include "platform/system.h"
+#include "engine/config_text.h"
+#include "platform/files.h"
 
 namespace lmf {
 
-// Paths.
+namespace {
 
-static constexpr const char *kMakerFolder = "Quillon Works";
-static constexpr const char *kProductFolder = "Lumenfold Studio 16";
-static constexpr const char *kBackupFormat = "Backup of %s";
+/// A settings file, read whole. One that is too long fails, and so does any where memory is short.
+struct SettingsText {
+    static constexpr uint64_t kLargest = uint64_t{1} << 20;
+    FileState state = FileState::kFailed;
+    std::optional<BlockArray<char>> bytes;
+    size_t size = 0;
 
-struct FilePath {
-    char text[kPathSize] = "";
-    bool whole = true; ///< nothing was cut: the path can be trusted to name the file that is meant
-};
-
-static void Append(FilePath *path, const char *text) {
-    const size_t length = std::strlen(path->text);
-    const size_t room = kPathSize - 1 - length;
-    const size_t count = std::strlen(text);
-    std::memcpy(path->text + length, text, std::min(count, room));
-    path->text[length + std::min(count, room)] = '\0';
-    if (count > room) path->whole = false;
-}
-
-static void AppendFolder(FilePath *path, const char *folder) {
-    Append(path, folder);
-    const size_t length = std::strlen(path->text);
-    const char separator[] = {kPathSeparator, '\0'};
-    if (length == 0 || path->text[length - 1] != kPathSeparator) Append(path, separator);
-}
-
-static bool AppendSettingsFolder(FilePath *path) {
-    char folder[kFolderSize];
-    if (!ApplicationDataFolder(folder)) return false;
-    AppendFolder(path, folder);
-    AppendFolder(path, kMakerFolder);
-    return true;
-}
-
-/// The path of a settings file that is to be opened.
-/// @return false where there is no such path, or it is too long
-static bool FindSettingsFile(const char *name, FilePath *path) {
-    if (!AppendSettingsFolder(path)) return false;
-    Append(path, name);
-    return path->whole;
-}
-
-bool SettingsFolder(char (&out)[kPathSize]) {
-    FilePath path;
-    const bool found = AppendSettingsFolder(&path);
-    std::memcpy(out, path.text, kPathSize);
-    return found;
-}
-
-const char *SettingsFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) Append(&path, name);
-    return path.text;
-}
-
-const char *ProductFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) {
-        AppendFolder(&path, kProductFolder);
-        Append(&path, name);
+    explicit SettingsText(const char *name) {
+        char path[kPathSize];
+        if (!FindSettingsFile(name, path)) return;
+        const InputFile file(path);
+        state = file.state;
+        if (state != FileState::kOpen) return;
+        state = FileState::kFailed;
+        if (file.size > kLargest) return;
+        bytes.emplace(file.size + 1); // an empty file needs a block too
+        if (!*bytes || !file.Read(bytes->data)) return;
+        state = FileState::kOpen;
+        size = file.size;
     }
-    return path.text;
-}
-
-const char *DocumentsFile(const char *name) {
-    static FilePath path;
-    path = {};
-    char folder[kFolderSize];
-    if (UserDocumentsFolder(folder)) {
-        AppendFolder(&path, folder);
-        Append(&path, name);
-    }
-    return path.text;
-}
-
-const char *ModuleFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (*ModuleFolder() != '\0') {
-        AppendFolder(&path, ModuleFolder());
-        Append(&path, name);
-    }
-    return path.text;
-}
-
-const SettingsFileSet &SettingsFilesFor(uint32_t runFlags) {
-    static constexpr struct {
-        uint32_t runFlags;
-        SettingsFileSet files;
-    } kHosts[] = {
-        {LMF_RUN_DAUBERY, {"DauberyFiltr.ini", "DauberyFiltrEnable.ini", "DauberyFiltrList.txt"}},
-        {LMF_RUN_REELSMITH | LMF_RUN_FRAMELOOM,
-         {"AnimationFilter.ini", "AnimationFilterEnable.ini", "AnimationFilterList.txt"}},
-        {LMF_RUN_BATCH, {"LmfFiltrBatch.ini", "LmfFiltrEnableBatch.ini", "LmfFiltrListBatch.txt"}},
-    };
-    static constexpr SettingsFileSet kStandard = {"LmfFiltr.ini", "LmfFiltrEnable.ini", "LmfFiltrList.txt"};
-    for (const auto &host : kHosts) {
-        if (runFlags & host.runFlags) return host.files;
-    }
-    return kStandard;
-}
-
-// Opening, lines, replacing.
-
-/// A file that is closed at the end of the scope.
-struct OpenFile {
-    std::FILE *file;
-
-    OpenFile(const char *path, const char *mode) : file(std::fopen(path, mode)) {}
-    OpenFile(const OpenFile &) = delete;
-    OpenFile &operator=(const OpenFile &) = delete;
-    ~OpenFile() {
-        if (file != nullptr) std::fclose(file);
-    }
-
-    /// Closes the file. @return whether everything that was written has arrived
-    [[nodiscard]] bool Close() {
-        const bool good = std::ferror(file) == 0;
-        const bool closed = std::fclose(file) == 0;
-        file = nullptr;
-        return good && closed;
+    bool Failed() const { return state == FileState::kFailed; }
+    bool Exists() const { return state == FileState::kOpen; }
+    std::string_view Bytes() const { return size == 0 ? std::string_view() : std::string_view(bytes->data, size); }
+    /// The bytes without the mark of their encoding that some editors put before them.
+    std::string_view Text() const {
+        constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+        return Bytes().substr(Bytes().starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
     }
 };
 
-/// Buffer of one line. A longer line goes on as a further line, so writers keep below it.
-static constexpr size_t kLineSize = 260;
-using Line = char[kLineSize];
+/// Keeps other hosts from changing the settings files while this one reads, changes and writes them. A holder that
+/// doesn't let go within the time (a process that was stopped, a file server that is away) must not stop its fellows:
+/// they then write without the lock, as where it can't be made. The files stay whole even so, but what another saves
+/// in the same moment can be lost. Each wait in vain halves the next, so that a batch of calls doesn't wait for long.
+struct SettingsLock {
+    static constexpr int kLongestWait = 5000;
+    static inline int wait = kLongestWait;
+    char path[kPathSize] = "";
+    FileLock lock;
 
-static bool ReadLine(std::FILE *file, Line &line) {
-    return std::fgets(line, kLineSize, file) != nullptr;
+    SettingsLock() : lock(FindSettingsFile("LmfFiltr.lock", path) ? path : "", wait) {
+        wait = lock.busy ? wait / 2 : kLongestWait;
+    }
+};
+
+/// Writes what is to take the place of a settings file.
+bool WritePending(const char *name, std::string_view text, PendingFile *file) {
+    char path[kPathSize];
+    return FindSettingsFile(name, path) && file->Write(path, text, path);
 }
 
-/// The number of characters before the first that is below 32 or the end. Characters from 128 up count as text.
-static size_t PrintableLength(const char *text) {
-    const char *end = text;
-    while (static_cast<unsigned char>(*end) >= ' ') end++;
-    return static_cast<size_t>(end - text);
-}
-
-static const char *SkipBlanks(const char *text) {
-    while (*text == ' ') text++;
-    return text;
-}
-
-template <typename Reader>
-static void ReadFile(const char *name, Reader read) {
-    FilePath path;
-    if (!FindSettingsFile(name, &path)) return;
-    const OpenFile source(path.text, "r");
-    if (source.file != nullptr) read(source.file);
-}
-
-/// @param write  takes the open file, and says whether it could get what is to be written
-template <typename Writer>
-static void ReplaceFile(const char *name, const char *mode, Writer write) {
-    FilePath path;
-    if (!FindSettingsFile(name, &path)) return;
-    FilePath beside = path;
-    Append(&beside, ".new");
-    if (!beside.whole) return;
-    OpenFile target(beside.text, mode);
-    if (target.file == nullptr) return;
-    const bool written = write(target.file);
-    const bool arrived = target.Close();
-    if (!written || !arrived || !RenameOver(beside.text, path.text)) std::remove(beside.text);
-}
-
-static void WriteHeading(std::FILE *file, const char *title, const char *section) {
+void WriteHeading(LineWriter &out, const char *title, const char *section) {
     static constexpr const char *kDays[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
     static constexpr const char *kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     char time[64] = "";
     std::tm now;
     if (LocalTime(SystemTime(), &now))
-        std::snprintf(time, sizeof time, "%s %s %02d %02d:%02d:%02d %04d", kDays[now.tm_wday], kMonths[now.tm_mon],
-                      now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec, now.tm_year + 1900);
-    std::fprintf(file, ";%s\n;Edit this at your own risk\n;Last updated %24.24s\n;\n[%s]\n", title, time, section);
+        std::snprintf(time, sizeof time, "%s %s %02d %02d:%02d:%02d %04lld", kDays[now.tm_wday], kMonths[now.tm_mon],
+                      now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec, now.tm_year + 1900LL);
+    out.Add(";%s", title);
+    out.Add(";Edit this at your own risk");
+    out.Add(";Last updated %24.24s", time);
+    out.Add(";");
+    out.Add("[%s]", section);
+}
+
+constexpr size_t kHeadingLines = 5;
+
+/// Writes a text in the place of a settings file, unless what stands there can't be read.
+void ReplaceFile(const char *name, const LineWriter &text) {
+    PendingFile file;
+    if (text.Whole() && WritePending(name, text.Text(), &file) && file.TakePlace()) file.SyncFolder();
 }
 
 // The ini file.
 
-void HexCodeText(SettingText &text, bool encode) {
-    if (std::strlen(text) < 2) return;
-    SettingText coded = "";
-    size_t length = 0;
-    if (encode) {
-        static bool seeded = false;
-        if (!seeded) SeedRandom(static_cast<uint32_t>(SystemTime()));
-        seeded = true;
-        const auto addByte = [&](unsigned byte) {
-            static constexpr char kDigits[] = "0123456789ABCDEF";
-            coded[length++] = kDigits[byte >> 4 & 15];
-            coded[length++] = kDigits[byte & 15];
-        };
-        addByte(static_cast<unsigned>(NextRandom()) & 0xFF);
-        for (const char *c = text; *c != '\0' && length + 2 < kTextSize; c++) addByte(static_cast<unsigned char>(*c));
-    } else {
-        const auto digitAt = [&](size_t i) {
-            const char c = text[i];
-            if (c >= '0' && c <= '9') return c - '0';
-            if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-            if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-            return -1;
-        };
-        for (size_t i = 2; digitAt(i) >= 0 && digitAt(i + 1) >= 0; i += 2)
-            coded[length++] = static_cast<char>(digitAt(i) * 16 + digitAt(i + 1));
-    }
-    std::memcpy(text, coded, kTextSize);
+/// The place of a row's variable in another store than `Settings`.
+const char *VariableIn(const SettingsStore &store, const ConfigEntry &row) {
+    const auto offset = static_cast<const char *>(row.variable) - reinterpret_cast<const char *>(&Settings);
+    return reinterpret_cast<const char *>(&store) + offset;
 }
 
-/// The row that a line of the file names: the first whose key starts with what the line gives of it. An empty key
-/// names the first row of all.
-static const ConfigEntry *FindRow(std::span<const ConfigEntry> table, const char *key, size_t length) {
-    for (const ConfigEntry &row : table) {
-        if (!(row.type & kConfigWriteOnly) && std::strncmp(row.key, key, length) == 0) return &row;
-    }
-    return nullptr;
+/// Have the two stores the same value in this row?
+bool SameValue(const SettingsStore &a, const SettingsStore &b, const ConfigEntry &row) {
+    const char *left = VariableIn(a, row), *right = VariableIn(b, row);
+    if (row.type & kConfigText) return std::strncmp(left, right, kTextSize) == 0;
+    return std::memcmp(left, right, sizeof(int32_t)) == 0;
 }
 
-static void StoreValue(const ConfigEntry &row, const char *value) {
-    if (!(row.type & kConfigText)) {
-        row.Number() = ParseNumber(value);
-        return;
-    }
-    SettingText &text = *static_cast<SettingText *>(row.variable);
-    std::memset(text, 0, kTextSize);
-    std::memcpy(text, value, std::min(std::strlen(value), kTextSize - 1));
-    if (row.type & kConfigHexCoded) HexCodeText(text, false);
-}
-
-void ReadIniLines(std::FILE *file, std::span<const ConfigEntry> table) {
-    Line line;
-    while (ReadLine(file, line)) {
-        if (line[0] == ';') continue;
-        line[PrintableLength(line)] = '\0';
-        const size_t keyLength = std::strcspn(line, " =");
-        const ConfigEntry *row = FindRow(table, line, keyLength);
-        if (row == nullptr) continue;
-        const char *value = SkipBlanks(line + keyLength);
-        if (*value == '=') value = SkipBlanks(value + std::strspn(value, "="));
-        StoreValue(*row, value);
+/// Takes from the file as it is now every value that this call left as it found it.
+void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
+    const SettingsStore mine = Settings;
+    Settings = found;
+    ReadConfigLines(text, ConfigTable);
+    const SettingsStore theirs = Settings;
+    Settings = mine;
+    for (const ConfigEntry &row : ConfigTable) {
+        if (SameValue(mine, found, row))
+            std::memcpy(row.variable, VariableIn(theirs, row), row.type & kConfigText ? kTextSize : sizeof(int32_t));
     }
 }
 
-/// A text is written up to its first control character and cut where its line would not be read back as one: anything
-/// more would be taken for further settings.
-static void WriteText(std::FILE *file, const ConfigEntry &row) {
-    SettingText text;
-    std::memcpy(text, row.variable, kTextSize);
-    text[kTextSize - 1] = '\0';
-    if (row.type & kConfigHexCoded) HexCodeText(text, true);
-    const size_t room = kLineSize - std::strlen(" = \n") - 1 - std::strlen(row.key);
-    const size_t length = std::min(PrintableLength(text), room);
-    std::fprintf(file, "%s = %.*s\n", row.key, static_cast<int>(length), text);
+/// Makes ready a backup of a file: another name for it, since no writer touches a file that stands, or else a copy.
+bool BackUp(const char *name, const SettingsText &file, const char *backup, PendingFile *pending) {
+    char from[kPathSize], to[kPathSize];
+    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) &&
+           (pending->Link(to, from) || pending->Write(to, file.Bytes(), from));
 }
 
-void WriteIniLines(std::FILE *file, std::span<const ConfigEntry> table) {
-    WriteHeading(file, "LMFFILTR configuration file", "PlugIn");
-    for (const ConfigEntry &row : table) {
-        if (row.type & kConfigText)
-            WriteText(file, row);
-        else
-            std::fprintf(file, "%s = %u\n", row.key, static_cast<uint32_t>(row.Number()));
-    }
+/// Moves the generations of a file by one: the first backup becomes the second, and the present file the first. Either
+/// both move or none: with the first alone in the second's place, the older would be lost and nothing gained.
+void RotateBackups(const char *name, const SettingsText &present) {
+    char first[kPathSize], second[kPathSize + 10];
+    std::snprintf(first, sizeof first, "Backup of %s", name);
+    std::snprintf(second, sizeof second, "Backup of %s", first);
+    const SettingsText oldFirst(first);
+    PendingFile newFirst, newSecond;
+    if (oldFirst.Failed()) return;
+    if (oldFirst.Exists() && !BackUp(first, oldFirst, second, &newSecond)) return;
+    if (present.Exists() && !BackUp(name, present, first, &newFirst)) return;
+    (void)newSecond.TakePlace();
+    (void)newFirst.TakePlace();
 }
 
-/// Copies a settings file to its backup, if it exists.
-static void KeepBackup(const char *name) {
-    FilePath path;
-    if (!FindSettingsFile(name, &path)) return;
-    const OpenFile source(path.text, "rb");
-    if (source.file == nullptr) return;
-    char backup[kPathSize];
-    std::snprintf(backup, sizeof backup, kBackupFormat, name);
-    ReplaceFile(backup, "wb", [&](std::FILE *target) {
-        char buffer[4096];
-        while (const size_t count = std::fread(buffer, 1, sizeof buffer, source.file))
-            std::fwrite(buffer, 1, count, target);
-        return std::ferror(source.file) == 0;
-    });
+} // namespace
+
+FoundSettings ReadSettings(uint32_t runFlags) {
+    const SettingsText file(SettingsFilesFor(runFlags).ini);
+    ReadConfigLines(file.Text(), ConfigTable);
+    return {Settings, !file.Failed()};
 }
 
-void ReadSettings(uint32_t runFlags) {
-    ReadFile(SettingsFilesFor(runFlags).ini, [](std::FILE *file) { ReadIniLines(file, ConfigTable); });
-}
-
-void WriteSettings(uint32_t runFlags) {
+void WriteSettings(uint32_t runFlags, const FoundSettings &found) {
+    if (!found.mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).ini;
-    char backup[kPathSize];
-    std::snprintf(backup, sizeof backup, kBackupFormat, name);
-    KeepBackup(backup);
-    KeepBackup(name);
-    ReplaceFile(name, "w", [](std::FILE *file) {
-        WriteIniLines(file, ConfigTable);
-        return true;
-    });
+    const SettingsLock lock;
+    const SettingsText present(name);
+    if (present.Failed()) return;
+    TakeOthersChanges(present.Text(), found.values);
+    LineWriter out(kHeadingLines + kConfigRows);
+    WriteHeading(out, "LMFFILTR configuration file", "PlugIn");
+    WriteConfigLines(out, ConfigTable);
+    // The backups move only once the new file has its room on the disk.
+    PendingFile file;
+    if (!out.Whole() || !WritePending(name, out.Text(), &file)) return;
+    RotateBackups(name, present);
+    if (file.TakePlace()) file.SyncFolder();
 }
 
 // The enable file.
 
-/// A filter's name as the enable file has it: underscores for blanks.
-static void EnableKeyOf(const FilterEntry &entry, Line &key) {
-    std::snprintf(key, kLineSize, "%s", entry.name);
-    std::replace(key, key + std::strlen(key), ' ', '_');
+namespace {
+
+std::bitset<kFilterCount> EnabledBits() {
+    std::bitset<kFilterCount> bits;
+    for (size_t row = 0; row < kFilterCount; row++) bits[row] = (FilterCatalogue[row].flags & FilterEnabled) != 0;
+    return bits;
 }
 
-static FilterEntry *FindFilter(const char *enableKey) {
+void SetEnabled(FilterEntry *entry, bool enabled) {
+    entry->flags &= ~static_cast<uint32_t>(FilterEnabled);
+    if (enabled) entry->flags |= FilterEnabled;
+}
+
+void SetEnabledBits(const std::bitset<kFilterCount> &bits) {
+    for (size_t row = 0; row < kFilterCount; row++) SetEnabled(&FilterCatalogue[row], bits[row]);
+}
+
+/// The file has underscores for the blanks of a filter's name. No name has an underscore of its own, and no key a
+/// blank.
+FilterEntry *FindFilter(char *key) {
+    std::replace(key, key + std::strlen(key), '_', ' ');
     for (FilterEntry &entry : FilterCatalogue) {
-        Line key;
-        EnableKeyOf(entry, key);
-        if (SameIgnoringCase(key, enableKey)) return &entry;
+        if (SameIgnoringCase(key, entry.name)) return &entry;
     }
     return nullptr;
 }
 
-void ReadEnableLines(std::FILE *file) {
+} // namespace
+
+void ReadEnableLines(std::string_view text) {
+    LineReader lines{text};
     Line line;
-    while (ReadLine(file, line)) {
+    while (lines.Next(line, kLineSize)) {
         line[std::strcspn(line, "\r\n")] = '\0';
         if (line[0] == ';') continue;
         const char *value = std::strchr(line, '=');
@@ -340,34 +207,46 @@ void ReadEnableLines(std::FILE *file) {
         if (*value < '0' || *value > '9') continue;
         const bool enabled = ParseNumber(value) != 0;
         line[std::strcspn(line, " =")] = '\0';
-        FilterEntry *entry = FindFilter(line);
-        if (entry == nullptr) continue;
-        entry->flags &= ~static_cast<uint32_t>(FilterEnabled);
-        if (enabled) entry->flags |= FilterEnabled;
+        if (FilterEntry *entry = FindFilter(line)) SetEnabled(entry, enabled);
     }
 }
 
-void ReadEnableFile(uint32_t runFlags) {
-    ReadFile(SettingsFilesFor(runFlags).enable, ReadEnableLines);
+FoundSwitches ReadEnableFile(uint32_t runFlags) {
+    const SettingsText file(SettingsFilesFor(runFlags).enable);
+    ReadEnableLines(file.Text());
+    return {EnabledBits(), !file.Failed()};
 }
 
-void WriteEnableFile(uint32_t runFlags) {
-    ReplaceFile(SettingsFilesFor(runFlags).enable, "w", [](std::FILE *file) {
-        WriteHeading(file, "LMFFILTR enable file", "Filter");
-        for (const FilterEntry &entry : FilterCatalogue) {
-            Line key;
-            EnableKeyOf(entry, key);
-            std::fprintf(file, "%s=%d\n", key, entry.flags & FilterEnabled ? 1 : 0);
-        }
-        return true;
-    });
+void WriteEnableFile(uint32_t runFlags, const FoundSwitches *found) {
+    if (found != nullptr && !found->mayReplace) return;
+    const char *name = SettingsFilesFor(runFlags).enable;
+    const SettingsLock lock;
+    const SettingsText present(name);
+    if (present.Failed()) return;
+    if (found != nullptr) {
+        const auto mine = EnabledBits(), changed = mine ^ found->enabled;
+        SetEnabledBits(found->enabled);
+        ReadEnableLines(present.Text());
+        SetEnabledBits((mine & changed) | (EnabledBits() & ~changed));
+    }
+    LineWriter out(kHeadingLines + kFilterCount);
+    WriteHeading(out, "LMFFILTR enable file", "Filter");
+    for (const FilterEntry &entry : FilterCatalogue) {
+        Line key;
+        std::snprintf(key, kLineSize, "%s", entry.name);
+        std::replace(key, key + std::strlen(key), ' ', '_');
+        out.Add("%s=%d", key, entry.flags & FilterEnabled ? 1 : 0);
+    }
+    // Every picture of a batch comes here, many within the second that the heading tells.
+    if (out.Text() != present.Bytes()) ReplaceFile(name, out);
 }
 
 // The list of recent filters.
 
-void ReadListLines(std::FILE *file, RecentFilterSink sink, void *target) {
+void ReadListLines(std::string_view text, RecentFilterSink sink, void *target) {
+    LineReader lines{text};
     Line line;
-    while (ReadLine(file, line)) {
+    while (lines.Next(line, kLineSize)) {
         line[std::strcspn(line, "\r\n")] = '\0';
         char *comma = std::strchr(line, ',');
         if (comma == nullptr || comma == line) continue;
@@ -380,16 +259,17 @@ void ReadListLines(std::FILE *file, RecentFilterSink sink, void *target) {
 }
 
 void ReadListFile(uint32_t runFlags, RecentFilterSink sink, void *target) {
-    ReadFile(SettingsFilesFor(runFlags).list, [&](std::FILE *file) { ReadListLines(file, sink, target); });
+    ReadListLines(SettingsText(SettingsFilesFor(runFlags).list).Text(), sink, target);
 }
 
 void WriteListFile(uint32_t runFlags, std::span<const RecentFilter> recent) {
     if (recent.empty() || Settings.RememberFilterSave == 0) return;
-    ReplaceFile(SettingsFilesFor(runFlags).list, "w", [&](std::FILE *file) {
-        for (const RecentFilter &filter : recent)
-            std::fprintf(file, "%s,%d\n", filter.name, static_cast<int>(filter.time));
-        return true;
-    });
+    const char *name = SettingsFilesFor(runFlags).list;
+    const SettingsLock lock;
+    if (SettingsText(name).Failed()) return;
+    LineWriter out(2 * recent.size());
+    for (const RecentFilter &filter : recent) out.Add("%s,%d", filter.name, static_cast<int>(filter.time));
+    ReplaceFile(name, out);
 }
 
 } // namespace lmf

@@ -1,48 +1,44 @@
-// The files that keep settings from one call to the next: plain text in one folder of the user's, a set of three for
-// each kind of host. No folder is made here, and a file that cannot be opened counts as absent: nothing is reported.
-// A file is written whole beside the old one and then takes its name, so that a full disk or a crash leaves the old.
+// The files that keep settings from one call to the next. Several hosts share them, so a call writes only what it
+// changed itself into what the file holds by then, under a lock. A file is written whole beside the old one and then
+// takes its name, so that a full disk or a crash leaves the old. One that can't be read is never replaced, and nothing
+// is reported.
 #pragma once
 
+#include <bitset>
 #include <cstdint>
-#include <cstdio>
 #include <span>
+#include <string_view>
 
+#include "engine/catalogue.h"
 #include "engine/settings.h"
+#include "engine/settings_paths.h"
 
 namespace lmf {
 
-/// Room of a path: 260 characters and a terminator. What is longer is cut.
-inline constexpr size_t kPathSize = 261;
-
-/// The folder of the settings files with a closing separator.
-/// @return false where the user has no folder for settings
-[[nodiscard]] bool SettingsFolder(char (&out)[kPathSize]);
-/// Paths of files, in a buffer that the next call of the same function overwrites; an empty text where the user has no
-/// such folder. In turn: beside the settings files, in the product's folder there, among the user's documents, beside
-/// the library's own file.
-[[nodiscard]] const char *SettingsFile(const char *name);
-[[nodiscard]] const char *ProductFile(const char *name);
-[[nodiscard]] const char *DocumentsFile(const char *name);
-[[nodiscard]] const char *ModuleFile(const char *name);
-
-/// Names of the files of one kind of host.
-struct SettingsFileSet {
-    const char *ini;
-    const char *enable;
-    const char *list;
+/// What a call knows of the ini file from its start: the values that its own changes are told by at its end.
+struct FoundSettings {
+    SettingsStore values;
+    bool mayReplace; ///< the file was read, or there is none
 };
 
-/// The file set of a call with these RunFlags.
-[[nodiscard]] const SettingsFileSet &SettingsFilesFor(uint32_t runFlags);
+/// The same of the enable file: the FilterEnabled bits by row.
+struct FoundSwitches {
+    std::bitset<kFilterCount> enabled;
+    bool mayReplace;
+};
 
 /// Reads the ini file into `Settings`. What the file does not name keeps its value.
-void ReadSettings(uint32_t runFlags);
-/// Moves the present ini file to the first backup and that to the second, then writes `Settings`.
-void WriteSettings(uint32_t runFlags);
+FoundSettings ReadSettings(uint32_t runFlags);
+/// Takes into `Settings` what others saved since `found`, but for what this call changed, and writes it all. The
+/// present ini file becomes the first backup and that the second.
+void WriteSettings(uint32_t runFlags, const FoundSettings &found);
+
 /// Reads the enable file into the FilterEnabled bits of the catalogue. Rows that it does not name keep theirs.
-void ReadEnableFile(uint32_t runFlags);
+FoundSwitches ReadEnableFile(uint32_t runFlags);
 /// Writes the FilterEnabled bits of all rows.
-void WriteEnableFile(uint32_t runFlags);
+/// @param found  what the call read, to keep what others saved since; null where it read nothing: the bits are written
+///               as they stand
+void WriteEnableFile(uint32_t runFlags, const FoundSwitches *found);
 
 /// A filter that was used, and when.
 struct RecentFilter {
@@ -57,15 +53,8 @@ void ReadListFile(uint32_t runFlags, RecentFilterSink sink, void *target);
 /// Writes the list file, unless there is nothing to write or the user wants none (RememberFilterSave).
 void WriteListFile(uint32_t runFlags, std::span<const RecentFilter> recent);
 
-/// The same readers and writers on an open file. `table` is ConfigTable but in tests.
-void ReadIniLines(std::FILE *file, std::span<const ConfigEntry> table);
-void WriteIniLines(std::FILE *file, std::span<const ConfigEntry> table);
-void ReadEnableLines(std::FILE *file);
-void ReadListLines(std::FILE *file, RecentFilterSink sink, void *target);
-
-/// Puts a text into the hex-coded form of the file or takes it out: a random byte, then the text, two digits a byte.
-/// Encoding keeps the first 129 bytes, which is what the form has room for. Decoding ends at the first pair that is not
-/// hexadecimal. A text of less than two characters stays as it is.
-void HexCodeText(SettingText &text, bool encode);
+/// The same readers on a text.
+void ReadEnableLines(std::string_view text);
+void ReadListLines(std::string_view text, RecentFilterSink sink, void *target);
 
 } // namespace lmf

@@ -34,8 +34,6 @@ inline constexpr size_t kFolderSize = 4096;
 [[nodiscard]] bool ApplicationDataFolder(char *out);
 /// The folder of the user's documents, in the same way.
 [[nodiscard]] bool UserDocumentsFolder(char *out);
-/// Gives a file the name of another, which it replaces in one step.
-[[nodiscard]] bool RenameOver(const char *from, const char *to);
 
 /// Keeps the folder of the library's own file. Called once, when the library is loaded.
 /// @param module  the system's handle of the library; ignored where the system needs none

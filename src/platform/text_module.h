@@ -21,3 +21,5 @@ inline constexpr char kTextModuleEntry[] = "LmfTextModule";
 using TextModuleEntry = const TextModule *(*)();
 
 } // namespace lmf
+
+extern "C" const lmf::TextModule *LmfTextModule();

@@ -1,20 +1,26 @@
 #include "engine/settings_files.h"
 
-#include <csignal>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <optional>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "engine/catalogue.h"
+#include "engine/config_text.h"
 #include "engine/do_image_filter.h"
+#include "platform/files.h"
 #include "support/pictures.h"
 
 namespace lmf {
@@ -43,12 +49,14 @@ struct SettingsFiles : ::testing::Test {
     void SetUp() override {
         fs::create_directories(folder);
         ::setenv("XDG_CONFIG_HOME", root.c_str(), 1);
+        ::setenv("SOURCE_DATE_EPOCH", "1000000000", 1); // files are compared with earlier ones
         Settings = kFactorySettings;
         for (const FilterEntry &entry : FilterCatalogue) keptFlags.push_back(entry.flags);
     }
     void TearDown() override {
         fs::remove_all(root);
         ::unsetenv("XDG_CONFIG_HOME");
+        ::unsetenv("SOURCE_DATE_EPOCH");
         Settings = keptSettings;
         for (size_t row = 0; row < keptFlags.size(); row++) FilterCatalogue[row].flags = keptFlags[row];
     }
@@ -56,14 +64,26 @@ struct SettingsFiles : ::testing::Test {
         Put(folder / "LmfFiltr.ini", text);
         ReadSettings(0);
     }
+    /// All files but the lock, which every writer makes.
     std::set<std::string> Files() const {
         std::set<std::string> names;
         for (const auto &file : fs::directory_iterator(folder)) names.insert(file.path().filename());
+        names.erase("LmfFiltr.lock");
         return names;
     }
+    /// What a call leaves that found the factory settings.
     std::string SavedIni() {
-        WriteSettings(0);
+        WriteSettings(0, {kFactorySettings, true});
         return Contents(folder / "LmfFiltr.ini");
+    }
+    /// What stands there without being read: links and kinds of files are told, contents of plain files too.
+    std::string Standing(const std::string &name) const {
+        const fs::path path = folder / name;
+        const fs::file_status status = fs::symlink_status(path);
+        std::string text = std::to_string(static_cast<int>(status.type())) + " " +
+                           std::to_string(static_cast<unsigned>(status.permissions()));
+        if (fs::is_symlink(status)) return text + " to " + fs::read_symlink(path).string();
+        return fs::is_regular_file(status) ? text + " " + Contents(path) : text;
     }
 };
 
@@ -76,16 +96,15 @@ TEST_F(SettingsFiles, MissingFileOrFolderLeavesDefaults) {
     ReadEnableFile(0);
     EXPECT_TRUE(IsFactory(Settings));
     fs::remove_all(folder);
-    ReadSettings(0);
-    WriteSettings(0);
-    WriteEnableFile(1);
+    WriteSettings(0, ReadSettings(0));
+    WriteEnableFile(1, nullptr);
     EXPECT_TRUE(IsFactory(Settings));
     EXPECT_FALSE(fs::exists(folder)) << "no folder is made";
     ::unsetenv("XDG_CONFIG_HOME");
     const std::string home = std::getenv("HOME") != nullptr ? std::getenv("HOME") : "";
     ::setenv("HOME", "", 1);
     EXPECT_STREQ(SettingsFile("x"), "");
-    WriteSettings(0);
+    SavedIni();
     ::setenv("HOME", home.c_str(), 1);
 }
 
@@ -133,11 +152,11 @@ TEST_F(SettingsFiles, KeylessAndLongLines) {
 }
 
 TEST_F(SettingsFiles, WritesTheExactLines) {
-    ::setenv("SOURCE_DATE_EPOCH", "1000000000", 1);
     ::setenv("TZ", "UTC", 1);
     Settings.FilterContrast = -1;
     const std::string text = SavedIni();
-    ::unsetenv("SOURCE_DATE_EPOCH");
+    ::setenv("SOURCE_DATE_EPOCH", "67768036191676799", 1);
+    EXPECT_NE(SavedIni().find("\n;Last updated Wed Dec 31 23:59:59 2147\n"), std::string::npos) << "cut, not wrapped";
     ::unsetenv("TZ");
     const std::string start = ";LMFFILTR configuration file\n;Edit this at your own risk\n"
                               ";Last updated Sun Sep 09 01:46:40 2001\n;\n[PlugIn]\nBuildDate = ";
@@ -203,16 +222,177 @@ TEST_F(SettingsFiles, EachSaveMovesTheOldFilesAndAFailedOneLeavesThem) {
     Settings.FilterContrast = 9;
     rlimit limit, kept;
     ::getrlimit(RLIMIT_FSIZE, &kept);
-    limit = {1000, kept.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    WriteSettings(0);
-    ::setrlimit(RLIMIT_FSIZE, &kept);
-    std::signal(SIGXFSZ, handler);
+    const auto saveWithLimit = [&](rlim_t bytes) {
+        limit = {std::min(bytes, kept.rlim_max), kept.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        SavedIni();
+        ::setrlimit(RLIMIT_FSIZE, &kept);
+    };
+    saveWithLimit(1000);
     expectTheFour("when the disk is full");
 
-    fs::create_directories(folder / "LmfFiltr.ini.new" / "in the way");
-    EXPECT_EQ(SavedIni(), saved[3]) << "no file can be made";
+    // The new file has room, a copy of the old one has not: the backup is the old file itself.
+    const std::string old = saved[3] + std::string(20000, ';');
+    Put(folder / "LmfFiltr.ini", old);
+    saveWithLimit(15000);
+    EXPECT_NE(Contents(folder / "LmfFiltr.ini").find("\nFilterContrast = 9\n"), std::string::npos);
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), old);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[2]);
+
+    // A file that is kept in another file system has to be copied. Where that fails, the backups stay as a pair.
+    const fs::path elsewhere = "/dev/shm/" + root.filename().string();
+    Put(elsewhere, old);
+    fs::remove(folder / "LmfFiltr.ini");
+    fs::create_symlink(elsewhere, folder / "LmfFiltr.ini");
+    saveWithLimit(15000);
+    EXPECT_NE(Contents(elsewhere).find("\nFilterContrast = 9\n"), std::string::npos);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), saved[2]);
+    const std::string present = Contents(elsewhere);
+    saveWithLimit(RLIM_INFINITY);
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), present);
+    EXPECT_EQ(Contents(folder / "Backup of Backup of LmfFiltr.ini"), old);
+    EXPECT_EQ(Files().size(), 3u);
+    fs::remove(elsewhere);
+}
+
+TEST_F(SettingsFiles, WhatCannotBeReadIsNeverReplaced) {
+    const std::string ini = "LmfFiltr.ini", enable = "LmfFiltrEnable.ini", list = "LmfFiltrList.txt";
+    const RecentFilter recent[] = {{"Flip", 1}};
+    const std::pair<const char *, std::function<void(const fs::path &)>> kinds[] = {
+        {"pipe", [](const fs::path &path) { ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0); }},
+        {"folder", [](const fs::path &path) { fs::create_directory(path); }},
+        {"endless", [](const fs::path &path) { fs::create_symlink("/dev/zero", path); }},
+        {"circle", [](const fs::path &path) { fs::create_symlink(path, path); }},
+        {"too long", [](const fs::path &path) { Put(path, std::string((1 << 20) + 1, ';')); }},
+        {"no rights",
+         [](const fs::path &path) {
+             Put(path, "FilterContrast = 5\n");
+             fs::permissions(path, fs::perms::none);
+         }},
+    };
+    for (const auto &[kind, make] : kinds) {
+        SCOPED_TRACE(kind);
+        if (std::string(kind) == "no rights" && ::geteuid() == 0) continue; // root reads everything
+        for (const std::string &name : {ini, enable, list}) make(folder / name);
+        const std::string before[] = {Standing(ini), Standing(enable), Standing(list)};
+        const FoundSettings found = ReadSettings(1);
+        const FoundSwitches switches = ReadEnableFile(1);
+        EXPECT_TRUE(IsFactory(Settings));
+        for (int time = 0; time < 2; time++) {
+            const bool changedMeanwhile = time == 1; // readable by now, but the call knows nothing of what it holds
+            if (changedMeanwhile)
+                for (const std::string &name : {ini, enable}) {
+                    fs::remove(folder / name);
+                    Put(folder / name, "FilterContrast = 6\nGamma=0\n");
+                }
+            const std::string standing[] = {Standing(ini), Standing(enable)};
+            WriteSettings(1, found);
+            WriteEnableFile(1, &switches);
+            if (!changedMeanwhile) {
+                WriteSettings(1, {kFactorySettings, true});
+                WriteEnableFile(1, nullptr);
+                WriteListFile(1, recent);
+                EXPECT_EQ(Standing(ini), before[0]);
+                EXPECT_EQ(Standing(enable), before[1]);
+                EXPECT_EQ(Standing(list), before[2]);
+            }
+            EXPECT_EQ(Standing(ini), standing[0]);
+            EXPECT_EQ(Standing(enable), standing[1]);
+            EXPECT_EQ(Files(), (Names{ini, enable, list}));
+        }
+        for (const std::string &name : {ini, enable, list}) fs::remove(folder / name);
+
+        // A backup of this kind stays too, and keeps no save from being made.
+        const std::string backup = "Backup of " + ini;
+        make(folder / backup);
+        const std::string standing = Standing(backup);
+        SavedIni();
+        EXPECT_NE(SavedIni(), "");
+        EXPECT_EQ(Standing(backup), standing);
+        for (const std::string &name : {ini, backup}) fs::remove(folder / name);
+    }
+}
+
+TEST_F(SettingsFiles, LinksAndRightsAreKept) {
+    // Names that no writer may use, least of all through a link.
+    Put(root / "document", "mine");
+    fs::create_symlink(root / "document", folder / "LmfFiltr.ini.new");
+    // A file that is kept elsewhere, through a link to a link; and one that is not there yet.
+    Put(root / "kept.ini", "FilterContrast = 7\n");
+    fs::permissions(root / "kept.ini", fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink(root / "kept.ini", folder / "step");
+    fs::create_symlink("step", folder / "LmfFiltr.ini");
+    fs::create_symlink("../enabled.ini", folder / "LmfFiltrEnable.ini");
+    WriteSettings(0, ReadSettings(0));
+    WriteEnableFile(1, nullptr);
+    EXPECT_TRUE(fs::is_symlink(folder / "LmfFiltr.ini") && fs::is_symlink(folder / "step"));
+    EXPECT_TRUE(fs::is_symlink(folder / "LmfFiltrEnable.ini"));
+    EXPECT_EQ(Contents(root / "document"), "mine");
+    EXPECT_NE(Contents(root / "kept.ini").find("\nFilterContrast = 7\n"), std::string::npos);
+    EXPECT_EQ(Contents(root / "enabled.ini").find(";LMFFILTR enable file\n"), 0u);
+    for (const fs::path &path : {root / "kept.ini", folder / "Backup of LmfFiltr.ini"})
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write) << path;
+    EXPECT_EQ(Contents(folder / "Backup of LmfFiltr.ini"), "FilterContrast = 7\n");
+    Names others;
+    for (const auto &file : fs::directory_iterator(root)) others.insert(file.path().filename());
+    EXPECT_EQ(others, (Names{"Quillon Works", "document", "enabled.ini", "kept.ini"})) << "nothing left beside";
+}
+
+TEST_F(SettingsFiles, ASaveKeepsWhatOthersChanged) {
+    Put(folder / "LmfFiltr.ini", "FilterContrast = 1\nFilterRed = 1\nFilterGreen = 1\nFilterCaptionString = one\n");
+    Put(folder / "LmfFiltrEnable.ini", "Gamma=0\nFlip=0\nTile=1\n");
+    const FoundSettings found = ReadSettings(1);
+    const FoundSwitches switches = ReadEnableFile(1);
+    // Meanwhile another host saves, and its user edits by hand: with a mark of the encoding, and without other keys.
+    Put(folder / "LmfFiltr.ini",
+        "\xEF\xBB\xBF"
+        "FilterContrast = 2\nFilterRed = 2\nFilterCaptionString = two\nFilterPosonlyString = new\n");
+    Put(folder / "LmfFiltrEnable.ini", "\xEF\xBB\xBFGamma=1\nFlip=0\nTile=0\n");
+    Settings.FilterRed = 3;
+    Settings.FilterBlue = 3;
+    FilterCatalogue[RowOf("Flip")].flags |= FilterEnabled;
+    WriteSettings(1, found);
+    WriteEnableFile(1, &switches);
+
+    const std::string ini = Contents(folder / "LmfFiltr.ini"), enable = Contents(folder / "LmfFiltrEnable.ini");
+    for (const char *line : {"FilterContrast = 2", "FilterRed = 3", "FilterGreen = 1", "FilterBlue = 3",
+                             "FilterCaptionString = two", "FilterPosonlyString = new"})
+        EXPECT_NE(ini.find(std::string("\n") + line + "\n"), std::string::npos) << line;
+    for (const char *line : {"Gamma=1", "Flip=1", "Tile=0"})
+        EXPECT_NE(enable.find(std::string("\n") + line + "\n"), std::string::npos) << line;
+    EXPECT_EQ(Settings.FilterContrast, 2) << "the variables are what the file holds";
+    EXPECT_STREQ(Settings.FilterPosonlyString, "new");
+}
+
+TEST_F(SettingsFiles, LeftoversOfEndedWritersGoAfterAWhile) {
+    const Names keep = {"LmfFiltr.ini.0123abcd.new", "LmfFiltr.ini.0123abcde.new", "LmfFiltr.ini.new",
+                        "x.0123abcd.new"};
+    for (const std::string &name : keep) Put(folder / name, "");
+    Put(folder / "LmfFiltr.ini.00000000.new", "");
+    for (const auto &file : fs::directory_iterator(folder))
+        if (file.path().filename() != *keep.begin())
+            fs::last_write_time(file, fs::file_time_type::clock::now() - std::chrono::hours(2));
+    SavedIni();
+    Names expected = keep;
+    expected.insert("LmfFiltr.ini");
+    EXPECT_EQ(Files(), expected);
+}
+
+TEST_F(SettingsFiles, LockIsWaitedForAndFreedWithItsHolder) {
+    const std::string path = folder / "lock";
+    std::optional<FileLock> holder;
+    holder.emplace(path.c_str(), 0);
+    EXPECT_TRUE(holder->held);
+    const auto start = std::chrono::steady_clock::now();
+    const FileLock late(path.c_str(), 30);
+    EXPECT_TRUE(late.busy && !late.held);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
+    std::thread release([&holder] { holder.reset(); });
+    const FileLock next(path.c_str(), 10000);
+    release.join();
+    EXPECT_TRUE(next.held);
+    const FileLock nowhere((folder / "missing" / "lock").c_str(), 10000);
+    EXPECT_FALSE(nowhere.held || nowhere.busy);
 }
 
 TEST_F(SettingsFiles, FileSetFollowsTheHost) {
@@ -247,7 +427,7 @@ TEST_F(SettingsFiles, PathsAreBuiltAndCut) {
     char cut[kPathSize];
     EXPECT_TRUE(SettingsFolder(cut));
     EXPECT_EQ(std::strlen(cut), 260u);
-    WriteSettings(0);
+    SavedIni();
 }
 
 TEST_F(SettingsFiles, EnableFile) {
@@ -259,7 +439,7 @@ TEST_F(SettingsFiles, EnableFile) {
         if (!(entry.flags & FilterEnabled)) off.insert(entry.name);
     EXPECT_EQ(off, (Names{"Add Alpha", "Gamma", "Red-eye Reduction"})) << "no other line counts";
 
-    WriteEnableFile(1);
+    WriteEnableFile(1, nullptr);
     const std::string text = Contents(folder / "LmfFiltrEnable.ini");
     EXPECT_EQ(text.find(";LMFFILTR enable file\n;Edit this at your own risk\n;Last updated "), 0u);
     EXPECT_NE(text.find("\n;\n[Filter]\nAdd_Alpha=0\nAdd_noise=1\n"), std::string::npos);
@@ -267,7 +447,7 @@ TEST_F(SettingsFiles, EnableFile) {
     EXPECT_EQ(text.substr(text.size() - 12), "Zoom_Blur=1\n");
     for (FilterEntry &entry : FilterCatalogue) entry.flags ^= FilterEnabled;
     ReadEnableFile(1);
-    WriteEnableFile(1);
+    WriteEnableFile(1, nullptr);
     EXPECT_EQ(Contents(folder / "LmfFiltrEnable.ini"), text);
 }
 
@@ -309,16 +489,13 @@ TEST_F(SettingsFiles, HexCodedText) {
     // A row of this kind is coded in the file and plain in memory.
     SettingText secret = "pass=word";
     const ConfigEntry table[] = {{"Secret", secret, kConfigText | kConfigHexCoded}};
-    const std::string path = (folder / "coded").string();
-    std::FILE *file = std::fopen(path.c_str(), "w+");
-    ASSERT_NE(file, nullptr);
-    WriteIniLines(file, table);
-    EXPECT_NE(Contents(path).find("Secret = "), 0u);
-    std::rewind(file);
+    LineWriter out(1);
+    WriteConfigLines(out, table);
+    const std::string text(out.Text());
+    EXPECT_EQ(text.find("Secret = "), 0u);
+    EXPECT_EQ(text.find("pass"), std::string::npos);
     std::strcpy(secret, "lost");
-    ReadIniLines(file, table);
-    std::fclose(file);
-    EXPECT_EQ(Contents(path).find("pass"), std::string::npos);
+    ReadConfigLines(text, table);
     EXPECT_STREQ(secret, "pass=word");
 }
 

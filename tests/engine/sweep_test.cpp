@@ -160,8 +160,8 @@ static std::vector<int32_t> RowsWithKernel() {
     return rows;
 }
 
-INSTANTIATE_TEST_SUITE_P(AllRows, Sweep, ::testing::ValuesIn(RowsWithKernel()), [](const auto &info) {
-    std::string name = FilterCatalogue[info.param].name;
+INSTANTIATE_TEST_SUITE_P(AllRows, Sweep, ::testing::ValuesIn(RowsWithKernel()), [](const auto &row) {
+    std::string name = FilterCatalogue[row.param].name;
     std::erase_if(name, [](char c) { return c == ' ' || c == '-'; });
     return name;
 });

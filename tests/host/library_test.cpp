@@ -9,9 +9,12 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <vector>
 
 #include <dlfcn.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "support/pictures.h"
 
@@ -40,8 +43,8 @@ static_assert(AT(AdjustRequest, second, 24) && AT(AdjustRequest, hostValue, 376)
 
 namespace lmf::testing {
 
-static constexpr uint32_t kInvertColors = 39;
-static constexpr uint32_t kGamma = 30;
+static constexpr uint32_t kInvertColors = LMF_FILTER_INVERT_COLORS;
+static constexpr uint32_t kGamma = LMF_FILTER_GAMMA;
 
 static int32_t Agree(void *, const char *) {
     return 1;
@@ -73,7 +76,7 @@ protected:
                  LmfValidation callback = Agree) {
         return doImageFilter(nullptr, picture, callback, second, 0, 0, runFlags, record, nullptr, 0, 0, nullptr);
     }
-    static DibOwner NewPicture(uint32_t bits, uint32_t pixel) {
+    static LockedDib NewPicture(uint32_t bits, uint32_t pixel) {
         return MakePicture(5, 3, bits, std::vector<uint32_t>(15, pixel));
     }
 
@@ -102,36 +105,41 @@ TEST_F(Library, SaysWhatItIs) {
 }
 
 TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
-    const DibOwner source = NewPicture(24, 0x0A0A0A), alpha = NewPicture(8, 77), inverted = NewPicture(24, 0xF5F5F5);
+    const LockedDib source = NewPicture(24, 0x0A0A0A), alpha = NewPicture(8, 77), inverted = NewPicture(24, 0xF5F5F5);
     for (uint32_t filter : {kInvertColors, uint32_t{LMF_FILTER_LAST}}) {
-        LmfHandle picture = source.handle, second = alpha.handle;
+        LmfHandle picture = source.owner.handle, second = alpha.owner.handle;
         HostRecord record{0, filter, 0, nullptr};
-        ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, &record), 1u);
+        // A host may keep its record at any address.
+        alignas(HostRecord) uint8_t block[sizeof record + 1];
+        std::memcpy(block + 1, &record, sizeof record);
+        ASSERT_EQ(Run(&picture, &second, LMF_RUN_DIRECT, block + 1), 1u);
+        std::memcpy(&record, block + 1, sizeof record);
         EXPECT_EQ(record.filterIndex, kInvertColors);
-        EXPECT_NE(picture, source.handle);
-        EXPECT_NE(second, alpha.handle);
-        EXPECT_TRUE(SamePicture(picture, inverted.handle));
-        EXPECT_TRUE(SamePicture(second, alpha.handle));
-        EXPECT_EQ(PixelsOf(source.handle)[0], 0x0A0A0Au);
+        EXPECT_NE(picture, source.owner.handle);
+        EXPECT_NE(second, alpha.owner.handle);
+        EXPECT_TRUE(SamePicture(DibReadLock(picture).view, inverted));
+        EXPECT_TRUE(SamePicture(DibReadLock(second).view, alpha));
+        EXPECT_EQ(PixelsOf(source)[0], 0x0A0A0Au);
         LmfBlockFree(picture);
         LmfBlockFree(second);
     }
 }
 
 TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
-    const DibOwner source = NewPicture(24, 10), empty(LmfBlockAlloc(0)), cut(LmfBlockAlloc(41));
+    const LockedDib source = NewPicture(24, 10);
+    const BlockOwner empty(LmfBlockAlloc(0)), cut(LmfBlockAlloc(41));
     struct Case {
         LmfHandle picture;
         LmfValidation callback;
         uint32_t runFlags, filterIndex;
     };
     const Case cases[] = {
-        {source.handle, nullptr, LMF_RUN_DIRECT, kInvertColors},
+        {source.owner.handle, nullptr, LMF_RUN_DIRECT, kInvertColors},
         {nullptr, Agree, LMF_RUN_DIRECT, kInvertColors},
         {empty.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
         {cut.handle, Agree, LMF_RUN_DIRECT, kInvertColors},
-        {source.handle, Agree, 0, kInvertColors},
-        {source.handle, Agree, LMF_RUN_DIRECT, 95},
+        {source.owner.handle, Agree, 0, kInvertColors},
+        {source.owner.handle, Agree, LMF_RUN_DIRECT, 95},
     };
     for (const Case &each : cases) {
         LmfHandle picture = each.picture, second = empty.handle;
@@ -140,7 +148,7 @@ TEST_F(Library, FailuresLeaveTheOutputsUntouched) {
         EXPECT_EQ(picture, each.picture);
         EXPECT_EQ(second, empty.handle);
     }
-    LmfHandle picture = source.handle;
+    LmfHandle picture = source.owner.handle;
     EXPECT_EQ(Run(&picture, nullptr, LMF_RUN_DIRECT, nullptr), 0u);
 }
 
@@ -150,12 +158,68 @@ TEST_F(Library, ABatchCallWritesItsErrorCodeAndNothingElse) {
     std::array<uint8_t, 600> block, expected;
     block.fill(0xCC);
     expected = block;
-    const DibOwner mono = NewPicture(1, 1);
-    LmfHandle picture = mono.handle, second = nullptr;
+    const LockedDib mono = NewPicture(1, 1);
+    LmfHandle picture = mono.owner.handle, second = nullptr;
     EXPECT_EQ(Run(&picture, &second, LMF_RUN_DIRECT | LMF_RUN_BATCH, block.data()), 0u);
     const int32_t unsupported = 5;
     std::memcpy(expected.data() + LMF_BATCH_ERROR_OFFSET, &unsupported, sizeof unsupported);
     EXPECT_EQ(block, expected);
+}
+
+// Some hosts save all the time and change nothing, one changes a setting again and again and looks whether it lasts,
+// and the test reads along.
+TEST_F(Library, HostsThatSaveAtOnceLoseNothing) {
+    constexpr int kSavers = 3, kSaves = 40;
+    const std::filesystem::path folder = home / "Quillon Works", ini = folder / "LmfFiltr.ini";
+    const auto contents = [&ini] {
+        std::ifstream file(ini, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    };
+    const auto save = [&](uint32_t paperColor, uint32_t runFlags) {
+        const LockedDib source = NewPicture(8, 1);
+        LmfHandle picture = source.owner.handle, second = nullptr;
+        HostRecord record{paperColor, kInvertColors, 0, nullptr};
+        Run(&picture, &second, runFlags, &record); // there is no window: it saves and gives 0
+    };
+    std::ofstream(ini) << "FilterContrast = 77\n";
+    save(0, LMF_RUN_PAINT);
+    const auto asProcess = [](auto work) {
+        const pid_t child = fork();
+        if (child == 0) _exit(work());
+        return child;
+    };
+    std::vector<pid_t> children;
+    for (int i = 0; i < kSavers; i++)
+        children.push_back(asProcess([&] {
+            for (int n = 0; n < kSaves; n++) save(0, 0);
+            return 0;
+        }));
+    children.push_back(asProcess([&] {
+        int lost = 0;
+        for (uint32_t n = 1; n <= kSaves; n++) {
+            save(n, LMF_RUN_PAINT);
+            lost += contents().find("\nPaperColor = " + std::to_string(n) + "\n") == std::string::npos;
+        }
+        return lost;
+    }));
+    int reads = 0, torn = 0;
+    while (!children.empty()) {
+        const std::string text = contents();
+        reads++;
+        torn +=
+            text.find("\nFilterContrast = 77\n") == std::string::npos || !text.ends_with("\nTrackFilterWindows = 1\n");
+        int status = 0;
+        if (waitpid(children.front(), &status, WNOHANG) == 0) continue;
+        EXPECT_TRUE(WIFEXITED(status));
+        EXPECT_EQ(WEXITSTATUS(status), 0) << "changes of one host that another's save took back";
+        children.erase(children.begin());
+    }
+    EXPECT_EQ(torn, 0) << "of " << reads << " reads";
+    EXPECT_NE(contents().find("\nPaperColor = " + std::to_string(kSaves) + "\n"), std::string::npos);
+    std::set<std::string> files;
+    for (const auto &file : std::filesystem::directory_iterator(folder)) files.insert(file.path().filename());
+    EXPECT_EQ(files, (std::set<std::string>{"Backup of Backup of LmfFiltr.ini", "Backup of LmfFiltr.ini",
+                                            "LmfFiltr.ini", "LmfFiltr.lock", "LmfFiltrEnable.ini"}));
 }
 
 TEST(Blocks, LockSizeAndGrow) {

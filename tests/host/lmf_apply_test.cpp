@@ -215,6 +215,13 @@ TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
     EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "50");
     EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "33");
     EXPECT_EQ(SeenSetting("CurrentFilter"), "31");
+    WriteText(In("marked.ini"), "\xEF\xBB\xBF"
+                                "FilterGaussianSigma = 34\n");
+    ExpectSilence(RunFake("", "Gaussian Blur", {"--settings-from", "marked.ini"}));
+    EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "34") << "after the mark that some editors begin a file with";
+    WriteText(In("long.ini"), std::string(1 << 20, ';'));
+    Expect(2, Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "long.ini"}),
+           "long.ini: the settings take more");
     EXPECT_EQ(Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "missing.ini"}).exitCode, 2);
     EXPECT_EQ(Run({"settings", "path"}, {{"XDG_CONFIG_HOME", "/c"}}).output, "/c/Quillon Works/LmfFiltr.ini\n");
 }
@@ -243,8 +250,8 @@ TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     FilterContext context = MakeContext();
     context.FilterGaussianRadius = 200;
     context.FilterGaussianSigma = 60;
-    const DibOwner source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
-    const std::vector<uint32_t> expected = PixelsOf(RunKernel("Gaussian Blur", source.handle, &context).handle);
+    const LockedDib source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
+    const std::vector<uint32_t> expected = PixelsOf(RunKernel("Gaussian Blur", source, context));
     EXPECT_EQ(ReadPng(In("out/b.png")).samples, Bytes(expected.begin(), expected.end()));
 }
 

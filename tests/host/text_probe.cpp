@@ -2,6 +2,8 @@
 #include "platform/system.h"
 #include "platform/text.h"
 
+extern "C" int32_t ProbeText(int32_t height);
+
 /// @return the width of a text in a font that is `height` pixels high, or -1 where there is no font
 extern "C" __attribute__((visibility("default"))) int32_t ProbeText(int32_t height) {
     lmf::KeepModuleFolder(nullptr);

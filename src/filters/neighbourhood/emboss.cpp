@@ -9,7 +9,7 @@ namespace lmf {
 namespace {
 
 constexpr PageControl kPage[] = {
-    Slider(400, "Radius:", &P::FilterEmbossWidth, {4, 15})
+    Slider(400, "Radius:", &P::FilterEmbossWidth, {4, SquareKernel::kMostOrder})
         .In(Unit::Pixels)
         .Help("Side of the square of pixels that makes the relief; an even number counts as the next odd one."),
     Slider(401, "Depth:", &P::FilterEmbossSigma, {15, 50})

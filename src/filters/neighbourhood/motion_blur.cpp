@@ -39,8 +39,8 @@ void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees) {
     }
 }
 
-/// The rows are copied once with paper on both sides, as far as the trail reaches, and one row of
-/// paper stands for all rows below and above; so every tap is a plain line of bytes. False when memory is short.
+/// The rows are copied once with paper on both sides, as far as the trail reaches, and one row of paper stands for all
+/// rows below and above; so every tap is a plain line of bytes. False when memory is short.
 bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
               int32_t tapCount, Color paper) {
     static constexpr int32_t kPart = 768;

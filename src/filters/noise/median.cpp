@@ -23,22 +23,9 @@ constexpr PageControl kPage[] = {
 
 /// Bytes of a row that are worked on at a time, so that the sorted columns stay in the innermost cache.
 constexpr size_t kStrip = 512;
-/// Bytes from a pixel to the right end of the widest window.
-constexpr size_t kReach = 3 * 6;
-
-/// A network and where it leaves its wires in order: one sequence, or the two whose union is the window.
-struct Sorter {
-    Network network;
-    Wires order, second;
-};
-
-/// Sorts the column of a window.
-template <size_t N>
-constexpr Sorter kColumn = [] {
-    Sorter sorter;
-    sorter.order = sorter.network.Sort(0, N);
-    return sorter;
-}();
+/// Rows of the widest window, and bytes from a pixel to its right end.
+constexpr int32_t kMostRows = 7;
+constexpr size_t kReach = 3 * (kMostRows - 1);
 
 /// Merges two sorted columns.
 template <size_t N>
@@ -48,24 +35,30 @@ constexpr Sorter kPair = [] {
     return sorter;
 }();
 
+/// A network that leaves its wires as two rising sequences.
+struct Halver {
+    Network network;
+    Wires first, second;
+};
+
 /// Merges the columns of a window, sorted pairs and a single one behind them, into two sequences of about its half.
 template <size_t N>
-constexpr Sorter kWindow = [] {
+constexpr Halver kWindow = [] {
     constexpr size_t kPairs = N / 2;
-    Sorter sorter;
+    Halver halver;
     for (size_t i = 0; i < (kPairs + 1) / 2; i++)
-        sorter.order = sorter.network.Merge(sorter.order, WiresFrom(i * 2 * N, 2 * N));
-    sorter.second = WiresFrom(kPairs * 2 * N, N);
+        halver.first = halver.network.Merge(halver.first, WiresFrom(i * 2 * N, 2 * N));
+    halver.second = WiresFrom(kPairs * 2 * N, N);
     for (size_t i = (kPairs + 1) / 2; i < kPairs; i++)
-        sorter.second = sorter.network.Merge(WiresFrom(i * 2 * N, 2 * N), sorter.second);
-    return sorter;
+        halver.second = halver.network.Merge(WiresFrom(i * 2 * N, 2 * N), halver.second);
+    return halver;
 }();
 
 /// The middle byte of the window: the lowest, over all ways to take the bytes up to it from the two sequences, of the
 /// higher of the two last ones.
 template <size_t N>
 [[gnu::always_inline]] inline uint8_t MiddleOf(const uint8_t *wires) {
-    constexpr Wires kA = kWindow<N>.order, kB = kWindow<N>.second;
+    constexpr Wires kA = kWindow<N>.first, kB = kWindow<N>.second;
     constexpr size_t kTaken = N * N / 2 + 1, kFewest = kTaken - std::min(kB.count, kTaken);
     constexpr size_t kMost = std::min(kA.count, kTaken);
     uint8_t lowest = 255;
@@ -89,15 +82,15 @@ LMF_MULTIVERSION void MedianStrip(uint8_t *__restrict to, const uint8_t *const *
         uint8_t wires[N];
 #pragma GCC unroll 64
         for (size_t k = 0; k < N; k++) wires[k] = rows[k][x];
-        RunNetwork<kColumn<N>.network>(wires);
+        RunNetwork<kSorter<N>>(wires);
 #pragma GCC unroll 64
-        for (size_t k = 0; k < N; k++) columns[k][x] = wires[kColumn<N>.order.at[k]];
+        for (size_t k = 0; k < N; k++) columns[k][x] = wires[kSorter<N>.order.at[k]];
     }
     for (size_t x = 0; x < kStrip + 3 * (N - 3); x++) {
         uint8_t wires[2 * N];
 #pragma GCC unroll 64
         for (size_t k = 0; k < 2 * N; k++) wires[k] = columns[k % N][x + k / N * 3];
-        RunNetwork<kPair<N>.network>(wires);
+        RunNetwork<kPair<N>>(wires);
 #pragma GCC unroll 64
         for (size_t k = 0; k < 2 * N; k++) pairs[k][x] = wires[kPair<N>.order.at[k]];
     }
@@ -107,7 +100,7 @@ LMF_MULTIVERSION void MedianStrip(uint8_t *__restrict to, const uint8_t *const *
         for (size_t k = 0; k < N * (N - 1); k++) wires[k] = pairs[k % (2 * N)][x + k / (2 * N) * 6];
 #pragma GCC unroll 64
         for (size_t k = 0; k < N; k++) wires[N * (N - 1) + k] = columns[k][x + 3 * (N - 1)];
-        RunNetwork<kWindow<N>.network>(wires);
+        RunNetwork<kWindow<N>>(wires);
         to[x] = MiddleOf<N>(wires);
     }
 }
@@ -134,11 +127,11 @@ DibHandle MedianKernel(const ReadView &source, FilterContext &context) {
     for (int32_t y = 0; y < n - 1; y++) fetchRow(y);
     for (int32_t y = 0; y < height; y++) {
         if (y + n - 1 < height) fetchRow(y + n - 1);
-        const uint8_t *rows[7];
-        for (int32_t i = 0; i < n; i++) rows[i] = y + i < height ? bufferRow((y + i) % n) : white;
+        const uint8_t *rows[kMostRows];
+        for (int32_t i = 0; i < kMostRows; i++) rows[i] = i < n && y + i < height ? bufferRow((y + i) % n) : white;
         for (size_t x = 0; x < rowBytes; x += kStrip) {
             medianStrip(medians + x, rows);
-            for (int32_t i = 0; i < n; i++) rows[i] += kStrip;
+            for (const uint8_t *&row : rows) row += kStrip;
         }
         std::memcpy(pass.To().Row(y), medians, rowBytes);
     }

@@ -23,15 +23,6 @@ constexpr PageControl kPage[] = {
 /// Rows are worked on in whole groups of this many bytes.
 constexpr size_t kGroup = 64;
 
-template <size_t N>
-constexpr Wires kOrder = Network().Sort(0, N);
-template <size_t N>
-constexpr Network kNetwork = [] {
-    Network network;
-    network.Sort(0, N);
-    return network;
-}();
-
 /// Bit operations, since a compiler may make branches of conditional expressions, and no vector code of those.
 [[gnu::always_inline]] inline uint8_t ChooseByte(bool condition, uint8_t yes, uint8_t no) {
     const auto mask = static_cast<uint8_t>(condition ? 0xFF : 0);
@@ -41,8 +32,8 @@ constexpr Network kNetwork = [] {
 /// Middle of the values, or where that is an extreme of several distinct ones its neighbour among those.
 template <size_t N>
 [[gnu::always_inline]] inline uint8_t NonPeakMedian(uint8_t *wires) {
-    RunNetwork<kNetwork<N>>(wires);
-    constexpr Wires kSorted = kOrder<N>;
+    RunNetwork<kSorter<N>>(wires);
+    constexpr Wires kSorted = kSorter<N>.order;
     const uint8_t lowest = wires[kSorted.at[0]], middle = wires[kSorted.at[N / 2]], highest = wires[kSorted.at[N - 1]];
     uint8_t below = middle, above = middle;
 #pragma GCC unroll 64

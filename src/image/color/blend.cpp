@@ -80,16 +80,20 @@ int32_t BlendChannel(uint32_t mode, int32_t a, int32_t b) {
 
 } // namespace
 
+// Divisions make most modes slow: all pairs are blended once.
+BlendTable::BlendTable(uint32_t mode) : blended(65536) {
+    for (int32_t i = 0; blended && i < 65536; i++)
+        blended[i] = static_cast<uint8_t>(BlendChannel(mode, i & 255, i >> 8));
+}
+
 DibHandle DibBlend(const ReadView &base, const ReadView &top, uint32_t mode) {
-    // Divisions make most modes slow: all pairs of channels are blended once, at 256 * b + a.
-    BlockArray<uint8_t> table(65536);
+    const BlendTable table(mode);
     // The rows as bytes. Where the top ends, its pixels are all ones.
     const uint64_t topBytes = 3 * static_cast<uint64_t>(std::max(base.width, top.width));
     BlockArray<uint8_t> baseRow(3 * static_cast<uint64_t>(base.width)), topRow(topBytes);
     LockedDib result(DibCreate(base.width, base.height, nullptr, 24));
     if (!table || !baseRow || !topRow || !result) return nullptr;
-    for (int32_t i = 0; i < 65536; i++) table[i] = static_cast<uint8_t>(BlendChannel(mode, i & 255, i >> 8));
-    const uint8_t *blended = table.data;
+    const uint8_t *blended = table.blended.data;
     std::fill(topRow.data, topRow.data + topBytes, uint8_t{255});
     for (int32_t y = 0; y < base.height; y++) {
         ReadBgrRow(baseRow.data, base, y);

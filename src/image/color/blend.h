@@ -37,6 +37,15 @@ enum BlendMode : uint32_t {
     kBlendExtremeBurn   ///< as subtract
 };
 
+/// What a mode makes of every pair of channels. Any other mode is Normal.
+struct BlendTable {
+    BlockArray<uint8_t> blended; ///< at 256 * top + base
+
+    explicit BlendTable(uint32_t mode);
+    /// False when there was no memory.
+    explicit operator bool() const { return static_cast<bool>(blended); }
+};
+
 /// 24-bit picture of the base's size, each channel blended from base and top; a top that is smaller counts as white
 /// outside. Any other mode is Normal. New, owned by the caller; null on failure.
 [[nodiscard]] DibHandle DibBlend(const ReadView &base, const ReadView &top, uint32_t mode);

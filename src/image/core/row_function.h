@@ -18,8 +18,8 @@ struct RowFormat {
 class RowFunction {
 public:
     template <typename Work>
-    requires(!std::is_same_v<std::remove_cvref_t<Work>, RowFunction>) RowFunction(Work &&work)
-        : work(const_cast<void *>(static_cast<const void *>(&work))), call([](void *target, int32_t y, uint8_t *row) {
+    requires(!std::is_same_v<std::remove_cvref_t<Work>, RowFunction>) RowFunction(Work &&callable)
+        : work(const_cast<void *>(static_cast<const void *>(&callable))), call([](void *target, int32_t y, uint8_t *row) {
               (*static_cast<std::remove_reference_t<Work> *>(target))(y, row);
           }) {}
 
@@ -27,7 +27,7 @@ public:
 
 private:
     void *work;
-    void (*call)(void *work, int32_t y, uint8_t *row);
+    void (*call)(void *target, int32_t y, uint8_t *row);
 };
 
 } // namespace lmf

@@ -73,13 +73,27 @@ private:
     }
 };
 
-/// Runs the steps. Part of its caller, and a straight line of minima and maxima there, since only a loop body without
-/// calls and loops becomes vector code; what nobody reads afterwards costs nothing.
-template <const Network &network>
+/// A network and the wires in the order that it leaves them in.
+struct Sorter {
+    Network network;
+    Wires order;
+};
+
+/// Sorts N wires.
+template <size_t N>
+inline constexpr Sorter kSorter = [] {
+    Sorter sorter;
+    sorter.order = sorter.network.Sort(0, N);
+    return sorter;
+}();
+
+/// Runs the steps of `sorter.network`. Part of its caller, and a straight line of minima and maxima there, since only a
+/// loop body without calls and loops becomes vector code; what nobody reads afterwards costs nothing.
+template <const auto &sorter>
 [[gnu::always_inline]] inline void RunNetwork(uint8_t *wires) {
 #pragma GCC unroll 320
-    for (size_t i = 0; i < network.count; i++) {
-        uint8_t &low = wires[network.steps[i].low], &high = wires[network.steps[i].high];
+    for (size_t i = 0; i < sorter.network.count; i++) {
+        uint8_t &low = wires[sorter.network.steps[i].low], &high = wires[sorter.network.steps[i].high];
         const uint8_t a = low, b = high;
         low = a < b ? a : b;
         high = a < b ? b : a;

@@ -1,5 +1,6 @@
 #include "image/scale/resample.h"
 
+#include <cmath>
 #include <cstring>
 
 #include "common/multiversion.h"
@@ -24,6 +25,7 @@ struct AxisWeights {
     int32_t size, newSize;
     const ResampleWindow &window;
     int32_t mostEntries = 0; ///< largest count of all
+    bool copies = false;     ///< does every sample come out as it is?
     BlockArray<Contribution> contributions;
     BlockArray<double> weights;
 
@@ -37,12 +39,15 @@ struct AxisWeights {
 private:
     uint64_t FillRanges();
     void FillWeights();
+    bool AreWeightsOfCopies() const;
 };
 
 AxisWeights::AxisWeights(int32_t from, int32_t to, double growth, const ResampleWindow &shape, double blur)
     : factor(growth), scale(std::max(1.0 / growth, 1.0) * blur), support(scale * shape.support), size(from),
       newSize(to), window(shape), contributions(static_cast<uint64_t>(to)), weights(FillRanges()) {
-    if (*this) FillWeights();
+    if (!*this) return;
+    FillWeights();
+    copies = newSize == size && AreWeightsOfCopies();
 }
 
 /// @return how many weights there are; at least 1.
@@ -79,6 +84,20 @@ void AxisWeights::FillWeights() {
         const double reciprocal = 1.0 / density;
         for (int32_t i = 0; i < part.count; i++) partWeights[i] *= reciprocal;
     }
+}
+
+/// Is each sample 1 part of its own and next to nothing of others? Most windows give such weights where the size stays;
+/// what they give of others is too little to change the rounded sum of bytes.
+bool AxisWeights::AreWeightsOfCopies() const {
+    constexpr double kNothing = 1e-9;
+    for (int32_t position = 0; position < newSize; position++) {
+        const Contribution part = contributions[position];
+        double others = 0.0;
+        for (int32_t i = 0; i < part.count; i++)
+            others += std::abs(weights[part.firstEntry + i] - (part.first + i == position ? 1.0 : 0.0));
+        if (others > kNothing || position < part.first || position >= part.first + part.count) return false;
+    }
+    return true;
 }
 
 /// Lines of bytes at a fixed distance from each other, by their numbers.
@@ -192,6 +211,10 @@ struct VerticalPass {
     }
     /// Writes the results first <= position < end to the rows from `to` on.
     void Run(uint8_t *to, int32_t position, int32_t end, ReadLines from) const {
+        if (axis.copies) {
+            for (; position < end; position++, to += rowBytes) std::memcpy(to, from.At(position), rowBytes);
+            return;
+        }
         for (size_t x = 0; x < rowBytes; x += strip)
             ScaleLines({to + x, static_cast<ptrdiff_t>(rowBytes)}, from.From(x), std::min(strip, rowBytes - x),
                        axis.contributions.data + position, axis.weights.data, end - position, axis.mostEntries,
@@ -215,6 +238,10 @@ struct HorizontalPass {
     size_t LineBytes() const { return static_cast<size_t>(kBlockRows * channels); }
     void Run(uint8_t *to, const uint8_t *from, ptrdiff_t rows) const {
         const ptrdiff_t fromBytes = axis.size * channels, toBytes = axis.newSize * channels;
+        if (axis.copies) {
+            std::memcpy(to, from, static_cast<size_t>(rows * toBytes));
+            return;
+        }
         TransposeBytes(turnedFrom.data, rows, from, fromBytes, rows, fromBytes);
         ScaleLines({turnedTo.data, rows * channels}, {turnedFrom.data, rows * channels},
                    static_cast<size_t>(rows * channels), axis.contributions.data, axis.weights.data, axis.newSize,

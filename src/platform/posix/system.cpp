@@ -82,10 +82,6 @@ bool UserDocumentsFolder(char *out) {
     return FolderOf("XDG_DOCUMENTS_DIR", "/Documents", out);
 }
 
-bool RenameOver(const char *from, const char *to) {
-    return std::rename(from, to) == 0;
-}
-
 namespace {
 
 char moduleFolder[PATH_MAX];

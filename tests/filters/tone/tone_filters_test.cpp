@@ -101,8 +101,9 @@ Color Browned(Color color, const FilterContext &context) {
     };
     const float light = 0.586811f * linear(g) + 0.298839f * linear(r) + 0.11435f * linear(b);
     const auto I = static_cast<int32_t>(std::min(light, 255.0f));
-    double tones[3] = {I > T ? 255.0 : I + 255 - T, I > T * 7.0 / 6.0 ? 255.0 : (I + 255) - T * 7.0 / 6.0,
-                       T / 6.0 > I ? 0.0 : I - T / 6.0};
+    const auto raised = static_cast<float>(I + 255), level = static_cast<float>(I);
+    double tones[3] = {level > T ? 255.0 : raised - T, level > T * 7.0 / 6.0 ? 255.0 : raised - T * 7.0 / 6.0,
+                       T / 6.0 > level ? 0.0 : level - T / 6.0};
     uint32_t out[3];
     for (int i = 0; i < 3; i++) {
         auto tone = static_cast<int32_t>(tones[i]);
