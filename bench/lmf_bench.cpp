@@ -105,10 +105,14 @@ struct Measurement {
 };
 
 /// The exported call, which reads no settings where there are no files.
-bool Call(int32_t row, DibHandle picture, DibHandle second) {
+bool Call(int32_t row, DibHandle picture, DibHandle second, DibHandle clipboard) {
+    LmfExtendedHooks extended{};
+    extended.size = sizeof extended;
+    extended.clipboard = clipboard;
     HostRecord record = {0xFFFFFF, static_cast<uint32_t>(row), 0, nullptr};
     const auto pass = [](void *, const char *) -> int32_t { return 1; };
-    if (!DoImageFilter({nullptr, &picture, pass, &second, 0, 0, LMF_RUN_DIRECT, &record, nullptr, 0, 0, nullptr}))
+    if (!DoImageFilter({nullptr, &picture, pass, &second, 0, 0, LMF_RUN_DIRECT | LMF_RUN_EXTENDED, &record, nullptr, 0,
+                        0, &extended.hooks}))
         return false;
     BlockFree(picture);
     BlockFree(second);
@@ -126,7 +130,7 @@ Measurement Measure(int32_t row, const LockedDib &picture, DibHandle second, Fil
         BlockFree(result);
         FreePictures(context);
         bool called = false;
-        calls.push_back(Nanoseconds([&] { called = Call(row, picture.owner.handle, second); }));
+        calls.push_back(Nanoseconds([&] { called = Call(row, picture.owner.handle, second, context.clipboard); }));
         if (!called) return {-1, -1, -1};
     }
     const double pixels = static_cast<double>(context.width) * context.height, copy = Median(copies);
@@ -177,6 +181,7 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
         context.height = height;
         context.source = picture.owner.handle;
         if (entry.flags & FilterNeedsSecond) context.second = alpha.owner.handle;
+        if (entry.flags & FilterNeedsClipboard) context.clipboard = picture.owner.handle;
         context.paperColor = static_cast<Color>(Settings.PaperColor);
         LoadAllSettings(context);
         const Measurement measured = Measure(row, picture, context.second, context, options.repetitions);

@@ -7,6 +7,7 @@
 
 #include "engine/catalogue.h"
 #include "engine/direct_run.h"
+#include "support/clipboard.h"
 
 namespace lmf::testing {
 
@@ -52,14 +53,19 @@ static int32_t RandomValue(const PageControl &control, uint32_t *state) {
 
 class Sweep : public ::testing::TestWithParam<int32_t> {
 protected:
-    void SetUp() override { blocksBefore = LiveBlocks(); }
+    void SetUp() override {
+        if (Entry().flags & FilterNeedsClipboard) PutOnClipboard(clipboard.handle);
+        blocksBefore = LiveBlocks();
+    }
     void TearDown() override {
         FailAllocationAfter(-1);
+        PutOnClipboard(nullptr);
         Settings = kFactorySettings;
         EXPECT_EQ(LiveLocks(), 0);
         EXPECT_EQ(LiveBlocks(), blocksBefore);
     }
     const FilterEntry &Entry() const { return FilterCatalogue[GetParam()]; }
+    const DibOwner clipboard{RandomPicture(6, 5, kModePalette, 13).Release()};
     int64_t blocksBefore = 0;
 };
 
@@ -105,6 +111,7 @@ TEST_P(Sweep, TinyPicturesAndRandomSettings) {
                 context.width = width;
                 context.height = height;
                 LoadPage(*Entry().filter, context);
+                if (TestRandom(&state) % 2) context.clipboard = clipboard.handle;
                 const DirectRun run(GetParam(), source, second, context);
                 if (run.good) ExpectGoodPicture(run.Result().view);
             }

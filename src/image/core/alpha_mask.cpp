@@ -46,10 +46,18 @@ DibHandle AlphaFromCoverage(LockedDib coverage, DibHandle second, int32_t x, int
 LMF_MULTIVERSION
 void TintRow(uint8_t *__restrict bgr, const uint8_t *__restrict mask, int32_t width, Color color) {
     const uint8_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
-    for (int32_t x = 0; x < width; x++) {
-        bgr[x * 3] = MixBytes(bgr[x * 3], blue, mask[x]);
-        bgr[x * 3 + 1] = MixBytes(bgr[x * 3 + 1], green, mask[x]);
-        bgr[x * 3 + 2] = MixBytes(bgr[x * 3 + 2], red, mask[x]);
+    constexpr int32_t kStretch = 64;
+    for (int32_t first = 0; first < width; first += kStretch) {
+        const int32_t end = std::min(first + kStretch, width);
+        // Masks are often empty over long stretches.
+        uint8_t any = 0;
+        for (int32_t x = first; x < end; x++) any |= mask[x];
+        if (any == 0) continue;
+        for (int32_t x = first; x < end; x++) {
+            bgr[x * 3] = MixBytes(bgr[x * 3], blue, mask[x]);
+            bgr[x * 3 + 1] = MixBytes(bgr[x * 3 + 1], green, mask[x]);
+            bgr[x * 3 + 2] = MixBytes(bgr[x * 3 + 2], red, mask[x]);
+        }
     }
 }
 
