@@ -39,15 +39,6 @@ DibHandle OutlineOf(const ReadView &picture, const ReadView &second) {
     return outline.Release();
 }
 
-/// The outline moved to where its shadow falls.
-DibHandle MovedOutline(const ReadView &outline, Corner corner, int32_t distance) {
-    LockedDib moved(DibCreateGrey(outline.width, outline.height));
-    if (moved)
-        DibCopyRect(moved.View(), corner.X() * distance, corner.Y() * distance, outline, 0, 0, outline.width,
-                    outline.height);
-    return moved.Release();
-}
-
 /// What a row of the picture becomes that is laid over the shadow (T. Porter and T. Duff, "Compositing digital images",
 /// 1984; colours are not multiplied by alpha): its alpha, and in `shares` how much of the colour is the shadow's.
 LMF_MULTIVERSION
@@ -74,10 +65,10 @@ DibHandle AlphaShadowKernel(const ReadView &source, FilterContext &context) {
 
     LockedDib outline(OutlineOf(source, second.view));
     if (!outline) return nullptr;
-    const LockedDib moved(
-        MovedOutline(outline, Corner(context.FilterAlphaShadowDirection), context.FilterAlphaShadowSize));
-    if (!moved) return nullptr;
-    const LockedDib shadow(SoftShadow(moved, context.FilterAlphaShadowSoft));
+    const Corner corner(context.FilterAlphaShadowDirection);
+    const int32_t distance = context.FilterAlphaShadowSize;
+    const LockedDib shadow(
+        ThrownShadow(outline, corner.X() * distance, corner.Y() * distance, context.FilterAlphaShadowSoft));
     if (!shadow) return nullptr;
     BlockArray<uint8_t> shares(static_cast<uint64_t>(to.width));
     if (!shares) return nullptr;

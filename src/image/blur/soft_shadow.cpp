@@ -76,6 +76,13 @@ DibHandle SoftShadow(const ReadView &coverage, int32_t softness) {
     return shadow.Release();
 }
 
+DibHandle ThrownShadow(const ReadView &coverage, int32_t right, int32_t down, int32_t softness) {
+    const LockedDib moved(DibCreateGrey(coverage.width, coverage.height));
+    if (!moved) return nullptr;
+    DibCopyRect(moved.View(), right, down, coverage, 0, 0, coverage.width, coverage.height);
+    return SoftShadow(moved, softness);
+}
+
 bool ShadowProfile(uint8_t *to, int32_t count, int32_t start, int32_t end, int32_t softness) {
     // With a margin on both sides, so that the outside counts as empty.
     const int32_t padded = count + 2 * kRadius;
