@@ -125,7 +125,7 @@ struct Look {
 };
 
 /// Reads mirrored rows of `from`, scales them and gives them to take(y, row). @return false without memory
-bool Mirror(const ReadView &from, const Layout &layout, RowFunction take) {
+bool Mirror(const ReadView &from, const Layout &layout, RowCall take) {
     const RowFormat format = {from.width, layout.mirrored, from.bits};
     const size_t bytes = static_cast<size_t>(from.width) * (from.bits / 8);
     return ScaleRows(
