@@ -55,8 +55,8 @@ LMF_MULTIVERSION void ReduceRow(uint8_t *__restrict to, const uint8_t *__restric
     }
 }
 
-using RowCall = void (*)(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count);
-constexpr RowCall kReduceRow[] = {ReduceRow<3>, ReduceRow<5>, ReduceRow<7>, ReduceRow<9>, ReduceRow<11>};
+using RowFunction = void (*)(uint8_t *__restrict to, const uint8_t *__restrict from, size_t count);
+constexpr RowFunction kReduceRow[] = {ReduceRow<3>, ReduceRow<5>, ReduceRow<7>, ReduceRow<9>, ReduceRow<11>};
 
 DibHandle ReduceNoiseKernel(const ReadView &source, FilterContext &context) {
     BytePass pass(source);

@@ -22,8 +22,8 @@ void LookUpPixels(uint8_t *__restrict to, const uint8_t *__restrict from, size_t
 
 /// Each value of the result is `pixel(value)`, in the terms of DibGetPixel and DibSetPixel. `row24(to, from, width)`
 /// does the same for a row of 24-bit pixels, where speed counts. Rows are taken as they lie in memory.
-template <typename PixelFunction, typename RowCall>
-void MapPixels(const PixelPass &pass, PixelFunction pixel, RowCall row24) {
+template <typename PixelFunction, typename RowFunction>
+void MapPixels(const PixelPass &pass, PixelFunction pixel, RowFunction row24) {
     const ReadView &from = pass.from;
     const WriteView &to = pass.to;
     const auto width = static_cast<size_t>(from.width);
@@ -50,8 +50,8 @@ void MapPixels(const PixelPass &pass, PixelFunction pixel) {
 
 /// Each pixel as three channels: `row24(to, from, width)` maps a row of 24-bit pixels, and pixels of other depths go
 /// through it one by one. Alpha becomes 0; an index counts as the red of a pixel without green and blue.
-template <typename RowCall>
-void MapColors(const PixelPass &pass, RowCall row24) {
+template <typename RowFunction>
+void MapColors(const PixelPass &pass, RowFunction row24) {
     const auto pixel = [&row24](Color color) {
         const uint8_t from[3] = {BlueOf(color), GreenOf(color), RedOf(color)};
         uint8_t to[3];

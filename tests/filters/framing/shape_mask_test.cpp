@@ -103,7 +103,9 @@ TEST(ShapeMask, ALineRunsAlongTheOutlineHalfInside) {
         if (shape != 4) {
             for (int32_t y = 120; y < 140; y++) {
                 const Color expected = y < 125 ? 0xFFFFFF : y > 132 ? kPaper : 0x0000FF;
-                if (y != 124 && y != 132) EXPECT_EQ(DibGetPixel(masked, 100, y), expected) << shape << ' ' << y;
+                if (y != 124 && y != 132) {
+                    EXPECT_EQ(DibGetPixel(masked, 100, y), expected) << shape << ' ' << y;
+                }
             }
         }
         // Along the middle row the slanted lines are wider than the pen, and no line has a gap.
