@@ -1,6 +1,6 @@
 // Paper Curl: rolls one corner of the picture up like a page.
-// Size is how far the roll comes in from the corner, in percent of the way to the opposite one, and Direction says which
-// corner. Curl color is the back of the page. Where the page is lifted, the paper colour shows, or with Include
+// Size is how far the roll comes in from the corner, in percent of the way to the opposite one, and Direction says
+// which corner. Curl color is the back of the page. Where the page is lifted, the paper colour shows, or with Include
 // clipboard the clipboard's picture, which lies in that corner in its own size. Antialias smooths the edges.
 //
 // The page lies flat up to a line that is parallel to a diagonal. Beyond it, it bends around a cylinder until it has
@@ -44,8 +44,7 @@ struct Rgb {
 };
 
 Rgb Mix(const Rgb &a, const Rgb &b, float share) {
-    return {a.blue + (b.blue - a.blue) * share, a.green + (b.green - a.green) * share,
-            a.red + (b.red - a.red) * share};
+    return {a.blue + (b.blue - a.blue) * share, a.green + (b.green - a.green) * share, a.red + (b.red - a.red) * share};
 }
 
 Rgb PixelAt(const uint8_t *bgr) {
