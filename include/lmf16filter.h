@@ -205,12 +205,14 @@ typedef struct HostHooks {
     char extension[261]; /* zero-terminated */
 } HostHooks;
 
-/* What `hooks` points to in a call with LMF_RUN_EXTENDED and LMF_RUN_DIRECT. Fields beyond `size` count as null. */
+/* What `hooks` points to in a call with LMF_RUN_EXTENDED and LMF_RUN_DIRECT. Fields beyond `size` count as null.
+ * Where a field of the HostRecord says the same as one of the settings, the record counts. */
 typedef struct LmfExtendedHooks {
     HostHooks hooks;
     uint32_t size;        /* in: bytes of the whole record, from the start of `hooks` */
     int32_t errorCode;    /* out, on success too: an LMF_ERROR_ */
-    const char *settings; /* reserved: null */
+    const char *settings; /* in: lines "Key = value" as in a settings file, which they outdo for this call only; also
+                             keys that no file keeps, such as FilterCropLeft; may be null */
     LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
 } LmfExtendedHooks;
 

@@ -2,11 +2,13 @@
 
 #include <cstring>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "common/random.h"
 #include "engine/apply.h"
 #include "engine/catalogue.h"
+#include "engine/config_text.h"
 #include "engine/settings_files.h"
 #include "platform/system.h"
 
@@ -111,6 +113,11 @@ struct ExtendedCall {
     }
     /// Does the record hold the bytes before this offset?
     bool Reaches(size_t end) const { return record != nullptr && record->size >= end; }
+    /// Lines of settings; empty where there are none.
+    std::string_view Settings() const {
+        constexpr size_t kEnd = offsetof(LmfExtendedHooks, settings) + sizeof(const char *);
+        return Reaches(kEnd) && record->settings != nullptr ? record->settings : std::string_view();
+    }
     DibHandle Clipboard() const {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, clipboard) + sizeof(LmfHandle);
         return Reaches(kEnd) ? record->clipboard : nullptr;
@@ -121,6 +128,38 @@ struct ExtendedCall {
     }
 };
 
+/// Lines of settings that count for one call: whatever was there before comes back at the end of the scope.
+class SettingsOfCall {
+public:
+    explicit SettingsOfCall(std::string_view given) : lines(given) {
+        if (lines.empty()) return;
+        before = Settings;
+        ReadConfigLines(lines, ConfigTable);
+    }
+    SettingsOfCall(const SettingsOfCall &) = delete;
+    SettingsOfCall &operator=(const SettingsOfCall &) = delete;
+    ~SettingsOfCall() {
+        if (before) Settings = *before;
+    }
+
+    /// Gives the context the parameters without a place in the files, which each picture starts anew.
+    void LoadKeyless(FilterContext &context) const {
+        if (lines.empty()) return;
+        for (const ConfigEntry &row : kKeylessSettings) row.Number() = context.*row.number;
+        ReadConfigLines(lines, kKeylessSettings);
+        for (const ConfigEntry &row : kKeylessSettings) context.*row.number = row.Number();
+    }
+    /// Which filter ran last is no setting: it stays known.
+    void KeepLastFilter(int32_t row) {
+        Settings.CurrentFilter = row;
+        if (before) before->CurrentFilter = row;
+    }
+
+private:
+    std::string_view lines;
+    std::optional<SettingsStore> before;
+};
+
 } // namespace
 
 uint64_t DoImageFilter(const HostCall &call) {
@@ -129,6 +168,7 @@ uint64_t DoImageFilter(const HostCall &call) {
     if (call.picture == nullptr || call.second == nullptr) return 0;
     SeedRandom(static_cast<uint32_t>(SystemTime()));
     const FoundFiles found = ReadFiles(call.runFlags);
+    SettingsOfCall settings(extended.Settings());
 
     const bool batch = (call.runFlags & LMF_RUN_BATCH) != 0;
     void *record = batch ? nullptr : call.hostRecord;
@@ -141,6 +181,7 @@ uint64_t DoImageFilter(const HostCall &call) {
         return 0;
     }
     if (call.callback == nullptr) return 0;
+    settings.LoadKeyless(context);
 
     const uint32_t done = Run(call.runFlags, context);
     extended.SetErrorCode(context.errorCode);
@@ -148,7 +189,7 @@ uint64_t DoImageFilter(const HostCall &call) {
         std::memcpy(static_cast<uint8_t *>(call.hostRecord) + LMF_BATCH_ERROR_OFFSET, &context.errorCode,
                     sizeof(int32_t));
     if (done != 0) {
-        Settings.CurrentFilter = context.filterIndex;
+        settings.KeepLastFilter(context.filterIndex);
         Settings.PaperColor = static_cast<int32_t>(context.paperColor);
         *call.picture = std::exchange(context.result, nullptr);
         *call.second = std::exchange(context.secondResult, nullptr);

@@ -3,6 +3,8 @@
 // Resize brings it to the length of the side that it is joined to, in its own proportions; without it the shorter of
 // the two stands in the middle, on the paper. The joined picture takes the depth and the palette of this one. In the
 // second picture all that is added is opaque.
+#include <cstring>
+
 #include "engine/clipboard_picture.h"
 #include "engine/filter.h"
 #include "image/color/dither.h"
@@ -81,41 +83,54 @@ LockedDib MakeSheet(const ReadView &picture, const Layout &layout, uint32_t fill
     return sheet;
 }
 
-/// A picture that is made over step by step. What is made of it is held, the picture itself is not.
-struct MadeOver {
+/// The joined picture as 24-bit colours or, for a grey sheet, in grey; what had to be made for that is held.
+struct JoinedPicture {
+    LockedDib colors, grey;
     ReadView view;
-    LockedDib held;
 
-    /// Takes over `made`. @return false for null
-    bool Take(DibHandle made) {
-        held = LockedDib(made);
-        if (held) view = held;
-        return static_cast<bool>(held);
+    /// The view is empty without memory.
+    JoinedPicture(const ReadView &joined, bool wantsGrey) : view(joined) {
+        if (wantsGrey && DibClassify(view) == kModeGrey) return;
+        if (view.bits != 24) {
+            colors = LockedDib(ExpandToRgb(view));
+            view = colors;
+        }
+        if (wantsGrey && view.bits == 24) {
+            grey = LockedDib(DibToGrey(view));
+            view = grey;
+        }
     }
 };
 
-/// Brings the joined picture to its size on the sheet and to the sheet's colours, with an error diffusion where those
-/// are a palette. @return false without memory.
-bool Match(MadeOver &joined, const Box &box, const ReadView &sheet, int32_t mode) {
-    const bool isGrey = DibClassify(joined.view) == kModeGrey, wantsGrey = mode == kModeGrey;
-    if (joined.view.bits != 24 && !(isGrey && wantsGrey) && !joined.Take(ExpandToRgb(joined.view))) return false;
-    if (wantsGrey && !isGrey && !joined.Take(DibToGrey(joined.view))) return false;
+/// Dithers the joined picture to the colours of the sheet's palette. @return false without memory.
+bool JoinPalette(const WriteView &sheet, const ReadView &joined, const Box &box) {
     const auto width = static_cast<int32_t>(box.width), height = static_cast<int32_t>(box.height);
-    const bool fits = joined.view.width == width && joined.view.height == height;
-    if (!fits && !joined.Take(DibScaleTo(joined.view, width, height, kWindowAutomatic))) return false;
+    const LockedDib scaled(DibScaleTo(joined, width, height, kWindowAutomatic));
+    if (!scaled) return false;
     Palette768 palette;
     DibReadPalette(sheet, &palette);
-    return mode != kModePalette || joined.Take(ErrorDiffuse(joined.view, palette, sheet.bits, {}));
+    const LockedDib indexed(ErrorDiffuse(scaled, palette, sheet.bits, {}));
+    if (!indexed) return false;
+    DibCopyRect(sheet, static_cast<int32_t>(box.x), static_cast<int32_t>(box.y), indexed, 0, 0, width, height);
+    return true;
 }
 
-/// Lays the joined picture on the sheet, opaque where the sheet's pixels have an alpha of their own.
-void Join(const WriteView &sheet, const ReadView &joined, const Box &box) {
+/// Lays the joined picture on the sheet, opaque where the sheet's pixels have an alpha. @return false without memory.
+bool Join(const WriteView &sheet, const ReadView &joined, const Box &box) {
+    const size_t pixelBytes = joined.bits / 8, fromBytes = static_cast<size_t>(joined.width) * pixelBytes;
+    const size_t toBytes = static_cast<size_t>(box.width) * pixelBytes;
     const auto left = static_cast<int32_t>(box.x), top = static_cast<int32_t>(box.y);
-    if (sheet.bits == joined.bits) return DibCopyRect(sheet, left, top, joined, 0, 0, joined.width, joined.height);
-    for (int32_t y = 0; y < joined.height; y++) {
-        for (int32_t x = 0; x < joined.width; x++)
-            DibSetPixel(sheet, left + x, top + y, DibGetPixel(joined, x, y) | kOpaque);
-    }
+    const auto read = [&](int32_t y, uint8_t *row) { std::memcpy(row, joined.Row(y), fromBytes); };
+    const auto write = [&](int32_t y, const uint8_t *row) {
+        if (sheet.bits == joined.bits) {
+            std::memcpy(sheet.Row(top + y) + static_cast<size_t>(left) * pixelBytes, row, toBytes);
+            return;
+        }
+        for (int32_t x = 0; x < box.width; x++, row += pixelBytes)
+            DibSetPixel(sheet, left + x, top + y, PackColor(row[2], row[1], row[0]) | kOpaque);
+    };
+    return ScaleRows({joined.width, joined.height, joined.bits}, read, static_cast<int32_t>(box.width),
+                     static_cast<int32_t>(box.height), kWindowAutomatic, write);
 }
 
 DibHandle StitchKernel(const ReadView &source, FilterContext &context) {
@@ -125,10 +140,10 @@ DibHandle StitchKernel(const ReadView &source, FilterContext &context) {
     if (!layout.IsPossible()) return nullptr;
     if (context.runsOnSecond) return MakeSheet(source, layout, kOutside).Release();
     LockedDib sheet = MakeSheet(source, layout, PaperFillValue(context.paperColor, context.mode, source) | kOpaque);
-    MadeOver joined{clipboard.View(), LockedDib()};
-    if (!sheet || !Match(joined, layout.joined, sheet, context.mode)) return nullptr;
-    Join(sheet.View(), joined.view, layout.joined);
-    return sheet.Release();
+    const JoinedPicture joined(clipboard.View(), context.mode == kModeGrey);
+    if (!sheet || joined.view.width == 0) return nullptr;
+    const auto join = context.mode == kModePalette ? JoinPalette : Join;
+    return join(sheet.View(), joined.view, layout.joined) ? sheet.Release() : nullptr;
 }
 
 } // namespace

@@ -1,7 +1,9 @@
-// A host that plays the part of the clipboard: through the extended hooks of a call, and through `lmf --clipboard`.
+// Calls with extended hooks: settings of one call, a host that plays the part of the clipboard, and the error code. And
+// `lmf --clipboard`, which uses them.
 #include <dlfcn.h>
 
 #include "host/lmf_program.h"
+#include "image/core/dib_ops.h"
 #include "lmf16filter.h"
 #include "support/pictures.h"
 
@@ -24,7 +26,8 @@ struct ExtendedRun {
     LmfHandle picture = nullptr, second = nullptr;
 
     ExtendedRun(uint32_t filter, uint32_t runFlags, const LockedDib &source, const LockedDib &clipboard,
-                uint32_t size = sizeof(LmfExtendedHooks), LmfValidation callback = Agree) {
+                uint32_t size = sizeof(LmfExtendedHooks), LmfValidation callback = Agree,
+                const char *settings = nullptr) {
         setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
         void *library = dlopen(LMF_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
         EXPECT_NE(library, nullptr) << dlerror();
@@ -32,6 +35,7 @@ struct ExtendedRun {
             reinterpret_cast<decltype(&LMF16FILTERDoImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
         extended.size = size;
         extended.errorCode = -1;
+        extended.settings = settings;
         extended.clipboard = clipboard.owner.handle;
         picture = source.owner.handle;
         HostRecord record{0, filter, 0, nullptr};
@@ -85,6 +89,35 @@ TEST(ExtendedCall, OnlyItsFlagsAndItsSizeMakeItOne) {
     const ExtendedRun dialog(LMF_FILTER_ADD_ALPHA, LMF_RUN_EXTENDED, source, mask);
     EXPECT_EQ(dialog.done, 0u);
     EXPECT_EQ(dialog.extended.errorCode, -1);
+}
+
+TEST(ExtendedCall, SettingsCountForOneCall) {
+    const LockedDib source = RandomPicture(9, 7, kModeTrueColor, 1), none;
+    void *kept = dlopen(LMF_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
+    const auto run = [&](uint32_t filter, const char *settings, uint32_t size = sizeof(LmfExtendedHooks)) {
+        const ExtendedRun made(filter, kExtendedRun, source, none, size, Agree, settings);
+        EXPECT_EQ(made.done, 1u);
+        return LockedDib(DibClone(DibReadLock(made.second != nullptr ? made.second : made.picture).view));
+    };
+    const auto opacity = [&](const char *settings, uint32_t size = sizeof(LmfExtendedHooks)) {
+        return DibGetPixel(run(LMF_FILTER_ADD_ALPHA, settings, size), 0, 0);
+    };
+    const char *lines = "; comment\nNoSuchKey = 1\nFilterAddAlphaOpacity = 7\nFilterAddAlphaUseCBD = 0";
+    EXPECT_EQ(opacity(lines), 7u);
+    EXPECT_EQ(opacity(nullptr), 255u) << "the settings of the last call are gone";
+    EXPECT_EQ(opacity(lines, offsetof(LmfExtendedHooks, settings)), 255u);
+    EXPECT_EQ(opacity("FilterAddAlphaOpacity = 9999\r\n"), 255u) << "held to the range of the page";
+
+    // Parameters that no file keeps start with the picture: those that no line names are its own.
+    const LockedDib cropped = run(LMF_FILTER_CROP, "FilterCropLeft = 4\nFilterCropBottom = 3");
+    EXPECT_TRUE(SamePicture(cropped, LockedDib(DibCropRect(source, 4, 0, 8, 3))));
+    EXPECT_EQ(ReadView(run(LMF_FILTER_CROP, nullptr)).width, 8);
+
+    // The filter that ran last stays known, whatever the lines of its call said.
+    EXPECT_EQ(ReadView(run(LMF_FILTER_CROP, "CurrentFilter = 3")).width, 8);
+    EXPECT_EQ(ReadView(run(LMF_FILTER_LAST, nullptr)).width, 8);
+    EXPECT_EQ(DibGetPixel(run(LMF_FILTER_LAST, "CurrentFilter = 39"), 0, 0), DibGetPixel(source, 0, 0) ^ 0xFFFFFF);
+    dlclose(kept);
 }
 
 TEST(ExtendedCall, TellsWhyNothingWasDone) {
