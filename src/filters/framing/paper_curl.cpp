@@ -1,6 +1,6 @@
 // Paper Curl: rolls one corner of the picture up like a page.
-// Size is how far the roll comes in from the corner, in percent of the way to the opposite one, and Direction says which
-// corner. Curl color is the back of the page. Where the page is lifted, the paper colour shows, or with Include
+// Size is how far the roll comes in from the corner, in percent of the way to the opposite one, and Direction says
+// which corner. Curl color is the back of the page. Where the page is lifted, the paper colour shows, or with Include
 // clipboard the clipboard's picture, which lies in that corner in its own size. Antialias smooths the edges.
 //
 // The page lies flat up to a line that is parallel to a diagonal. Beyond it, it bends around a cylinder until it has
@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "common/multiversion.h"
 #include "engine/clipboard_picture.h"
 #include "engine/filter.h"
 #include "image/core/byte_pass.h"
@@ -35,7 +36,7 @@ constexpr float kPi = 3.14159265f;
 /// The cylinder's radius, of the length of page that is rolled up. Half a turn leaves the rest for the flat back.
 constexpr float kRadiusShare = 0.2f;
 constexpr float kShadowDepth = 0.6f;
-constexpr int32_t kBendSteps = 4096;
+constexpr int32_t kBendSteps = 2048;
 /// A point of the page that far inside its sides fills its pixel, however much the bend stretches the page.
 constexpr float kSurelyInside = 16.0f;
 
@@ -44,8 +45,7 @@ struct Rgb {
 };
 
 Rgb Mix(const Rgb &a, const Rgb &b, float share) {
-    return {a.blue + (b.blue - a.blue) * share, a.green + (b.green - a.green) * share,
-            a.red + (b.red - a.red) * share};
+    return {a.blue + (b.blue - a.blue) * share, a.green + (b.green - a.green) * share, a.red + (b.red - a.red) * share};
 }
 
 Rgb PixelAt(const uint8_t *bgr) {
@@ -91,6 +91,7 @@ struct Curl {
     float radius;
     float back;     ///< how far the flat back reaches behind the bend's start
     float softness; ///< width of the shadow
+    float perSoftness;
     bool isSmooth;
     BlockArray<Bend> bends;
 
@@ -106,6 +107,7 @@ struct Curl {
         radius = rolled * kRadiusShare;
         back = rolled - kPi * radius;
         softness = radius * 0.6f + 1.0f;
+        perSoftness = 1.0f / softness;
         const auto color = static_cast<Color>(settings.FilterCurlColor);
         const uint8_t bgr[3] = {BlueOf(color), GreenOf(color), RedOf(color)};
         for (int32_t i = 0; bends && i <= kBendSteps; i++) bends[i] = BendAtAngle(i, PixelAt(bgr));
@@ -185,22 +187,23 @@ struct Painter {
 
     /// A pixel at (x, y) of the turned picture and `t` from where the bend starts. `bgr` holds what lies beneath the
     /// page, or up to the bend, the flat page.
-    void Paint(uint8_t *bgr, float x, float y, float t) const {
+    [[gnu::always_inline]] void Paint(uint8_t *bgr, float x, float y, float t) const {
         const Bend &bend = curl.BendAt(t);
         const bool bends = t > 0.0f;
         // The turned-over page, on the upper half of the cylinder and flat behind it.
         const PagePoint over(curl, x, y, bend.overLength - (bends ? t : 2.0f * t));
         if (over.Inside() >= kSurelyInside && t < curl.radius - 1.0f) return Store(bgr, bend.back);
         if (!bends && over.Inside() <= -curl.softness - 1.0f) return;
-        const float overShare = over.Cover(curl, bends ? bend.over : Steps());
-        const float shadow = kShadowDepth * SoftStep(over.insideX / curl.softness) *
-                             SoftStep(over.insideY / curl.softness) * SoftStep((curl.radius - t) / curl.softness);
+        const float shadow = kShadowDepth * SoftStep(over.insideX * curl.perSoftness) *
+                             SoftStep(over.insideY * curl.perSoftness) * SoftStep((curl.radius - t) * curl.perSoftness);
         const Rgb beneath = Mix(PixelAt(bgr), kBlack, shadow);
+        const float roll = curl.Covered(curl.radius - t + 0.5f);
+        if (roll <= 0.0f) return Store(bgr, beneath);
+        const float overShare = over.Cover(curl, bends ? bend.over : Steps());
         Rgb page = beneath;
         if (bends && overShare < 1.0f)
             page = Front(beneath, PagePoint(curl, x, y, bend.frontLength - std::min(t, curl.radius)), bend, shadow);
-        page = Mix(page, bend.back, overShare);
-        Store(bgr, Mix(beneath, page, curl.Covered(curl.radius - t + 0.5f)));
+        Store(bgr, Mix(beneath, Mix(page, bend.back, overShare), roll));
     }
 };
 
@@ -236,6 +239,7 @@ struct Beneath {
 };
 
 /// Copies the flat page, fills in what lies beneath it elsewhere, and paints the roll over both.
+LMF_MULTIVERSION
 void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Beneath &beneath) {
     const Curl &curl = painter.curl;
     const Corner &corner = painter.corner;

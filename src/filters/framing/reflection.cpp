@@ -1,10 +1,10 @@
 // Reflection: shows the lower part of the picture mirrored below it, as on a polished table.
 // Portion is the part that is mirrored and Size the height of its reflection, both in percent; Displacement is the gap
 // between the two. Contrast, Brightness and Saturation change the reflection, Transparency mixes it with the paper
-// colour, and with Gradient on it fades from Gradient start to Gradient end on top of that. Rows at the picture's bottom
-// that are within Tolerance of the paper colour are background: they become paper, and the reflection begins above them.
-// With a second picture those rows are background that are transparent there, and the reflection goes into it as well:
-// it fades into transparency instead of into paper.
+// colour, and with Gradient on it fades from Gradient start to Gradient end on top of that. Rows at the picture's
+// bottom that are within Tolerance of the paper colour are background: they become paper, and the reflection begins
+// above them. With a second picture those rows are background that are transparent there, and the reflection goes into
+// it as well: it fades into transparency instead of into paper.
 #include <cstring>
 
 #include "engine/filter.h"

@@ -55,11 +55,11 @@ constexpr PageControl kPage[] = {
     CheckBox(984, "Sides:", &P::FilterTornBottomSide).Named("Bottom side").Help("Tears the bottom side."),
 };
 constexpr EnableRule kRules[] = {
-    EnabledWhileOn(970, &P::FilterTornShadowEnable),  EnabledWhileOn(971, &P::FilterTornShadowEnable),
-    EnabledWhileOn(972, &P::FilterTornShadowEnable),  EnabledWhileOn(980, &P::FilterTornOutlineEnable),
-    EnabledWhileOff(970, &P::FilterTornAlpha),        EnabledWhileOff(971, &P::FilterTornAlpha),
-    EnabledWhileOff(972, &P::FilterTornAlpha),        EnabledWhileOff(976, &P::FilterTornAlpha),
-    EnabledWhileOff(977, &P::FilterTornAlpha),        EnabledWhileOff(978, &P::FilterTornAlpha),
+    EnabledWhileOn(970, &P::FilterTornShadowEnable), EnabledWhileOn(971, &P::FilterTornShadowEnable),
+    EnabledWhileOn(972, &P::FilterTornShadowEnable), EnabledWhileOn(980, &P::FilterTornOutlineEnable),
+    EnabledWhileOff(970, &P::FilterTornAlpha),       EnabledWhileOff(971, &P::FilterTornAlpha),
+    EnabledWhileOff(972, &P::FilterTornAlpha),       EnabledWhileOff(976, &P::FilterTornAlpha),
+    EnabledWhileOff(977, &P::FilterTornAlpha),       EnabledWhileOff(978, &P::FilterTornAlpha),
     EnabledWhileOff(980, &P::FilterTornAlpha),
 };
 
@@ -93,8 +93,8 @@ void AddRaggedLine(const BlockArray<float> &line, int64_t samples, double step, 
 
 /// How far inside the picture two lines run along a side, kSamples times a pixel.
 struct Tear {
-    BlockArray<float> sheet;   ///< where the paper ends
-    BlockArray<float> surface; ///< where the picture on it ends
+    BlockArray<float> sheet;     ///< where the paper ends
+    BlockArray<float> surface;   ///< where the picture on it ends
     int32_t least = 0, most = 0; ///< whole pixels that both lines lie between
 
     /// @param length, depth  of the picture along the side and across it
@@ -162,8 +162,7 @@ void Cut(const WriteView &coverage, Side side, const float *line, int32_t least,
         for (int32_t i = 0; i < std::min(most, coverage.width); i++) {
             uint8_t &pixel = row[side == kLeft ? i : coverage.width - 1 - i];
             pixel = i < least ? uint8_t{0}
-                              : static_cast<uint8_t>(
-                                    RoundedDiv255(static_cast<uint16_t>(pixel * Inside(samples, i))));
+                              : static_cast<uint8_t>(RoundedDiv255(static_cast<uint16_t>(pixel * Inside(samples, i))));
         }
     }
 }
@@ -208,8 +207,8 @@ void OutlineRow(uint8_t *weights, const ReadView &sheet, int32_t y, int32_t left
     const uint8_t *row = sheet.Row(y);
     const uint8_t *above = sheet.Row(std::max(y - 1, 0)), *below = sheet.Row(std::min(y + 1, sheet.height - 1));
     for (int32_t x = left; x < right; x++) {
-        const int32_t smaller = std::min({row[x], above[x], below[x], row[std::max(x - 1, 0)],
-                                          row[std::min(x + 1, sheet.width - 1)]});
+        const int32_t smaller =
+            std::min({row[x], above[x], below[x], row[std::max(x - 1, 0)], row[std::min(x + 1, sheet.width - 1)]});
         weights[x] = static_cast<uint8_t>(row[x] == 0 ? 0 : (row[x] - smaller) * 255 / row[x]);
     }
 }

@@ -13,8 +13,8 @@ namespace lmf {
 /// changes. @return a new 8-bit picture, or null
 [[nodiscard]] DibHandle SoftShadow(const ReadView &coverage, int32_t softness);
 
-/// The shadow that a coverage throws when it falls `right` and `down` pixels away, either of which may be negative. What
-/// is outside the picture throws none. @return a new 8-bit picture, or null
+/// The shadow that a coverage throws when it falls `right` and `down` pixels away, either of which may be negative.
+/// What is outside the picture throws none. @return a new 8-bit picture, or null
 [[nodiscard]] DibHandle ThrownShadow(const ReadView &coverage, int32_t right, int32_t down, int32_t softness);
 
 /// One side of the shadow of a rectangle: to[i], 0 to 255, is how much of it there is at place i of `count`, for a
