@@ -238,6 +238,20 @@ struct Beneath {
     }
 };
 
+constexpr int32_t kRun = 32; ///< pixels
+
+/// Paints a run of pixels left of the bend, where that takes no look at each of them: where both of its ends lie well
+/// inside the turned-over page, or well outside the same side of it, so does all between them.
+/// @return false where it takes one
+bool PaintRun(uint8_t *bgr, const Curl &curl, const PagePoint &first, const PagePoint &last, Color back) {
+    if (std::min(first.Inside(), last.Inside()) >= kSurelyInside) {
+        FillPixels(bgr, 24, 0, kRun, back);
+        return true;
+    }
+    const float outside = -curl.softness - kRun - 1.0f;
+    return std::max(first.insideX, last.insideX) <= outside || std::max(first.insideY, last.insideY) <= outside;
+}
+
 /// Copies the flat page, fills in what lies beneath it elsewhere, and paints the roll over both.
 LMF_MULTIVERSION
 void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Beneath &beneath) {
@@ -251,10 +265,23 @@ void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Bene
                 static_cast<size_t>(bend) * 3);
     beneath.FillRow(to, y, corner.isRight ? bend : 0, corner.isRight ? width : width - bend);
     const int32_t end = turned.FirstBeyond(curl.ShadowEnd());
-    for (int32_t i = turned.FirstBeyond(curl.FlatEnd()); i < end; i++) {
-        const float t = i < bend ? std::min(turned.At(i), 0.0f) : std::max(turned.At(i), 1e-6f);
-        painter.Paint(to.Row(y) + ptrdiff_t{corner.isRight ? i : width - 1 - i} * 3, static_cast<float>(i) + 0.5f,
-                      turnedY, t);
+    const auto pixel = [&](int32_t i) { return to.Row(y) + ptrdiff_t{corner.isRight ? i : width - 1 - i} * 3; };
+    const auto over = [&](int32_t i) {
+        return PagePoint(curl, static_cast<float>(i) + 0.5f, turnedY, curl.bends[0].overLength - 2.0f * turned.At(i));
+    };
+    uint8_t flatBgr[3];
+    Store(flatBgr, curl.bends[0].back);
+    const Color flatBack = PackColor(flatBgr[2], flatBgr[1], flatBgr[0]);
+    for (int32_t i = turned.FirstBeyond(curl.FlatEnd()); i < end;) {
+        const int32_t last = i + kRun - 1;
+        if (last < bend && PaintRun(pixel(corner.isRight ? i : last), curl, over(i), over(last), flatBack)) {
+            i += kRun;
+            continue;
+        }
+        for (const int32_t runEnd = std::min(i + kRun, end); i < runEnd; i++) {
+            const float t = i < bend ? std::min(turned.At(i), 0.0f) : std::max(turned.At(i), 1e-6f);
+            painter.Paint(pixel(i), static_cast<float>(i) + 0.5f, turnedY, t);
+        }
     }
 }
 
