@@ -9,6 +9,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "common/multiversion.h"
 #include "engine/clipboard_picture.h"
 #include "engine/filter.h"
 #include "image/core/byte_pass.h"
@@ -35,7 +36,7 @@ constexpr float kPi = 3.14159265f;
 /// The cylinder's radius, of the length of page that is rolled up. Half a turn leaves the rest for the flat back.
 constexpr float kRadiusShare = 0.2f;
 constexpr float kShadowDepth = 0.6f;
-constexpr int32_t kBendSteps = 4096;
+constexpr int32_t kBendSteps = 2048;
 /// A point of the page that far inside its sides fills its pixel, however much the bend stretches the page.
 constexpr float kSurelyInside = 16.0f;
 
@@ -90,6 +91,7 @@ struct Curl {
     float radius;
     float back;     ///< how far the flat back reaches behind the bend's start
     float softness; ///< width of the shadow
+    float perSoftness;
     bool isSmooth;
     BlockArray<Bend> bends;
 
@@ -105,6 +107,7 @@ struct Curl {
         radius = rolled * kRadiusShare;
         back = rolled - kPi * radius;
         softness = radius * 0.6f + 1.0f;
+        perSoftness = 1.0f / softness;
         const auto color = static_cast<Color>(settings.FilterCurlColor);
         const uint8_t bgr[3] = {BlueOf(color), GreenOf(color), RedOf(color)};
         for (int32_t i = 0; bends && i <= kBendSteps; i++) bends[i] = BendAtAngle(i, PixelAt(bgr));
@@ -184,22 +187,23 @@ struct Painter {
 
     /// A pixel at (x, y) of the turned picture and `t` from where the bend starts. `bgr` holds what lies beneath the
     /// page, or up to the bend, the flat page.
-    void Paint(uint8_t *bgr, float x, float y, float t) const {
+    [[gnu::always_inline]] void Paint(uint8_t *bgr, float x, float y, float t) const {
         const Bend &bend = curl.BendAt(t);
         const bool bends = t > 0.0f;
         // The turned-over page, on the upper half of the cylinder and flat behind it.
         const PagePoint over(curl, x, y, bend.overLength - (bends ? t : 2.0f * t));
         if (over.Inside() >= kSurelyInside && t < curl.radius - 1.0f) return Store(bgr, bend.back);
         if (!bends && over.Inside() <= -curl.softness - 1.0f) return;
-        const float overShare = over.Cover(curl, bends ? bend.over : Steps());
-        const float shadow = kShadowDepth * SoftStep(over.insideX / curl.softness) *
-                             SoftStep(over.insideY / curl.softness) * SoftStep((curl.radius - t) / curl.softness);
+        const float shadow = kShadowDepth * SoftStep(over.insideX * curl.perSoftness) *
+                             SoftStep(over.insideY * curl.perSoftness) * SoftStep((curl.radius - t) * curl.perSoftness);
         const Rgb beneath = Mix(PixelAt(bgr), kBlack, shadow);
+        const float roll = curl.Covered(curl.radius - t + 0.5f);
+        if (roll <= 0.0f) return Store(bgr, beneath);
+        const float overShare = over.Cover(curl, bends ? bend.over : Steps());
         Rgb page = beneath;
         if (bends && overShare < 1.0f)
             page = Front(beneath, PagePoint(curl, x, y, bend.frontLength - std::min(t, curl.radius)), bend, shadow);
-        page = Mix(page, bend.back, overShare);
-        Store(bgr, Mix(beneath, page, curl.Covered(curl.radius - t + 0.5f)));
+        Store(bgr, Mix(beneath, Mix(page, bend.back, overShare), roll));
     }
 };
 
@@ -234,7 +238,22 @@ struct Beneath {
     }
 };
 
+constexpr int32_t kRun = 32; ///< pixels
+
+/// Paints a run of pixels left of the bend, where that takes no look at each of them: where both of its ends lie well
+/// inside the turned-over page, or well outside the same side of it, so does all between them.
+/// @return false where it takes one
+bool PaintRun(uint8_t *bgr, const Curl &curl, const PagePoint &first, const PagePoint &last, Color back) {
+    if (std::min(first.Inside(), last.Inside()) >= kSurelyInside) {
+        FillPixels(bgr, 24, 0, kRun, back);
+        return true;
+    }
+    const float outside = -curl.softness - kRun - 1.0f;
+    return std::max(first.insideX, last.insideX) <= outside || std::max(first.insideY, last.insideY) <= outside;
+}
+
 /// Copies the flat page, fills in what lies beneath it elsewhere, and paints the roll over both.
+LMF_MULTIVERSION
 void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Beneath &beneath) {
     const Curl &curl = painter.curl;
     const Corner &corner = painter.corner;
@@ -246,10 +265,23 @@ void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Bene
                 static_cast<size_t>(bend) * 3);
     beneath.FillRow(to, y, corner.isRight ? bend : 0, corner.isRight ? width : width - bend);
     const int32_t end = turned.FirstBeyond(curl.ShadowEnd());
-    for (int32_t i = turned.FirstBeyond(curl.FlatEnd()); i < end; i++) {
-        const float t = i < bend ? std::min(turned.At(i), 0.0f) : std::max(turned.At(i), 1e-6f);
-        painter.Paint(to.Row(y) + ptrdiff_t{corner.isRight ? i : width - 1 - i} * 3, static_cast<float>(i) + 0.5f,
-                      turnedY, t);
+    const auto pixel = [&](int32_t i) { return to.Row(y) + ptrdiff_t{corner.isRight ? i : width - 1 - i} * 3; };
+    const auto over = [&](int32_t i) {
+        return PagePoint(curl, static_cast<float>(i) + 0.5f, turnedY, curl.bends[0].overLength - 2.0f * turned.At(i));
+    };
+    uint8_t flatBgr[3];
+    Store(flatBgr, curl.bends[0].back);
+    const Color flatBack = PackColor(flatBgr[2], flatBgr[1], flatBgr[0]);
+    for (int32_t i = turned.FirstBeyond(curl.FlatEnd()); i < end;) {
+        const int32_t last = i + kRun - 1;
+        if (last < bend && PaintRun(pixel(corner.isRight ? i : last), curl, over(i), over(last), flatBack)) {
+            i += kRun;
+            continue;
+        }
+        for (const int32_t runEnd = std::min(i + kRun, end); i < runEnd; i++) {
+            const float t = i < bend ? std::min(turned.At(i), 0.0f) : std::max(turned.At(i), 1e-6f);
+            painter.Paint(pixel(i), static_cast<float>(i) + 0.5f, turnedY, t);
+        }
     }
 }
 
