@@ -306,15 +306,16 @@ void ToPixels(const Grid &grid, Direction turn, Spot *spot) {
     spot->y = down * cosine - right * sine + 0.5;
 }
 
-/// Moves a star to the middle of the light around it, of the size of a cell, and takes its colour there.
-void Centre(const ReadView &from, int32_t cell, int32_t threshold, Star *star) {
+/// Moves a star to the middle of the light around it that is brighter than `floor`, at most a cell away, and takes its
+/// colour there.
+void Centre(const ReadView &from, int32_t cell, int32_t floor, Star *star) {
     double weights = 0, sumX = 0, sumY = 0, colors[3] = {};
     const auto x = static_cast<int32_t>(std::max(star->x, 0.0)), y = static_cast<int32_t>(std::max(star->y, 0.0));
     for (int32_t py = std::max(y - cell, 0); py <= std::min(y + cell, from.height - 1); py++) {
         const uint8_t *row = from.Row(py);
         for (int32_t px = std::max(x - cell, 0); px <= std::min(x + cell, from.width - 1); px++) {
             const uint8_t *pixel = row + int64_t{px} * 3;
-            const int32_t weight = std::max(WeightedGrey(pixel[2], pixel[1], pixel[0]) - threshold, 0);
+            const int32_t weight = std::max(WeightedGrey(pixel[2], pixel[1], pixel[0]) - floor, 0);
             weights += weight;
             sumX += weight * (px + 0.5);
             sumY += weight * (py + 0.5);
@@ -362,7 +363,7 @@ DibHandle StarsKernel(const ReadView &source, FilterContext &context) {
         star.width = context.FilterStarLinesize * (context.FilterStarAutoline != 0 ? 0.5 + 1.5 * excess : 1.0);
         star.strength = 0.25 * (1 + context.FilterStarBrightness) * std::min(0.25 + 1.5 * excess, 1.0);
         star.isSmooth = context.FilterStarHighres != 0;
-        Centre(from, grid.cell, threshold, &star);
+        Centre(from, grid.cell, std::max(threshold, spot.tone - kLeastRise), &star);
         star.Draw(pass.To());
     }
     return pass.Finish();
