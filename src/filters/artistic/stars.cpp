@@ -112,10 +112,10 @@ bool TakeTones(const ReadView &from, const Grid &grid, uint8_t *tones) {
 
 /// Finds the summits of the tones of a grid.
 struct Flood {
-    /// What has grown from a summit: the places of the cells of its tone.
+    /// What has grown from a summit: the places of the cells of its tone, and the first of them.
     struct Hill {
         int64_t sumX, sumY;
-        int32_t count, parent, tone;
+        int32_t count, parent, tone, first;
     };
 
     const Grid &grid;
@@ -147,7 +147,11 @@ struct Flood {
     }
 
 private:
-    static Spot SpotOf(const Hill &hill) {
+    /// A spot stands in the middle of its brightest cells, or on one of them where they lie round something dark.
+    Spot SpotOf(const Hill &hill) const {
+        const int64_t x = (hill.sumX + hill.count / 2) / hill.count, y = (hill.sumY + hill.count / 2) / hill.count;
+        if (tones[y * grid.columns + x] < hill.tone - kLeastRise)
+            return {hill.first % grid.columns + 0.5, hill.first / grid.columns + 0.5, hill.tone};
         return {static_cast<double>(hill.sumX) / hill.count + 0.5, static_cast<double>(hill.sumY) / hill.count + 0.5,
                 hill.tone};
     }
@@ -179,7 +183,7 @@ private:
         }
         if (own < 0) {
             own = hillCount++;
-            hills[own] = {0, 0, 0, own, tone};
+            hills[own] = {0, 0, 0, own, tone, cell};
         }
         hillOf[cell] = own + 1;
         if (tone == hills[own].tone) {
@@ -363,6 +367,7 @@ DibHandle StarsKernel(const ReadView &source, FilterContext &context) {
         star.width = context.FilterStarLinesize * (context.FilterStarAutoline != 0 ? 0.5 + 1.5 * excess : 1.0);
         star.strength = 0.25 * (1 + context.FilterStarBrightness) * std::min(0.25 + 1.5 * excess, 1.0);
         star.isSmooth = context.FilterStarHighres != 0;
+        star.width = std::min(star.width, star.reach / 2);
         Centre(from, grid.cell, std::max(threshold, spot.tone - kLeastRise), &star);
         star.Draw(pass.To());
     }

@@ -80,6 +80,10 @@ TEST(Stars, OneForEachSpotHoweverManyCellsItHas) {
             stars += RedAt(result, c.column, y) > 0 && RedAt(result, c.column, y - 1) == 0;
         EXPECT_EQ(stars, c.stars);
     }
+    // A ring has its star on itself, not in its dark middle.
+    const LockedDib ring = RunKernel("Stars", Night({{60, 40, 81}, {70, 50, 61, 0}}), {{&P::FilterStarAngle, 0}});
+    EXPECT_EQ(RedAt(ring, 100, 80), 0u);
+    EXPECT_GT(RedAt(ring, 70, 42), 0u);
     // Two lamps in one glow that is itself above the threshold.
     const LockedDib glow = Night({{40, 20, 120, 0xA0A0A0}, {90, 40, 6}, {90, 110, 6}}, 0);
     const LockedDib lit = RunKernel("Stars", glow, {{&P::FilterStarAngle, 0}});
