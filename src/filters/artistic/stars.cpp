@@ -40,7 +40,7 @@ constexpr PageControl kPage[] = {
         .Help("Turns the grid in which spots are looked for with the rays."),
 };
 
-constexpr int64_t kMostCells = 3'500'000; ///< larger pictures get larger cells
+constexpr int64_t kMostCells = 3'500'000; ///< of 17 bytes each; larger pictures get larger cells
 constexpr int32_t kMostStars = 400;       ///< the brightest count
 constexpr int32_t kLeastRise = 40;        ///< of a spot above what joins it to a brighter one, in levels
 
@@ -85,12 +85,13 @@ struct Grid {
         return count;
     }
     int64_t Count() const { return int64_t{columns} * rows; }
+    uint64_t Cells() const { return static_cast<uint64_t>(Count()); }
 };
 
 /// The mean tone of every cell; 0 where less than half a cell lies in the picture.
 /// @return false without memory.
 bool TakeTones(const ReadView &from, const Grid &grid, uint8_t *tones) {
-    BlockArray<uint32_t> sums(static_cast<uint64_t>(grid.Count())), counts(static_cast<uint64_t>(grid.Count()));
+    BlockArray<uint32_t> sums(grid.Cells()), counts(grid.Cells());
     BlockArray<uint8_t> grey(static_cast<uint64_t>(from.width));
     if (!sums || !counts || !grey) return false;
     std::fill(sums.data, sums.data + grid.Count(), 0u);
@@ -119,17 +120,16 @@ struct Flood {
     };
 
     const Grid &grid;
-    BlockArray<uint8_t> tones;
+    const BlockArray<uint8_t> &tones;
     BlockArray<int32_t> order, hillOf; ///< the cells from the brightest down; 1 + the hill of each cell, 0 for none
     BlockArray<Hill> hills;
     int32_t hillCount = 0;
 
     /// No two summits are neighbours, so there is at most one in each 2 x 2 cells.
-    explicit Flood(const Grid &cells)
-        : grid(cells), tones(static_cast<uint64_t>(grid.Count())), order(Cells()), hillOf(Cells()),
+    Flood(const Grid &cells, const BlockArray<uint8_t> &tonesOfCells)
+        : grid(cells), tones(tonesOfCells), order(grid.Cells()), hillOf(grid.Cells()),
           hills(static_cast<uint64_t>((grid.columns + 1) / 2) * static_cast<uint64_t>((grid.rows + 1) / 2)) {}
-    explicit operator bool() const { return tones && order && hillOf && hills; }
-    uint64_t Cells() const { return static_cast<uint64_t>(grid.Count()); }
+    explicit operator bool() const { return order && hillOf && hills; }
 
     int32_t RootOf(int32_t hill) {
         while (hills[hill].parent != hill) hill = hills[hill].parent = hills[hills[hill].parent].parent;
@@ -336,8 +336,10 @@ void Centre(const ReadView &from, int32_t cell, int32_t floor, Star *star) {
 
 /// @return false without memory.
 bool FindSpots(const ReadView &from, const Grid &grid, int32_t threshold, Spots *spots) {
-    Flood flood(grid);
-    if (!flood || !TakeTones(from, grid, flood.tones.data)) return false;
+    BlockArray<uint8_t> tones(grid.Cells());
+    if (!tones || !TakeTones(from, grid, tones.data)) return false;
+    Flood flood(grid, tones);
+    if (!flood) return false;
     flood.Run(threshold, [&](const Spot &spot) { spots->Add(spot); });
     return true;
 }
