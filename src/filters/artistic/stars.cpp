@@ -40,7 +40,7 @@ constexpr PageControl kPage[] = {
         .Help("Turns the grid in which spots are looked for with the rays."),
 };
 
-constexpr int64_t kMostCells = 3'500'000; ///< larger pictures get larger cells
+constexpr int64_t kMostCells = 3'500'000; ///< of 17 bytes each; larger pictures get larger cells
 constexpr int32_t kMostStars = 400;       ///< the brightest count
 constexpr int32_t kLeastRise = 40;        ///< of a spot above what joins it to a brighter one, in levels
 
@@ -85,12 +85,13 @@ struct Grid {
         return count;
     }
     int64_t Count() const { return int64_t{columns} * rows; }
+    uint64_t Cells() const { return static_cast<uint64_t>(Count()); }
 };
 
 /// The mean tone of every cell; 0 where less than half a cell lies in the picture.
 /// @return false without memory.
 bool TakeTones(const ReadView &from, const Grid &grid, uint8_t *tones) {
-    BlockArray<uint32_t> sums(static_cast<uint64_t>(grid.Count())), counts(static_cast<uint64_t>(grid.Count()));
+    BlockArray<uint32_t> sums(grid.Cells()), counts(grid.Cells());
     BlockArray<uint8_t> grey(static_cast<uint64_t>(from.width));
     if (!sums || !counts || !grey) return false;
     std::fill(sums.data, sums.data + grid.Count(), 0u);
@@ -112,24 +113,23 @@ bool TakeTones(const ReadView &from, const Grid &grid, uint8_t *tones) {
 
 /// Finds the summits of the tones of a grid.
 struct Flood {
-    /// What has grown from a summit: the places of the cells of its tone.
+    /// What has grown from a summit: the places of the cells of its tone, and the first of them.
     struct Hill {
         int64_t sumX, sumY;
-        int32_t count, parent, tone;
+        int32_t count, parent, tone, first;
     };
 
     const Grid &grid;
-    BlockArray<uint8_t> tones;
+    const BlockArray<uint8_t> &tones;
     BlockArray<int32_t> order, hillOf; ///< the cells from the brightest down; 1 + the hill of each cell, 0 for none
     BlockArray<Hill> hills;
     int32_t hillCount = 0;
 
     /// No two summits are neighbours, so there is at most one in each 2 x 2 cells.
-    explicit Flood(const Grid &cells)
-        : grid(cells), tones(static_cast<uint64_t>(grid.Count())), order(Cells()), hillOf(Cells()),
+    Flood(const Grid &cells, const BlockArray<uint8_t> &tonesOfCells)
+        : grid(cells), tones(tonesOfCells), order(grid.Cells()), hillOf(grid.Cells()),
           hills(static_cast<uint64_t>((grid.columns + 1) / 2) * static_cast<uint64_t>((grid.rows + 1) / 2)) {}
-    explicit operator bool() const { return tones && order && hillOf && hills; }
-    uint64_t Cells() const { return static_cast<uint64_t>(grid.Count()); }
+    explicit operator bool() const { return order && hillOf && hills; }
 
     int32_t RootOf(int32_t hill) {
         while (hills[hill].parent != hill) hill = hills[hill].parent = hills[hills[hill].parent].parent;
@@ -147,7 +147,11 @@ struct Flood {
     }
 
 private:
-    static Spot SpotOf(const Hill &hill) {
+    /// A spot stands in the middle of its brightest cells, or on one of them where they lie round something dark.
+    Spot SpotOf(const Hill &hill) const {
+        const int64_t x = (hill.sumX + hill.count / 2) / hill.count, y = (hill.sumY + hill.count / 2) / hill.count;
+        if (tones[y * grid.columns + x] < hill.tone - kLeastRise)
+            return {hill.first % grid.columns + 0.5, hill.first / grid.columns + 0.5, hill.tone};
         return {static_cast<double>(hill.sumX) / hill.count + 0.5, static_cast<double>(hill.sumY) / hill.count + 0.5,
                 hill.tone};
     }
@@ -179,7 +183,7 @@ private:
         }
         if (own < 0) {
             own = hillCount++;
-            hills[own] = {0, 0, 0, own, tone};
+            hills[own] = {0, 0, 0, own, tone, cell};
         }
         hillOf[cell] = own + 1;
         if (tone == hills[own].tone) {
@@ -306,15 +310,16 @@ void ToPixels(const Grid &grid, Direction turn, Spot *spot) {
     spot->y = down * cosine - right * sine + 0.5;
 }
 
-/// Moves a star to the middle of the light around it, of the size of a cell, and takes its colour there.
-void Centre(const ReadView &from, int32_t cell, int32_t threshold, Star *star) {
+/// Moves a star to the middle of the light around it that is brighter than `floor`, at most a cell away, and takes its
+/// colour there.
+void Centre(const ReadView &from, int32_t cell, int32_t floor, Star *star) {
     double weights = 0, sumX = 0, sumY = 0, colors[3] = {};
     const auto x = static_cast<int32_t>(std::max(star->x, 0.0)), y = static_cast<int32_t>(std::max(star->y, 0.0));
     for (int32_t py = std::max(y - cell, 0); py <= std::min(y + cell, from.height - 1); py++) {
         const uint8_t *row = from.Row(py);
         for (int32_t px = std::max(x - cell, 0); px <= std::min(x + cell, from.width - 1); px++) {
             const uint8_t *pixel = row + int64_t{px} * 3;
-            const int32_t weight = std::max(WeightedGrey(pixel[2], pixel[1], pixel[0]) - threshold, 0);
+            const int32_t weight = std::max(WeightedGrey(pixel[2], pixel[1], pixel[0]) - floor, 0);
             weights += weight;
             sumX += weight * (px + 0.5);
             sumY += weight * (py + 0.5);
@@ -331,8 +336,10 @@ void Centre(const ReadView &from, int32_t cell, int32_t threshold, Star *star) {
 
 /// @return false without memory.
 bool FindSpots(const ReadView &from, const Grid &grid, int32_t threshold, Spots *spots) {
-    Flood flood(grid);
-    if (!flood || !TakeTones(from, grid, flood.tones.data)) return false;
+    BlockArray<uint8_t> tones(grid.Cells());
+    if (!tones || !TakeTones(from, grid, tones.data)) return false;
+    Flood flood(grid, tones);
+    if (!flood) return false;
     flood.Run(threshold, [&](const Spot &spot) { spots->Add(spot); });
     return true;
 }
@@ -362,7 +369,8 @@ DibHandle StarsKernel(const ReadView &source, FilterContext &context) {
         star.width = context.FilterStarLinesize * (context.FilterStarAutoline != 0 ? 0.5 + 1.5 * excess : 1.0);
         star.strength = 0.25 * (1 + context.FilterStarBrightness) * std::min(0.25 + 1.5 * excess, 1.0);
         star.isSmooth = context.FilterStarHighres != 0;
-        Centre(from, grid.cell, threshold, &star);
+        star.width = std::min(star.width, star.reach / 2);
+        Centre(from, grid.cell, std::max(threshold, spot.tone - kLeastRise), &star);
         star.Draw(pass.To());
     }
     return pass.Finish();
