@@ -40,7 +40,7 @@ struct ToneWindow {
     ToneWindow(const ReadView &picture, int32_t reach)
         : from(picture), radius(reach), columns(static_cast<uint64_t>(from.width)),
           grey(static_cast<uint64_t>(from.width)) {
-        const auto side = static_cast<uint64_t>(2 * radius + 1);
+        const auto side = static_cast<uint64_t>(radius) * 2 + 1;
         reciprocal = (uint64_t{1} << 32) / (side * side) + 1;
         if (!columns || !grey) return;
         std::fill(columns.data, columns.data + from.width, 0u);

@@ -55,7 +55,7 @@ int32_t Draw(int32_t count) {
 /// The pixels that a shape covers, in samples.
 struct Coverage {
     int32_t left, top, right, bottom; ///< what lies in the picture
-    uint8_t samples[kSide * kSide];
+    uint8_t samples[kSide * kSide] = {};
 
     uint8_t *Row(int32_t y) { return samples + (y - top) * (right - left); }
 
