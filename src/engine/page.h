@@ -344,6 +344,7 @@ consteval std::string_view FaultOf(std::span<const PageControl> page, std::span<
                 control.text == other.text)
                 return "a setting twice";
         }
+        if (control.IsSetting() && *control.help == '\0') return "a control without help";
         if (control.number == nullptr) continue;
         const ControlRange stored = control.limits.Stored();
         if (stored.min > stored.max) return "an empty range";
