@@ -1,4 +1,6 @@
 // A host that plays the part of the clipboard: through the extended hooks of a call, and through `lmf --clipboard`.
+#include <tuple>
+
 #include <dlfcn.h>
 
 #include "host/lmf_program.h"
@@ -44,8 +46,7 @@ struct ExtendedRun {
         LmfBlockFree(picture);
         LmfBlockFree(second);
     }
-    ExtendedRun(const ExtendedRun &) = delete;
-    ExtendedRun &operator=(const ExtendedRun &) = delete;
+    ExtendedRun(ExtendedRun &&) = delete; // nor copies
 };
 
 constexpr uint32_t kExtendedRun = LMF_RUN_DIRECT | LMF_RUN_EXTENDED;
@@ -67,44 +68,36 @@ TEST(ExtendedCall, TheHostsPictureStandsForTheClipboards) {
 
 TEST(ExtendedCall, OnlyItsFlagsAndItsSizeMakeItOne) {
     const LockedDib source = RandomPicture(5, 3, kModeTrueColor, 1), mask = RandomPicture(7, 2, kModeGrey, 2);
-    struct Case {
-        uint32_t runFlags, size;
-        int32_t errorCode;
-    };
-    const Case cases[] = {
+    const std::tuple<uint32_t, uint32_t, int32_t> cases[] = {
         {LMF_RUN_DIRECT, sizeof(LmfExtendedHooks), -1},
         {kExtendedRun, sizeof(HostHooks), -1},
-        {kExtendedRun, offsetof(LmfExtendedHooks, clipboard) + 7, LMF_ERROR_OK},
-    };
-    for (const Case &each : cases) {
-        const ExtendedRun run(LMF_FILTER_ADD_ALPHA, each.runFlags, source, mask, each.size);
+        {kExtendedRun, offsetof(LmfExtendedHooks, clipboard) + 7, LMF_ERROR_OK}};
+    for (const auto &[runFlags, size, errorCode] : cases) {
+        const ExtendedRun run(LMF_FILTER_ADD_ALPHA, runFlags, source, mask, size);
         ASSERT_EQ(run.done, 1u);
-        EXPECT_EQ(run.extended.errorCode, each.errorCode);
+        EXPECT_EQ(run.extended.errorCode, errorCode);
         EXPECT_EQ(DibReadLock(run.second).view.width, 5) << "a uniform mask, since the clipboard is empty";
     }
     const ExtendedRun dialog(LMF_FILTER_ADD_ALPHA, LMF_RUN_EXTENDED, source, mask);
-    EXPECT_EQ(dialog.done, 0u);
-    EXPECT_EQ(dialog.extended.errorCode, -1);
+    EXPECT_TRUE(dialog.done == 0 && dialog.extended.errorCode == -1);
 }
 
 TEST(ExtendedCall, TellsWhyNothingWasDone) {
     const LockedDib source = RandomPicture(5, 3, kModeMono, 1), none;
-    EXPECT_EQ(ExtendedRun(LMF_FILTER_GAMMA, kExtendedRun, source, none).extended.errorCode, LMF_ERROR_UNSUPPORTED);
-    EXPECT_EQ(ExtendedRun(LMF_FILTER_GAMMA, kExtendedRun, none, none).extended.errorCode, LMF_ERROR_UNSUITABLE);
-    EXPECT_EQ(
-        ExtendedRun(LMF_FILTER_GAMMA, kExtendedRun, source, none, sizeof(LmfExtendedHooks), nullptr).extended.errorCode,
-        LMF_ERROR_INFORMATION);
+    const auto error = [&](const LockedDib &picture, LmfValidation callback) {
+        const uint32_t size = sizeof(LmfExtendedHooks);
+        return ExtendedRun(LMF_FILTER_GAMMA, kExtendedRun, picture, none, size, callback).extended.errorCode;
+    };
+    EXPECT_EQ(error(source, Agree), LMF_ERROR_UNSUPPORTED);
+    EXPECT_EQ(error(none, Agree), LMF_ERROR_UNSUITABLE);
+    EXPECT_EQ(error(source, nullptr), LMF_ERROR_INFORMATION);
 }
 
 TEST_F(ClipboardProgram, AFilePlaysItsPart) {
-    PngFile white;
-    white.width = white.height = 4;
-    white.samples.assign(16, 255);
-    PngFile mask = white;
-    for (size_t i = 0; i < 16; i++) mask.samples[i] = static_cast<uint8_t>(i * 16);
+    PngFile mask, color;
+    for (size_t i = 0; i < 16; i++) mask.samples.push_back(static_cast<uint8_t>(i * 16));
     WritePng(In("mask.png"), mask);
     WriteText(In("bad.png"), "no");
-    PngFile color;
     color.type = PNG_COLOR_TYPE_RGB;
     color.samples.assign(48, 9);
     WritePng(In("c.png"), color);
