@@ -66,9 +66,9 @@ TEST(Cpx, RefusesEveryTruncationAndSurvivesEveryChangedByte) {
     const int64_t blocks = LiveBlocks();
     for (size_t i = 0; i < container.size(); i++) {
         ASSERT_FALSE(Read(Bytes(container.begin(), container.begin() + static_cast<ptrdiff_t>(i)))) << i;
-        for (uint8_t change : {0x01, 0x10, 0x80, 0xFF}) {
+        for (int change : {0x01, 0x10, 0x80, 0xFF}) {
             Bytes changed = container;
-            changed[i] ^= change;
+            changed[i] = static_cast<uint8_t>(changed[i] ^ change);
             const LockedDib picture = Read(changed);
             if (i < kStreamAt) {
                 ASSERT_TRUE(i < kPassedOverAt ? !picture : BytesOf(picture) == content) << i;
