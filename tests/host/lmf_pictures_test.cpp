@@ -4,9 +4,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <filesystem>
 #include <memory>
+#include <string_view>
+#include <tuple>
 
 #include "host/lmf_program.h"
 
@@ -94,47 +95,43 @@ Bytes MakeProfile(const char *space) {
     for (size_t i = 144; i < profile.size(); i++) profile[i] = uint8_t(i * i >> 3);
     profile[2] = 2; // 512
     profile[8] = 4;
-    std::memcpy(profile.data() + 12, "mntr", 4);
-    std::memcpy(profile.data() + 16, space, 4);
-    std::memcpy(profile.data() + 20, "XYZ ", 4);
-    std::memcpy(profile.data() + 36, "acsp", 4);
-    const uint8_t white[] = {0, 0, 0xF6, 0xD6, 0, 1, 0, 0, 0, 0, 0xD3, 0x2D};
-    std::memcpy(profile.data() + 68, white, sizeof white);
-    const uint8_t tags[] = {0, 0, 0, 1, 'd', 'e', 's', 'c', 0, 0, 0, 144, 0, 0, 1, 112};
-    std::memcpy(profile.data() + 128, tags, sizeof tags);
+    const auto put = [&](int at, std::string_view text) { std::copy(text.begin(), text.end(), profile.begin() + at); };
+    put(12, "mntr");
+    put(16, space);
+    put(20, "XYZ ");
+    put(36, "acsp");
+    put(68, {"\0\0\xF6\xD6\0\1\0\0\0\0\xD3\x2D", 12});  // white
+    put(128, {"\0\0\0\1desc\0\0\0\x90\0\0\1\x70", 16}); // the list of tags
     return profile;
 }
 
 } // namespace
 
 TEST_F(LmfPictures, PngOfEveryDepthIsInvertedAndKeepsDepthAndTransparency) {
-    struct Case {
-        int type, depth;
-        bool indexed, clear; ///< an index or a colour is clear
-    };
-    std::vector<Case> cases;
+    using Case = std::tuple<int, int, bool>; // type, depth and whether an index or a colour is clear
+    std::vector<Case> cases = {
+        {kGreyAlpha, 8, false}, {kGreyAlpha, 16, false}, {kColorAlpha, 8, false}, {kColorAlpha, 16, false}};
     for (const bool clear : {false, true}) {
-        for (const int depth : {1, 2, 4, 8}) cases.push_back({kPalette, depth, true, clear});
-        for (const int depth : {1, 2, 4, 8, 16}) cases.push_back({kGrey, depth, depth < 8, clear});
-        for (const int depth : {8, 16}) cases.push_back({kColor, depth, false, clear});
+        for (const int depth : {1, 2, 4, 8}) cases.push_back({kPalette, depth, clear});
+        for (const int depth : {1, 2, 4, 8, 16}) cases.push_back({kGrey, depth, clear});
+        for (const int depth : {8, 16}) cases.push_back({kColor, depth, clear});
     }
-    for (const int depth : {8, 16})
-        for (const int type : {kGreyAlpha, kColorAlpha}) cases.push_back({type, depth, false, false});
-    for (const Case &c : cases) {
-        SCOPED_TRACE("type " + std::to_string(c.type) + ", depth " + std::to_string(c.depth));
-        PngFile input = MakePng(c.type, c.depth);
-        if (c.clear && c.type == kPalette) input.alpha = {0, 128};
-        if (c.clear && c.type != kPalette) {
+    for (const auto &[type, depth, clear] : cases) {
+        SCOPED_TRACE("type " + std::to_string(type) + ", depth " + std::to_string(depth));
+        PngFile input = MakePng(type, depth);
+        if (clear && type == kPalette) input.alpha = {0, 128};
+        if (clear && type != kPalette) {
             std::fill_n(&input.samples[30], 6, uint8_t{1});
-            input.key = c.depth == 16 ? 0x0101 : 1;
+            input.key = depth == 16 ? 0x0101 : 1;
         }
+        const bool indexed = type == kPalette || (type == kGrey && depth < 8);
         for (const bool interlaced : {false, true}) {
             input.interlaced = interlaced;
             WritePng(In("in.png"), input);
             ExpectSilence(Invert({"in.png", "out.png"}));
             const PngFile output = ReadPng(In("out.png"));
-            EXPECT_EQ(output.type, c.indexed ? kPalette : c.clear ? c.type | PNG_COLOR_MASK_ALPHA : c.type);
-            EXPECT_EQ(output.depth, c.depth == 2 ? 4 : std::min(c.depth, 8));
+            EXPECT_EQ(output.type, indexed ? kPalette : clear ? type | PNG_COLOR_MASK_ALPHA : type);
+            EXPECT_EQ(output.depth, depth == 2 ? 4 : std::min(depth, 8));
             EXPECT_EQ(ReadRgba(In("out.png")), Inverted(ReadRgba(In("in.png"))));
         }
     }
@@ -142,28 +139,22 @@ TEST_F(LmfPictures, PngOfEveryDepthIsInvertedAndKeepsDepthAndTransparency) {
 
 // Each picture makes a round through the formats that hold it without loss, and is inverted at every step.
 TEST_F(LmfPictures, LosslessFormatsKeepEveryPixel) {
-    struct Case {
-        int type;
-        std::vector<int> depths;
-        Names route;
-    };
-    const Case cases[] = {
+    const std::tuple<int, std::vector<int>, Names> cases[] = {
         {kGrey, {1, 4, 8}, {"a.tif", "b.bmp", "c.png", "d.png"}},
         {kPalette, {4, 8}, {"a.bmp", "b.tif", "c.png", "d.png"}},
         {kColor, {8}, {"a.tif", "b.bmp", "c.webp", "d.png"}},
         {kGreyAlpha, {8}, {"a.tif", "d.png"}},
-        {kColorAlpha, {8}, {"a.webp", "b.tif", "c.bmp", "d.png"}},
-    };
-    for (const Case &c : cases) {
-        for (const int depth : c.depths) {
+        {kColorAlpha, {8}, {"a.webp", "b.tif", "c.bmp", "d.png"}}};
+    for (const auto &[type, depths, route] : cases) {
+        for (const int depth : depths) {
             std::string from = "in.png";
-            WritePng(In(from), MakePng(c.type, depth));
-            for (const std::string &to : c.route) {
+            WritePng(In(from), MakePng(type, depth));
+            for (const std::string &to : route) {
                 ExpectSilence(Invert({from, to, "--lossless"}));
                 from = to;
             }
             EXPECT_EQ(ReadPng(In("d.png")).depth, depth);
-            EXPECT_EQ(ReadRgba(In("d.png")), ReadRgba(In("in.png"))) << "type " << c.type << ", depth " << depth;
+            EXPECT_EQ(ReadRgba(In("d.png")), ReadRgba(In("in.png"))) << "type " << type << ", depth " << depth;
         }
     }
 }
@@ -176,11 +167,6 @@ TEST_F(LmfPictures, FormatsWithoutAlphaOrDepthTakeWhatTheyCan) {
     EXPECT_TRUE(Has(Run({"info", "grey.jpg"}).output, "8 bits, grey"));
     WritePng(In("wide.png"), MakePng(kGrey, 1, 16384, 1));
     Expect(4, Invert({"wide.png", "wide.webp"}), "WebP holds at most 16383");
-}
-
-TEST_F(LmfPictures, APhotographBecomesItsNegative) {
-    ExpectSilence(Invert({kPhotograph, "out.png"}));
-    EXPECT_EQ(ReadRgba(In("out.png")), Inverted(ReadRgba(kPhotograph)));
 }
 
 TEST_F(LmfPictures, ProfileAndExifTravelThroughAllFormats) {
@@ -206,8 +192,7 @@ TEST_F(LmfPictures, ProfileAndExifTravelThroughAllFormats) {
         EXPECT_EQ(written.find("eXIf"), written.rfind("eXIf")) << "the block is there twice";
         const Bytes exif = ReadPng(In("out.png")).exif;
         const std::string rebuilt(exif.begin(), exif.end());
-        const std::string exposure("\x9a\x82\x05\0\x01\0\0\0", 8);
-        const std::string fraction("\x01\0\0\0\x32\0\0\0", 8);
+        const std::string exposure("\x9a\x82\x05\0\x01\0\0\0", 8), fraction("\x01\0\0\0\x32\0\0\0", 8);
         EXPECT_TRUE(Has(rebuilt, "Maker") && Has(rebuilt, exposure) && Has(rebuilt, fraction));
     }
 }
@@ -240,8 +225,7 @@ TEST_F(LmfPictures, ExifThatEndsInsideALinkIsLeftAsItIs) {
         for (const std::string from : {"cut.png", "cut.jpg", "cut.webp"}) {
             SCOPED_TRACE(from + ", " + std::to_string(linkBytes) + " bytes of the link");
             const ProgramRun info = Run({"info", from});
-            ExpectSilence(info);
-            EXPECT_TRUE(Has(info.output, "EXIF, orientation 6")) << info.output;
+            EXPECT_TRUE(Has(info.output, "EXIF, orientation 6") && info.errors.empty()) << info.output << info.errors;
             ExpectSilence(Invert({from, "out.png"}));
             EXPECT_EQ(ReadPng(In("out.png")).exif, png.exif);
         }
@@ -260,8 +244,8 @@ TEST_F(LmfPictures, ExifWithRepeatedTagsMakesATiffThatCanBeRead) {
     ExpectSilence(Invert({"many.png", "out.tif"}));
     const std::unique_ptr<TIFF, void (*)(TIFF *)> tiff(TIFFOpen(In("out.tif").c_str(), "rb"), TIFFClose);
     ASSERT_NE(tiff, nullptr);
-    char *description = nullptr;
-    EXPECT_EQ(TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &description), 1);
+    const char *description = nullptr;
+    TIFFGetField(tiff.get(), TIFFTAG_IMAGEDESCRIPTION, &description);
     EXPECT_STREQ(description, "b") << "the first copy counts";
 }
 
@@ -302,36 +286,31 @@ TEST_F(LmfPictures, TruncatedAndDamagedFilesAreNamedAndLeaveNothing) {
     std::string damaged = ReadText(kPhotograph);
     damaged[damaged.size() / 2] ^= 0x55;
     WriteText(In("damaged.png"), damaged);
-    EXPECT_EQ(Run({"info", "damaged.png"}).exitCode, 2);
-    EXPECT_EQ(Run({"info", "missing.png"}).exitCode, 2);
-    EXPECT_EQ(Run({"info", "."}).exitCode, 2);
+    for (const std::string name : {"damaged.png", "missing.png", "."})
+        EXPECT_EQ(Run({"info", name}).exitCode, 2) << name;
     EXPECT_FALSE(std::filesystem::exists(In("out.png")));
 }
 
 TEST_F(LmfPictures, LimitsAreTestedBeforeAnythingIsAllocated) {
     // Headers that promise far more than memory holds, and no pixels behind them.
-    struct Case {
-        int width, height;
-        Names options;
-        std::string message;
-    };
-    const Case cases[] = {{100001, 1, {}, "100001 x 1 pixels; the limit is 100000 a side (--max-side)"},
-                          {90000, 90000, {}, "the limit is 268402689 in all (--max-pixels)"},
-                          {1, 100001, {"--max-side", "200000"}, "lying.png: "}};
+    const std::tuple<int, int, Names, std::string> cases[] = {
+        {100001, 1, {}, "100001 x 1 pixels; the limit is 100000 a side (--max-side)"},
+        {90000, 90000, {}, "the limit is 268402689 in all (--max-pixels)"},
+        {1, 100001, {"--max-side", "200000"}, "lying.png: "}};
     WritePng(In("small.png"), MakePng(kGrey, 8, 2, 2));
     const std::string png = ReadText(In("small.png"));
-    for (const Case &c : cases) {
+    for (const auto &[width, height, options, message] : cases) {
         Bytes header(png.begin() + 12, png.begin() + 16);
-        Put(header, 4, c.width, true);
-        Put(header, 4, c.height, true);
+        Put(header, 4, width, true);
+        Put(header, 4, height, true);
         header.insert(header.end(), png.begin() + 24, png.begin() + 29);
         Put(header, 4, int64_t(crc32(0, header.data(), 17)), true);
         WriteText(In("lying.png"), png.substr(0, 12) + std::string(header.begin(), header.end()) + png.substr(33));
         Names arguments = {"info", "lying.png"};
-        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        arguments.insert(arguments.end(), options.begin(), options.end());
         const ProgramRun run = Run(arguments);
-        Expect(2, run, c.message);
-        EXPECT_EQ(Has(run.errors, "--max"), c.options.empty()) << run.errors;
+        Expect(2, run, message);
+        EXPECT_EQ(Has(run.errors, "--max"), options.empty()) << run.errors;
     }
     const std::string size = "451 x 300 pixels; the limit is ";
     Expect(2, Run({"info", kPhotograph, "--max-side", "450"}), size + "450");
@@ -341,14 +320,9 @@ TEST_F(LmfPictures, LimitsAreTestedBeforeAnythingIsAllocated) {
 
 // Files as other programs write them: each is 2 x 2, and its pixels are known by hand.
 TEST_F(LmfPictures, BmpOfOlderAndRarerKinds) {
-    struct Case {
-        int height, bits, compression, colors;
-        Bytes rows;
-        std::vector<int64_t> expected;
-    };
     const Bytes palette = {1, 2, 3, 0, 10, 20, 30, 0, 100, 110, 120, 0};
     constexpr int64_t kFirst = 0x030201FF, kSecond = 0x1E140AFF, kThird = 0x786E64FF;
-    const Case cases[] = {
+    const std::tuple<int, int, int, int, Bytes, std::vector<int64_t>> cases[] = {
         // rows from the top down
         {-2, 8, 0, 3, {0, 1, 0, 0, 2, 0, 0, 0}, {kFirst, kSecond, kThird, kFirst}},
         // run of two, end of line, three literal pixels (one beyond the edge) with padding, end
@@ -358,18 +332,17 @@ TEST_F(LmfPictures, BmpOfOlderAndRarerKinds) {
         // five bits a channel
         {2, 16, 0, 0, {0xFF, 0x7F, 0, 0x7C, 0xE0, 3, 0x1F, 0}, {0xFF00FF, 0xFFFF, 0xFFFFFFFF, 0xFF0000FF}},
     };
-    for (const Case &c : cases) {
+    for (const auto &[height, bits, compression, colors, rows, wanted] : cases) {
         Bytes file = {'B', 'M', 0, 0, 0, 0, 0, 0, 0, 0};
-        for (const int value :
-             {54 + 4 * c.colors, 40, 2, c.height, 1 | c.bits << 16, c.compression, 0, 0, 0, c.colors, 0})
+        for (const int value : {54 + 4 * colors, 40, 2, height, 1 | bits << 16, compression, 0, 0, 0, colors, 0})
             Put(file, 4, value, false);
-        file.insert(file.end(), palette.begin(), palette.begin() + 4 * c.colors);
-        file.insert(file.end(), c.rows.begin(), c.rows.end());
+        file.insert(file.end(), palette.begin(), palette.begin() + 4 * colors);
+        file.insert(file.end(), rows.begin(), rows.end());
         WriteText(In("in.bmp"), {file.begin(), file.end()});
         ExpectSilence(Invert({"in.bmp", "out.png"}));
         Bytes expected;
-        for (const int64_t color : c.expected) Put(expected, 4, color, true);
-        EXPECT_EQ(ReadRgba(In("out.png")), Inverted(expected)) << "depth " << c.bits;
+        for (const int64_t color : wanted) Put(expected, 4, color, true);
+        EXPECT_EQ(ReadRgba(In("out.png")), Inverted(expected)) << "depth " << bits;
     }
 }
 
@@ -377,17 +350,18 @@ TEST_F(LmfPictures, TiffInTilesPlanesAndSixteenBits) {
     constexpr int kWidth = 21, kHeight = 18, kTile = 16;
     for (const bool separate : {false, true}) {
         TIFF *tiff = TIFFOpen(In("in.tif").c_str(), "wb");
-        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, kWidth);
-        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, kHeight);
-        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16);
-        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
-        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-        TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
-        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, kTile);
-        TIFFSetField(tiff, TIFFTAG_TILELENGTH, kTile);
+        const std::pair<uint32_t, int> tags[] = {
+            {TIFFTAG_IMAGEWIDTH, kWidth},
+            {TIFFTAG_IMAGELENGTH, kHeight},
+            {TIFFTAG_BITSPERSAMPLE, 16},
+            {TIFFTAG_SAMPLESPERPIXEL, 3},
+            {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB},
+            {TIFFTAG_PLANARCONFIG, separate ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG},
+            {TIFFTAG_TILEWIDTH, kTile},
+            {TIFFTAG_TILELENGTH, kTile}};
+        for (const auto &[tag, value] : tags) TIFFSetField(tiff, tag, value);
         const auto sample = [](int x, int y, int c) { return uint16_t(x * 3001 + y * 500 + c * 77); };
-        const int planes = separate ? 3 : 1;
-        for (int plane = 0; plane < planes; plane++)
+        for (int plane = 0; plane < (separate ? 3 : 1); plane++)
             for (int top = 0; top < kHeight; top += kTile)
                 for (int left = 0; left < kWidth; left += kTile) {
                     std::vector<uint16_t> tile;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -12,13 +13,8 @@ namespace lmf::testing {
 
 static std::tm Time(int hour, int year) {
     std::tm time = {};
-    time.tm_year = year - 1900;
-    time.tm_mon = 5;
-    time.tm_mday = 3;
-    time.tm_wday = 4;
-    time.tm_hour = hour;
-    time.tm_min = 5;
-    time.tm_sec = 9;
+    time.tm_year = year - 1900, time.tm_mon = 5, time.tm_mday = 3, time.tm_wday = 4;
+    time.tm_hour = hour, time.tm_min = 5, time.tm_sec = 9;
     return time;
 }
 
@@ -33,30 +29,23 @@ TEST(TextMacros, StandForTheirValues) {
     const std::tm morning = Time(9, 2024);
     const TextMacroValues values = {640, 480, &morning,
                                     [](char *out) { return std::strcpy(out, "jANE o'NEIL") != nullptr; }};
-    const struct {
-        const char *text;
-        const char *expanded;
-    } cases[] = {
+    const std::pair<const char *, const char *> cases[] = {
         {"", ""},
-        {"plain", "plain"},
+        {"%", ""},
+        {"end%", "end"},
+        {"100%%", "100%"},
+        {"%%C", "%C"},
         {"Copyright %C %Y %N", "Copyright \xA9 2024 Jane O'neil"},
         {"%c%h%v%n%d%s%t%y", "\xA9"
                              "640480Jane O'neilThu Jun  3 2024Thu Jun  3 09:05:09 20249:05:09 AM2024"},
         {"%D|%T|%HX%V", "Thu Jun  3 2024|9:05:09 AM|640X480"},
-        {"100%%", "100%"},
-        {"%%C", "%C"},
-        {"%x%Z%1% %\xC3\xA9%\xE9", "xZ1 \xC3\xA9\xE9"},
-        {"end%", "end"},
-        {"%", ""},
-    };
+        {"%x%Z%1% %\xC3\xA9%\xE9", "xZ1 \xC3\xA9\xE9"}};
     for (const auto &[text, expanded] : cases) EXPECT_EQ(Expanded(text, 260, values), expanded) << text;
 }
 
 TEST(TextMacros, TheTimesOfTheDay) {
-    const struct {
-        int hour;
-        const char *text;
-    } cases[] = {{0, "0:05:09 AM"}, {11, "11:05:09 AM"}, {12, "12:05:09 AM"}, {13, "1:05:09 PM"}, {23, "11:05:09 PM"}};
+    const std::pair<int, const char *> cases[] = {
+        {0, "0:05:09 AM"}, {11, "11:05:09 AM"}, {12, "12:05:09 AM"}, {13, "1:05:09 PM"}, {23, "11:05:09 PM"}};
     for (const auto &[hour, text] : cases) {
         const std::tm time = Time(hour, 2024);
         EXPECT_EQ(Expanded("%T", 260, {1, 1, &time, UserName}), text);
@@ -67,29 +56,21 @@ TEST(TextMacros, TheTimesOfTheDay) {
 }
 
 TEST(TextMacros, TheOwnersNameHasCapitalsInEveryScript) {
-    const TextMacroValues names[] = {
-        {1, 1, nullptr, [](char *out) { return std::strcpy(out, "\xC3\x89MILE  \xC3\x98STER-ZOLA") != nullptr; }},
-        {1, 1, nullptr,
-         [](char *out) { return std::strcpy(out, "\xCE\xA9\xCE\x9C\xCE\x93 \xD0\xB8\xD0\x92") != nullptr; }},
-        {1, 1, nullptr, [](char *) { return false; }},
-    };
-    EXPECT_EQ(Expanded("%N", 260, names[0]), "\xC3\x89mile  \xC3\x98ster-zola");
-    EXPECT_EQ(Expanded("%N", 260, names[1]), "\xCE\xA9\xCE\xBC\xCE\xB3 \xD0\x98\xD0\xB2");
-    EXPECT_EQ(Expanded("<%N>", 260, names[2]), "<>");
+    const auto name = [](bool (*user)(char *)) { return Expanded("<%N>", 260, {1, 1, nullptr, user}); };
+    EXPECT_EQ(name([](char *out) { return std::strcpy(out, "\xC3\x89MILE  \xC3\x98STER-ZOLA") != nullptr; }),
+              "<\xC3\x89mile  \xC3\x98ster-zola>");
+    EXPECT_EQ(name([](char *out) { return std::strcpy(out, "\xCE\xA9\xCE\x9C\xCE\x93 \xD0\xB8\xD0\x92") != nullptr; }),
+              "<\xCE\xA9\xCE\xBC\xCE\xB3 \xD0\x98\xD0\xB2>");
+    EXPECT_EQ(name([](char *) { return false; }), "<>");
 }
 
 TEST(TextMacros, APieceThatDoesNotFitIsLeftOutAndALaterOneMayFit) {
     const std::tm time = Time(9, 2024);
     const TextMacroValues values = {64000, 7, &time, UserName};
-    const struct {
-        const char *text;
-        size_t limit;
-        const char *expanded;
-    } cases[] = {
+    const std::tuple<const char *, size_t, const char *> cases[] = {
         {"abc", 1, ""},        {"abc", 3, "ab"},          {"abc", 4, "abc"},
         {"%H", 5, ""},         {"%H", 6, "64000"},        {"a%H%Vb", 4, "a7b"},
-        {"ab%Y%Hc", 6, "abc"}, {"ab\xC3\xA9z", 4, "abz"}, {"ab\xC3\xA9z", 5, "ab\xC3\xA9"},
-    };
+        {"ab%Y%Hc", 6, "abc"}, {"ab\xC3\xA9z", 4, "abz"}, {"ab\xC3\xA9z", 5, "ab\xC3\xA9"}};
     for (const auto &[text, limit, expanded] : cases)
         EXPECT_EQ(Expanded(text, limit, values), expanded) << text << limit;
 }

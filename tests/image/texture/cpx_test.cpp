@@ -16,12 +16,8 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr size_t kPictureSizeAt = 8, kCompressedSizeAt = 12, kPassedOverAt = 16, kStreamAt = 52;
 
-uint32_t NumberAt(const Bytes &bytes, size_t at) {
-    return bytes[at] | bytes[at + 1] << 8 | bytes[at + 2] << 16 | static_cast<uint32_t>(bytes[at + 3]) << 24;
-}
-
 void SetNumberAt(Bytes *bytes, size_t at, uint32_t number) {
-    for (size_t i = 0; i < 4; i++) (*bytes)[at + i] = static_cast<uint8_t>(number >> 8 * i);
+    std::memcpy(&(*bytes)[at], &number, sizeof number);
 }
 
 Bytes BytesOf(const LockedDib &picture) {
@@ -65,28 +61,17 @@ TEST(Cpx, GivesBackEveryByteOfAPicture) {
     EXPECT_EQ(BytesOf(Read(ContainerOf(BytesOf(flat)))), BytesOf(flat));
 }
 
-TEST(Cpx, RefusesEveryTruncation) {
-    const Bytes container = ContainerOf(BytesOf(RandomPicture(9, 5, kModeGrey, 1)));
-    const int64_t blocks = LiveBlocks();
-    for (size_t size = 0; size < container.size(); size++)
-        ASSERT_FALSE(Read(Bytes(container.begin(), container.begin() + static_cast<ptrdiff_t>(size)))) << size;
-    EXPECT_EQ(LiveBlocks(), blocks);
-    EXPECT_EQ(LiveLocks(), 0);
-}
-
-TEST(Cpx, SurvivesEveryChangedByte) {
-    const Bytes content = BytesOf(RandomPicture(9, 5, kModeGrey, 2));
-    const Bytes container = ContainerOf(content);
+TEST(Cpx, RefusesEveryTruncationAndSurvivesEveryChangedByte) {
+    const Bytes content = BytesOf(RandomPicture(9, 5, kModeGrey, 2)), container = ContainerOf(content);
     const int64_t blocks = LiveBlocks();
     for (size_t i = 0; i < container.size(); i++) {
-        for (uint8_t change : {0x01, 0x10, 0x80, 0xFF}) {
+        ASSERT_FALSE(Read(Bytes(container.begin(), container.begin() + static_cast<ptrdiff_t>(i)))) << i;
+        for (int change : {0x01, 0x10, 0x80, 0xFF}) {
             Bytes changed = container;
-            changed[i] ^= change;
+            changed[i] = static_cast<uint8_t>(changed[i] ^ change);
             const LockedDib picture = Read(changed);
-            if (i < kPassedOverAt) {
-                ASSERT_FALSE(picture) << i;
-            } else if (i < kStreamAt) {
-                ASSERT_EQ(BytesOf(picture), content) << i;
+            if (i < kStreamAt) {
+                ASSERT_TRUE(i < kPassedOverAt ? !picture : BytesOf(picture) == content) << i;
             } else if (picture) {
                 ASSERT_EQ(BytesOf(picture).size(), content.size()) << i;
             }
@@ -99,7 +84,8 @@ TEST(Cpx, SurvivesEveryChangedByte) {
 TEST(Cpx, RefusesSizesThatDoNotAgreeWithTheData) {
     const Bytes container = ContainerOf(BytesOf(RandomPicture(9, 5, kModeGrey, 3)));
     for (size_t at : {kPictureSizeAt, kCompressedSizeAt}) {
-        const uint32_t size = NumberAt(container, at);
+        uint32_t size = 0;
+        std::memcpy(&size, &container[at], sizeof size);
         for (uint32_t lie : {0u, 1u, size - 1, size + 1, size * 2, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
             Bytes changed = container;
             changed.resize(container.size() + 4096); // room for what the header promises
@@ -110,19 +96,16 @@ TEST(Cpx, RefusesSizesThatDoNotAgreeWithTheData) {
 }
 
 TEST(Cpx, RefusesWhatIsNoPicture) {
-    EXPECT_FALSE(Read(ContainerOf(Bytes())));
-    EXPECT_FALSE(Read(ContainerOf(Bytes(39, 1))));
-    EXPECT_FALSE(Read(ContainerOf(Bytes(4000, 0))));
     Bytes taller = BytesOf(RandomPicture(8, 5, kModeGrey, 4));
     taller[8]++; // its height
-    EXPECT_FALSE(Read(ContainerOf(taller)));
+    for (const Bytes &content : {Bytes(), Bytes(39, 1), Bytes(4000, 0), taller})
+        EXPECT_FALSE(Read(ContainerOf(content)));
 }
 
 TEST(Cpx, FailsWithoutMemoryAndAsksForNoneThatALieCalledFor) {
     Bytes container = ContainerOf(BytesOf(RandomPicture(9, 5, kModeGrey, 3)));
     FailAllocationAfter(0);
     EXPECT_FALSE(Read(container));
-    EXPECT_EQ(FailedAllocations(), 1);
     SetNumberAt(&container, kPictureSizeAt, 0x7FFFFFFF);
     EXPECT_FALSE(Read(container));
     EXPECT_EQ(FailedAllocations(), 1);
