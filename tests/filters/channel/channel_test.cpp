@@ -8,10 +8,6 @@ namespace lmf::testing {
 
 namespace {
 
-Pixels Exchanged(const LockedDib &picture, int32_t mode) {
-    return PixelsOf(RunKernel("Channels", picture, {{&P::FilterChannelMode, mode}}));
-}
-
 LockedDib Split(const ReadView &picture, int32_t mode, int32_t remove, bool tint, DibHandle second = nullptr) {
     FilterContext context =
         ContextWith({{&P::FilterSplitMode, mode}, {&P::FilterSplitRemove, remove}, {&P::FilterSplitTint, tint}});
@@ -19,8 +15,9 @@ LockedDib Split(const ReadView &picture, int32_t mode, int32_t remove, bool tint
     return RunKernel("Split channels", picture, context);
 }
 
-/// What a run made of the second picture.
-LockedDib TakeSecond(FilterContext &context) {
+/// The mask that Add Alpha makes beside the picture, which it leaves as it is.
+LockedDib AddedMask(const LockedDib &picture, FilterContext &context) {
+    EXPECT_TRUE(SamePicture(RunKernel("Add Alpha", picture, context), picture));
     return LockedDib(std::exchange(context.secondResult, nullptr));
 }
 
@@ -32,32 +29,31 @@ TEST(Channels, EveryModeMovesTheRightChannels) {
                                             0x010302, 0x030102, 0x020301, 0x010203, 0x030101, 0x010201,
                                             0x030202, 0x020201, 0x030203, 0x030301};
     for (int32_t mode = 0; mode < 16; mode++) {
-        for (int32_t width : {1, 5, 6, 23}) {
-            const auto count = static_cast<size_t>(width);
-            EXPECT_EQ(Exchanged(MakePicture(width, 1, 24, Pixels(count, 0x030201)), mode),
-                      Pixels(count, kResults[mode]))
-                << mode;
+        for (uint32_t width : {1, 5, 6, 23}) {
+            const LockedDib picture = MakePicture(int32_t(width), 1, 24, Pixels(width, 0x030201));
+            const LockedDib exchanged = RunKernel("Channels", picture, {{&P::FilterChannelMode, mode}});
+            EXPECT_EQ(PixelsOf(exchanged), Pixels(width, kResults[mode])) << mode;
         }
     }
-    EXPECT_EQ(Exchanged(MakePicture(1, 1, 32, {0x80030201}), 0), (Pixels{0x010203}));
+    const LockedDib deep = MakePicture(1, 1, 32, {0x80030201});
+    EXPECT_EQ(PixelsOf(RunKernel("Channels", deep, {{&P::FilterChannelMode, 0}})), Pixels{0x010203});
 }
 
 TEST(SplitChannels, PlanesHoldThePicturesOwnChannels) {
     const LockedDib picture = MakePicture(1, 1, 24, {0x3C6EC8}); // red 200, green 110, blue 60
     // Black removal of 90 percent takes 54 off each ink.
     static constexpr uint32_t kPlanes[] = {200, 110, 60, 200, 110, 60, 146, 56, 6, 54, 0};
+    // Red, green and blue, then cyan, magenta and yellow twice, then grey.
+    static constexpr Color kTints[] = {0x0000C8, 0x00C800, 0xC80000, 0xC8C800, 0xC800C8, 0x00C8C8,
+                                       0xC8C800, 0xC800C8, 0x00C8C8, 0xC8C8C8, 0xC8C8C8};
     for (int32_t mode = 0; mode <= 10; mode++) {
         const LockedDib plane = Split(picture, mode, 90, false);
         EXPECT_EQ(PixelsOf(plane), Pixels{kPlanes[mode]}) << mode;
         EXPECT_EQ(DibClassify(plane), kModeGrey);
+        EXPECT_EQ(PaletteOf(Split(picture, mode, 90, true)).At(200), kTints[mode]) << mode;
     }
     EXPECT_EQ(PixelsOf(Split(picture, 9, 0, false)), Pixels{0});
     EXPECT_EQ(PixelsOf(Split(MakePicture(1, 1, 24, {0x804020}), 9, 100, false)), Pixels{32});
-    // Red, green and blue, then cyan, magenta and yellow twice, then grey.
-    static constexpr Color kTints[] = {0x0000C8, 0x00C800, 0xC80000, 0xC8C800, 0xC800C8, 0x00C8C8,
-                                       0xC8C800, 0xC800C8, 0x00C8C8, 0xC8C8C8, 0xC8C8C8};
-    for (int32_t mode = 0; mode <= 10; mode++)
-        EXPECT_EQ(PaletteOf(Split(picture, mode, 90, true)).At(200), kTints[mode]) << mode;
 }
 
 TEST(SplitChannels, AlphaComesFromTheSecondPicture) {
@@ -70,18 +66,14 @@ TEST(SplitChannels, AlphaComesFromTheSecondPicture) {
 TEST(AddAlpha, TakesAUniformMaskOrTheClipboards) {
     const LockedDib picture = RandomPicture(3, 2, kModeTrueColor, 1);
     FilterContext context = ContextWith({{&P::FilterAddAlphaOpacity, 90}});
-    EXPECT_TRUE(SamePicture(RunKernel("Add Alpha", picture, context), picture));
-    const LockedDib uniform = TakeSecond(context);
+    const LockedDib uniform = AddedMask(picture, context);
     EXPECT_EQ(PixelsOf(uniform), Pixels(6, 90));
     EXPECT_EQ(DibClassify(uniform), kModeGrey);
-
     const LockedDib mask = MakePicture(1, 2, 24, {0xFFFFFF, 0x000000});
     PutOnClipboard(mask.owner.handle);
-    EXPECT_TRUE(RunKernel("Add Alpha", picture, context));
-    EXPECT_EQ(PixelsOf(TakeSecond(context)), (Pixels{255, 0})) << "the mask keeps its own size";
+    EXPECT_EQ(PixelsOf(AddedMask(picture, context)), (Pixels{255, 0})) << "the mask keeps its own size";
     context.FilterAddAlphaUseCBD = 0;
-    EXPECT_TRUE(RunKernel("Add Alpha", picture, context));
-    EXPECT_EQ(PixelsOf(TakeSecond(context)), Pixels(6, 90));
+    EXPECT_EQ(PixelsOf(AddedMask(picture, context)), Pixels(6, 90));
     PutOnClipboard(nullptr);
 }
 

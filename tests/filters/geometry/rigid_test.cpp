@@ -12,8 +12,7 @@ namespace lmf::testing {
 TEST(PaperFill, FollowsTheMode) {
     Palette768 palette{};
     palette.rgb[9] = 200; // entry 3 is a red
-    LockedDib picture = MakePalettePicture(1, 1, 8, palette);
-    const ReadView lock = picture;
+    const LockedDib lock = MakePalettePicture(1, 1, 8, palette);
     EXPECT_EQ(PaperFillValue(0x123456, kModeTrueColor, lock), 0x123456u);
     EXPECT_EQ(PaperFillValue(0x646464, kModeGrey, lock), 100u) << "a neutral colour keeps its level";
     EXPECT_EQ(PaperFillValue(0x0000FF, kModeGrey, lock), 77u);
@@ -28,16 +27,12 @@ TEST(Flip, MirrorsColumnsUnlessTheDirectionIsOne) {
 }
 
 TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
-    struct Case {
-        int32_t left, right;
-        Pixels columns;
-    };
     const LockedDib picture = MakePicture(5, 1, 8, {10, 11, 12, 13, 14});
-    for (const Case &c :
-         {Case{0, 4, {10, 11, 12, 13}}, Case{3, 1, {11, 12}}, Case{0, 0, {10}}, Case{4, 4, {13}}, Case{1, 1, {10}}}) {
+    for (const auto &[left, right, columns] :
+         {std::tuple{0, 4, Pixels{10, 11, 12, 13}}, {3, 1, {11, 12}}, {0, 0, {10}}, {4, 4, {13}}, {1, 1, {10}}}) {
         const std::vector<Setting> settings = {
-            {&P::FilterCropLeft, c.left}, {&P::FilterCropRight, c.right}, {&P::FilterCropBottom, 0}};
-        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture, settings)), c.columns) << c.left;
+            {&P::FilterCropLeft, left}, {&P::FilterCropRight, right}, {&P::FilterCropBottom, 0}};
+        EXPECT_EQ(PixelsOf(RunKernel("Crop", picture, settings)), columns) << left;
     }
     FilterContext context = ContextWith({{&P::FilterCropLeft, 3}});
     context.width = 20;
@@ -48,47 +43,40 @@ TEST(Crop, TakesBothOrdersAndNeverAnEmptyAxis) {
 }
 
 TEST(Tile, CoversWholeOrClippedSheets) {
-    const LockedDib picture = RandomPicture(7, 5, kModeTrueColor, 3), wide = RandomPicture(30, 16, kModeGrey, 3);
-    for (int32_t integral : {0, 1}) {
+    for (const auto &[width, height, integral, pixels] :
+         {std::tuple{7, 5, 0, 16u * 18}, {7, 5, 1, 21u * 20}, {30, 16, 0, 30u * 18}, {30, 16, 1, 30u * 32}}) {
+        const LockedDib picture = RandomPicture(width, height, width == 7 ? kModeTrueColor : kModeGrey, 3);
         const std::vector<Setting> settings = {
             {&P::FilterTileWide, 16}, {&P::FilterTileDeep, 18}, {&P::FilterTileIntegral, integral}};
         const LockedDib sheet = RunKernel("Tile", picture, settings);
-        EXPECT_EQ(PixelsOf(sheet).size(), integral ? 21u * 20 : 16u * 18);
-        ExpectPixels(sheet, [&](int32_t x, int32_t y) { return DibGetPixel(picture, x % 7, y % 5); });
-        const LockedDib pair = RunKernel("Tile", wide, settings);
-        EXPECT_EQ(PixelsOf(pair).size(), integral ? 30u * 32 : 30u * 18);
-        ExpectPixels(pair, [&](int32_t x, int32_t y) { return DibGetPixel(wide, x, y % 16); });
+        EXPECT_EQ(PixelsOf(sheet).size(), pixels);
+        ExpectPixels(sheet,
+                     [&, w = width, h = height](int32_t x, int32_t y) { return DibGetPixel(picture, x % w, y % h); });
     }
 }
 
 TEST(Trim, DropsWhatTheModeAsksFor) {
-    struct Case {
-        int32_t mode, tolerance, sizeOrPercent;
-        bool north, east, south, west;
-        int32_t width, height;
-        uint32_t corner;
-    };
     // A frame of 0x101010 with one darker speck in its right column, around 4 x 2 pixels of 0x808080.
     const LockedDib frame(DibCreateSolid(8, 6, 0x101010)),
         picture = PictureLike(frame, [](int32_t x, int32_t y) {
             return x >= 2 && x < 6 && (y == 2 || y == 3) ? 0x808080u : x == 7 && y == 3 ? 0x100510u : 0x101010u;
         });
-    const Case kCases[] = {
-        {0, 0, 0, true, true, true, true, 6, 2, 0x808080},     {0, 11, 0, true, true, true, true, 4, 2, 0x808080},
-        {0, 11, 0, false, false, true, false, 8, 4, 0x101010}, {0, 255, 0, true, true, true, true, 1, 1, 0x101010},
-        {1, 0, 3, true, false, false, true, 5, 3, 0x808080},   {1, 0, 1024, true, true, true, true, 1, 1, 0x101010},
-        {2, 0, 34, true, true, false, true, 4, 4, 0x808080},   {2, 0, 50, true, false, true, false, 8, 1, 0x101010},
+    const struct {
+        int32_t mode, tolerance, sizeOrPercent, north, east, south, west, width, height;
+        Color corner;
+    } kCases[] = {
+        {0, 0, 0, 1, 1, 1, 1, 6, 2, 0x808080},  {0, 11, 0, 1, 1, 1, 1, 4, 2, 0x808080},
+        {0, 11, 0, 0, 0, 1, 0, 8, 4, 0x101010}, {0, 255, 0, 1, 1, 1, 1, 1, 1, 0x101010},
+        {1, 0, 3, 1, 0, 0, 1, 5, 3, 0x808080},  {1, 0, 1024, 1, 1, 1, 1, 1, 1, 0x101010},
+        {2, 0, 34, 1, 1, 0, 1, 4, 4, 0x808080}, {2, 0, 50, 1, 0, 1, 0, 8, 1, 0x101010},
     };
-    for (const Case &c : kCases) {
-        const LockedDib trimmed = RunKernel("Trim", picture,
-                                            {{&P::FilterTrimMode, c.mode},
-                                             {&P::FilterTrimTol, c.tolerance},
-                                             {&P::FilterTrimSize, c.sizeOrPercent},
-                                             {&P::FilterTrimPercent, c.sizeOrPercent},
-                                             {&P::FilterTrimNorth, c.north},
-                                             {&P::FilterTrimEast, c.east},
-                                             {&P::FilterTrimSouth, c.south},
-                                             {&P::FilterTrimWest, c.west}});
+    for (const auto &c : kCases) {
+        const std::vector<Setting> settings = {
+            {&P::FilterTrimMode, c.mode},          {&P::FilterTrimTol, c.tolerance},
+            {&P::FilterTrimSize, c.sizeOrPercent}, {&P::FilterTrimPercent, c.sizeOrPercent},
+            {&P::FilterTrimNorth, c.north},        {&P::FilterTrimEast, c.east},
+            {&P::FilterTrimSouth, c.south},        {&P::FilterTrimWest, c.west}};
+        const LockedDib trimmed = RunKernel("Trim", picture, settings);
         const ReadView lock = trimmed;
         EXPECT_TRUE(lock.width == c.width && lock.height == c.height) << &c - kCases;
         EXPECT_EQ(DibGetPixel(lock, 0, 0), c.corner) << &c - kCases;
@@ -96,6 +84,12 @@ TEST(Trim, DropsWhatTheModeAsksFor) {
 }
 
 namespace {
+
+/// The pixel whose bytes are byte(shift).
+template <typename Byte>
+uint32_t ByBytes(Byte byte) {
+    return byte(0) | byte(8) << 8 | byte(16) << 16 | byte(24) << 24;
+}
 
 /// Lines of one axis leaning about the middle one: pixel `at` of the result from a line whose pixels are read(i).
 struct Lean {
@@ -110,12 +104,9 @@ struct Lean {
     uint32_t Pixel(double distance, int32_t at, Read read) const {
         const auto whole = static_cast<int32_t>(std::floor(distance)), first = at - margin - whole;
         const auto share = static_cast<uint32_t>((distance - whole) * 255);
-        uint32_t mixed = 0;
-        for (int32_t shift = 0; shift < 32; shift += 8)
-            mixed |=
-                ((read(first) >> shift & 255) * (255 - share) + (read(first - 1) >> shift & 255) * share + 127) / 255
-                << shift;
-        return mixed;
+        const uint32_t a = read(first), b = read(first - 1);
+        return ByBytes(
+            [=](int32_t i) { return ((a >> i & 255) * (255 - share) + (b >> i & 255) * share + 127) / 255; });
     }
 };
 
@@ -159,15 +150,13 @@ LockedDib Seamless(const ReadView &from, const FilterContext &context) {
         if (!mixes)
             return DibGetPixel(from, across > Threshold(x, y) ? x : x + right,
                                down > Threshold(y, 3 - (x & 3)) ? y : y + below);
-        uint32_t mixed = 0;
-        for (int32_t shift = 0; shift < 32; shift += 8) {
+        return ByBytes([&](int32_t shift) {
             const auto row = [&](int32_t line) {
                 return (DibGetPixel(from, x + right, line) >> shift & 255) * (256 - across) +
                        (DibGetPixel(from, x, line) >> shift & 255) * across;
             };
-            mixed |= (row(y + below) * (256 - down) + row(y) * down + 32768) >> 16 << shift;
-        }
-        return mixed;
+            return (row(y + below) * (256 - down) + row(y) * down + 32768) >> 16;
+        });
     });
 }
 

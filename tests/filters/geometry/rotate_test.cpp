@@ -9,19 +9,16 @@
 namespace lmf::testing {
 namespace {
 
-FilterContext RotateContext(int32_t tenths, int32_t direction, bool byShears) {
-    FilterContext context = ContextWith(
-        {{&P::FilterRotateAngle, tenths}, {&P::FilterRotateDirection, direction}, {&P::FilterRotateShear, byShears}});
-    context.paperColor = 0x00FF20;
-    return context;
-}
-
 /// A result of Rotate and its coverage.
 struct Rotated {
     LockedDib picture, coverage;
 
-    Rotated(const ReadView &source, FilterContext context)
-        : picture(RunKernel("Rotate", source, context)), coverage(context.auxImage) {}
+    Rotated(const ReadView &source, const std::vector<Setting> &settings) {
+        FilterContext context = ContextWith(settings);
+        context.paperColor = 0x00FF20;
+        picture = RunKernel("Rotate", source, context);
+        coverage = LockedDib(context.auxImage);
+    }
 };
 
 constexpr int64_t kOne = int64_t{1} << 30;
@@ -49,9 +46,6 @@ struct WayBack {
     }
     bool Holds(int32_t x, int32_t y) const {
         return X(x, y) >= 0 && X(x, y) < from.width * kOne && Y(x, y) >= 0 && Y(x, y) < from.height * kOne;
-    }
-    uint32_t Nearest(int32_t x, int32_t y) const {
-        return DibGetPixel(from, static_cast<int32_t>(X(x, y) >> 30), static_cast<int32_t>(Y(x, y) >> 30));
     }
 };
 
@@ -88,10 +82,8 @@ LockedDib Sheared(const ReadView &from, int32_t width, int32_t height, bool down
         double weights[6], sum = 0;
         for (int32_t i = 0; i < 6; i++) {
             const double t = std::numbers::pi * (i - 2 - (distance - whole));
-            weights[i] = t == 0                                 ? 1
-                         : std::fabs(t) >= 3 * std::numbers::pi ? 0
-                                                                : std::sin(t) / t * (std::sin(t / 3) / (t / 3));
-            sum += weights[i];
+            const bool out = std::fabs(t) >= 3 * std::numbers::pi;
+            sum += weights[i] = t == 0 ? 1 : out ? 0 : std::sin(t) / t * (std::sin(t / 3) / (t / 3));
         }
         return PixelOf([&](int32_t shift) {
             float mixed = 0;
@@ -100,8 +92,7 @@ LockedDib Sheared(const ReadView &from, int32_t width, int32_t height, bool down
                 const int32_t column = std::clamp(down ? x : at, 0, from.width - 1);
                 const int32_t row = std::clamp(down ? at : y, 0, from.height - 1);
                 const auto level = static_cast<float>(DibGetPixel(from, column, row) >> shift & 255);
-                mixed = i == 0 ? static_cast<float>(weights[0] / sum) * level
-                               : mixed + static_cast<float>(weights[i] / sum) * level;
+                mixed += static_cast<float>(weights[i] / sum) * level;
             }
             return std::clamp(mixed, 0.0f, 255.0f) + 0.5f;
         });
@@ -136,39 +127,37 @@ uint32_t Blended(uint32_t over, uint32_t under, uint32_t share) {
     });
 }
 
-/// By quarters to the left.
-LockedDib Turned(const ReadView &source, int32_t quarters) {
-    LockedDib turned(DibClone(source));
-    for (int32_t i = 0; i < quarters; i++) turned = LockedDib(DibTurnAnticlockwise(turned));
-    return turned;
-}
-
 enum class Way { Picked, Mixed, ByShears };
 
 /// Expects of a free rotation to the left both of its pictures.
 void ExpectRotation(const ReadView &source, int32_t tenths, Way way, bool preserveSize) {
-    FilterContext context = RotateContext(tenths, 0, way == Way::ByShears);
-    context.FilterRotateInterpolate = way != Way::Picked;
-    context.FilterRotatePreserve = preserveSize;
-    const Rotated rotated(source, context);
+    const Rotated rotated(source, {{&P::FilterRotateAngle, tenths},
+                                   {&P::FilterRotateDirection, 0},
+                                   {&P::FilterRotateShear, way == Way::ByShears},
+                                   {&P::FilterRotateInterpolate, way != Way::Picked},
+                                   {&P::FilterRotatePreserve, preserveSize}});
     const double degree = std::numbers::pi / 180, angle = tenths / 10.0 * degree;
     const double c = std::fabs(std::cos(angle)), s = std::fabs(std::sin(angle));
     // Shears turn by 45 degrees at most, what is left after whole quarters.
     const int32_t quarters = way == Way::ByShears ? (tenths + 450) / 900 : 0;
-    const LockedDib start = Turned(source, quarters);
+    LockedDib start(DibClone(source));
+    for (int32_t i = 0; i < quarters; i++) start = LockedDib(DibTurnAnticlockwise(start));
     const double rest = (tenths - quarters * 900) / 10.0 * degree;
     WayBack back{std::sin(rest), std::cos(rest), source.width, source.height, start};
     if (!preserveSize) {
         back.width = static_cast<int32_t>(std::ceil(source.width * c + source.height * s - 1e-6));
         back.height = static_cast<int32_t>(std::ceil(source.height * c + source.width * s - 1e-6));
     }
-    const uint32_t paper = PaperFillValue(context.paperColor, DibClassify(source), source);
+    const uint32_t paper = PaperFillValue(0x00FF20, DibClassify(source), source);
     const uint32_t fill = source.bits == 1 ? paper & 1 : paper;
     const LockedDib sheared = way == Way::ByShears ? ShearedThrice(back) : LockedDib();
-    ASSERT_EQ(rotated.picture.View().width, back.width);
-    ASSERT_EQ(rotated.picture.View().height, back.height);
+    const WriteView &size = rotated.picture.View();
+    ASSERT_TRUE(size.width == back.width && size.height == back.height);
     ExpectPixels(rotated.picture, [&](int32_t x, int32_t y) {
-        if (way == Way::Picked) return back.Holds(x, y) ? back.Nearest(x, y) : fill;
+        if (way == Way::Picked)
+            return back.Holds(x, y) ? DibGetPixel(start, int32_t(back.X(x, y) >> 30), int32_t(back.Y(x, y) >> 30))
+                                    : fill;
+
         const uint32_t color = way == Way::Mixed ? MixedPixel(back, x, y) : DibGetPixel(sheared, x, y);
         return Blended(color, fill, back.Coverage(x, y));
     });
@@ -184,11 +173,8 @@ TEST(Rotate, AgreesWithItsDefinitions) {
         for (const auto &[width, height] : {std::pair{1, 1}, {40, 31}, {9, 60}, {150, 7}}) {
             const LockedDib source = RandomDepth(width, height, bits, 31);
             for (int32_t tenths : {1, 300, 450, 1000, 2255, 3523}) {
-                SCOPED_TRACE(std::to_string(bits) + " bits, " + std::to_string(width) + "x" + std::to_string(height) +
-                             " by " + std::to_string(tenths));
-                ExpectRotation(source, tenths, Way::Picked, false);
-                ExpectRotation(source, tenths, Way::Mixed, false);
-                ExpectRotation(source, tenths, Way::ByShears, false);
+                SCOPED_TRACE(::testing::Message() << bits << " bits, " << width << 'x' << height << " by " << tenths);
+                for (Way way : {Way::Picked, Way::Mixed, Way::ByShears}) ExpectRotation(source, tenths, way, false);
                 ExpectRotation(source, tenths, Way::ByShears, true);
                 if (HasFailure()) return;
             }
@@ -202,7 +188,7 @@ TEST(Rotate, TurnsByQuartersBothWays) {
     const LockedDib picture = MakePicture(3, 1, 8, {1, 2, 3});
     for (const auto &[tenths, direction, first] :
          {std::tuple{900, 0, 3u}, {900, 1, 1u}, {2700, 1, 3u}, {1800, 0, 3u}, {0, 0, 1u}}) {
-        const Rotated turned(picture, RotateContext(tenths, direction, true));
+        const Rotated turned(picture, {{&P::FilterRotateAngle, tenths}, {&P::FilterRotateDirection, direction}});
         EXPECT_EQ(PixelsOf(turned.picture), (Pixels{first, 2, 4 - first})) << tenths;
         EXPECT_FALSE(turned.coverage);
     }
@@ -210,17 +196,16 @@ TEST(Rotate, TurnsByQuartersBothWays) {
 
 TEST(Rotate, MixesTrueColorAndGreyOnly) {
     const LockedDib indexes = RandomPicture(20, 20, kModePalette, 3);
-    FilterContext context = RotateContext(100, 0, true);
-    const LockedDib picked = Rotated(indexes, context).picture;
-    context.FilterRotateInterpolate = 0;
-    EXPECT_TRUE(SamePicture(picked, Rotated(indexes, context).picture));
+    const Rotated mixed(indexes, {{&P::FilterRotateAngle, 100}, {&P::FilterRotateInterpolate, 1}}),
+        picked(indexes, {{&P::FilterRotateAngle, 100}, {&P::FilterRotateInterpolate, 0}});
+    EXPECT_TRUE(SamePicture(mixed.picture, picked.picture));
 }
 
 TEST(Rotate, AWholeTurnToTheRightGoesTheLongWayAndChangesNothing) {
     for (ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono}) {
         const LockedDib picture = RandomPicture(14, 9, mode, 5);
         for (bool byShears : {false, true}) {
-            const Rotated turned(picture, RotateContext(0, 1, byShears));
+            const Rotated turned(picture, {{&P::FilterRotateDirection, 1}, {&P::FilterRotateShear, byShears}});
             EXPECT_TRUE(SamePicture(turned.picture, picture));
             EXPECT_EQ(PixelsOf(turned.coverage), Pixels(14 * 9, 255));
         }

@@ -42,25 +42,18 @@ uint32_t Swirled(const ReadView &from, const FilterContext &context, int32_t x, 
                                       (std::sin(angle) * dx + std::cos(angle) * dy) / yScale + cy, context.paperColor);
 }
 
-uint32_t ImplodedBy(const ReadView &from, Color paper, double amount, int32_t xOff, int32_t yOff, int32_t x,
-                    int32_t y) {
-    const double width = from.width, height = from.height;
-    const double cx = xOff / 100.0 * width, cy = yOff / 100.0 * height, radius = width < height ? cy : cx;
-    const double xScale = width < height ? height / width : 1, yScale = height < width ? width / height : 1;
-    const double dx = (x - cx) * xScale, dy = (y - cy) * yScale, square = dx * dx + dy * dy;
-    if (square >= radius * radius) return DibGetPixel(from, x, y);
-    const double factor = square == 0 ? 1.0 : std::pow(std::sin(std::sqrt(square) * (kPi / 2) / radius), amount);
-    return SampleByDefinition(from, factor * dx / xScale + cx, factor * dy / yScale + cy, paper);
-}
-
-uint32_t Imploded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
-    return ImplodedBy(from, context.paperColor, context.FilterImplodeRadius / 100.0, context.FilterImplodeXOff,
-                      context.FilterImplodeYOff, x, y);
-}
-
-uint32_t Exploded(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
-    return ImplodedBy(from, context.paperColor, -context.FilterExplodeRadius / 100.0, context.FilterExplodeXOff,
-                      context.FilterExplodeYOff, x, y);
+/// Amounts in parts of the unit; negative ones push outward.
+Definition Imploding(NumberField radiusField, NumberField xOff, NumberField yOff, double unit) {
+    return ByPixel([=](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+        const double width = from.width, height = from.height, amount = context.*radiusField / unit;
+        const double cx = context.*xOff / 100.0 * width, cy = context.*yOff / 100.0 * height;
+        const double radius = width < height ? cy : cx;
+        const double xScale = width < height ? height / width : 1, yScale = height < width ? width / height : 1;
+        const double dx = (x - cx) * xScale, dy = (y - cy) * yScale, square = dx * dx + dy * dy;
+        if (square >= radius * radius) return DibGetPixel(from, x, y);
+        const double factor = square == 0 ? 1.0 : std::pow(std::sin(std::sqrt(square) * (kPi / 2) / radius), amount);
+        return SampleByDefinition(from, factor * dx / xScale + cx, factor * dy / yScale + cy, context.paperColor);
+    });
 }
 
 uint32_t Rippled(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
@@ -68,9 +61,8 @@ uint32_t Rippled(const ReadView &from, const FilterContext &context, int32_t x, 
     const double cx = width * (context.FilterWaterCenterX - 100) / 100 + width * 0.5;
     const double cy = height * (context.FilterWaterCenterY - 100) / 100 + height * 0.5;
     const double distance = std::sqrt((x - cx) * (x - cx) + (y - cy) * (y - cy));
-    double shift =
-        std::sin(distance / (context.FilterWaterWavelength / 100.0) * (2 * kPi) + context.FilterWaterPhase / 100.0) *
-        (context.FilterWaterAmplitude / 100.0);
+    const double wavelength = context.FilterWaterWavelength / 100.0, phase = context.FilterWaterPhase / 100.0;
+    double shift = std::sin(distance / wavelength * (2 * kPi) + phase) * (context.FilterWaterAmplitude / 100.0);
     const double reach = std::sqrt((height - cy) * (height - cy) + (width - cx) * (width - cx));
     if (context.FilterWaterDissipate)
         shift = shift * (1 - distance / (reach + 0.0001)) * (context.FilterWaterEnergy / 100.0);
@@ -132,8 +124,10 @@ TEST(Warps, AgreeWithTheirDefinitions) {
     const std::vector<Kind> bytes = {Kind::Color, Kind::Alpha, Kind::Grey};
     const std::vector<Kind> all = {Kind::Color, Kind::Alpha, Kind::Grey, Kind::Palette, Kind::Mono};
     ExpectDefinition("Swirl", {bytes}, ByPixel(Swirled));
-    ExpectDefinition("Implode", {bytes}, ByPixel(Imploded));
-    ExpectDefinition("Explode", {bytes}, ByPixel(Exploded));
+    ExpectDefinition("Implode", {bytes},
+                     Imploding(&P::FilterImplodeRadius, &P::FilterImplodeXOff, &P::FilterImplodeYOff, 100));
+    ExpectDefinition("Explode", {bytes},
+                     Imploding(&P::FilterExplodeRadius, &P::FilterExplodeXOff, &P::FilterExplodeYOff, -100));
     ExpectDefinition("Ripple", {bytes}, ByPixel(Rippled));
     ExpectDefinition("Lens Correction", {all}, ByPixel(LensCorrected));
     ExpectDefinition("Waves", {all}, ByPixel(Waved));
@@ -150,12 +144,10 @@ TEST(WaterDrops, FollowsTheTimeOfTheCall) {
 }
 
 TEST(WarpSample, MixesNeighboursAndBackground) {
-    const LockedDib picture = MakePicture(2, 2, 8, {10, 20, 30, 41});
-    const ReadView lock = picture;
-    for (double y = -2; y <= 2; y += 0.25) {
-        for (double x = -2; x <= 2; x += 0.25)
-            EXPECT_EQ(WarpSampleBilinear(lock, x, y, 200) & 255, SampleByDefinition(lock, x, y, 200) & 255)
-                << x << ' ' << y;
+    const LockedDib lock = MakePicture(2, 2, 8, {10, 20, 30, 41});
+    for (int32_t i = 0; i < 17 * 17; i++) {
+        const double x = i % 17 / 4.0 - 2, y = i / 17 / 4.0 - 2;
+        EXPECT_EQ(WarpSampleBilinear(lock, x, y, 200) & 255, SampleByDefinition(lock, x, y, 200) & 255) << i;
     }
     EXPECT_EQ(WarpSampleBilinear(lock, 0, 0, 200) & 255, 25u) << "25.25, the middle of all four";
 }

@@ -10,9 +10,9 @@ namespace lmf::testing {
 
 namespace {
 
-uint32_t RoundAndLimit(double value) {
+constexpr auto RoundAndLimit = [](double value) {
     return value < 0 ? 0 : value > 255 ? 255 : static_cast<uint32_t>(value + 0.5);
-}
+};
 
 /// The square convolution with wrapped edges of the page of Emboss; `weight(u, v, bell, total)` with v counted upward,
 /// as rows lie in memory.
@@ -22,16 +22,16 @@ Definition OnTorus(std::function<double(int32_t, int32_t, double, double)> weigh
         const int32_t width = source.width, height = source.height;
         if (width < order || height < order) return LockedDib();
         const double sigma = context.FilterEmbossSigma / 10.0;
-        const auto bell = [=](int32_t i) {
-            const int32_t u = i % order - half, v = i / order - half;
-            return std::exp(-(u * u + v * v) / (sigma * sigma));
-        };
         double total = 0, sumOfWeights = 0;
-        for (int32_t i = 0; i < order * order; i++) total += bell(i);
         std::vector<double> weights;
         for (int32_t i = 0; i < order * order; i++) {
-            weights.push_back(weight(i % order - half, i / order - half, bell(i), total));
-            sumOfWeights += weights.back();
+            const int32_t u = i % order - half, v = i / order - half;
+            weights.push_back(std::exp(-(u * u + v * v) / (sigma * sigma)));
+            total += weights.back();
+        }
+        for (int32_t i = 0; i < order * order; i++) {
+            double &value = weights[static_cast<size_t>(i)];
+            sumOfWeights += value = weight(i % order - half, i / order - half, value, total);
         }
         return ByChannel([&](auto read, const FilterContext &, int32_t x, int32_t y) {
             double sum = 0;
@@ -69,17 +69,17 @@ uint32_t Shaded(const ReadView &from, const FilterContext &context, int32_t x, i
     const int32_t l = x > 0 ? x - 1 : x + 1, p = x > 0 ? x + 1 : x - 1, q = x < width - 1 ? x + 1 : x - 1;
     int32_t nx = 0;
     for (int32_t j = 0; j < 3; j++) nx += heightOf(j, l) - heightOf(j, p);
-    const int32_t ny =
-        heightOf(2, q) + heightOf(2, x) + heightOf(2, l) - heightOf(0, q) - heightOf(0, x) - heightOf(0, l);
+    int32_t ny = 0;
+    for (int32_t column : {q, x, l}) ny += heightOf(2, column) - heightOf(0, column);
     const double dist = ly * ny + lx * nx + lz * 510;
     double shade = dist > 0 ? dist / std::sqrt(ny * ny + nx * nx + 260100.0) : 0;
     if (nx == 0 && ny == 0) shade = lz;
-    uint32_t lit[3];
-    for (int32_t c = 0; c < 3; c++) {
-        const int32_t product = static_cast<int32_t>((DibGetPixel(from, x, height - 2 - first) >> 8 * c & 255) * shade);
-        lit[c] = static_cast<uint32_t>(context.FilterShadeLevel ? product / 255.0 : shade);
+    uint32_t lit = 0;
+    for (int32_t shift = 0; shift < 24; shift += 8) {
+        const auto product = static_cast<int32_t>((DibGetPixel(from, x, height - 2 - first) >> shift & 255) * shade);
+        lit |= static_cast<uint32_t>(context.FilterShadeLevel ? product / 255.0 : shade) << shift;
     }
-    return PackColor(lit[0], lit[1], lit[2]);
+    return lit;
 }
 
 } // namespace

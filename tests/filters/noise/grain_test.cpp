@@ -10,9 +10,7 @@ namespace lmf::testing {
 
 namespace {
 
-double U() {
-    return static_cast<double>(NextRandom() & 32767) / 32767.0;
-}
+constexpr auto U = [] { return static_cast<double>(NextRandom() & 32767) / 32767.0; };
 
 int32_t SlowSample(int32_t a, int32_t type) {
     const double level = a;
@@ -32,25 +30,20 @@ int32_t SlowSample(int32_t a, int32_t type) {
     } else if (type == 4) {
         const double end = std::exp(level * -0.05);
         int32_t count = 0;
-        while (u > end) {
-            u = u * U();
-            count++;
-        }
+        for (; u > end; count++) u = u * U();
         v = count / 0.05;
     } else {
         const double c = std::sqrt(-2 * std::log(u)), t = U() * 6.283185307179586;
         v = std::cos(t) * c * (4 * std::sqrt(level)) + level + std::sin(t) * c * 20.0;
     }
-    if (v < 0) return 0;
-    return v > 255 ? 255 : static_cast<int32_t>(std::trunc(v + 0.5));
+    return v < 0 ? 0 : v > 255 ? 255 : static_cast<int32_t>(std::trunc(v + 0.5));
 }
 
 /// Bytes in the order of the rows in memory, blue first.
 LockedDib SlowAddNoise(const ReadView &source, const FilterContext &context) {
     LockedDib result(DibClone(source));
     const WriteView &to = result.View();
-    const int32_t a = context.FilterNoiseLevel, type = context.FilterNoiseType,
-                  bytes = context.mode == kModeGrey ? 1 : 3;
+    const int32_t a = context.FilterNoiseLevel, type = context.FilterNoiseType, bytes = to.bits == 8 ? 1 : 3;
     ForEachPixel(to, [&](int32_t x, int32_t y) {
         uint8_t *pixel = to.MemoryRow(y) + x * bytes;
         int32_t sample = SlowSample(a, type);
@@ -64,13 +57,11 @@ LockedDib SlowAddNoise(const ReadView &source, const FilterContext &context) {
 
 LockedDib SlowFilmGrain(const ReadView &source, const FilterContext &context) {
     SeedRandom(static_cast<uint32_t>(context.FilterFilmgrainSeed));
-    LockedDib grain = MakePicture(context.width, context.height, 24);
-    grain = PictureLike(grain, [&](int32_t, int32_t) {
-        return static_cast<uint32_t>((NextRandom() % (context.FilterFilmgrainStrength * 127 / 100) + 128) & 255) *
-               0x010101;
+    const int32_t range = context.FilterFilmgrainStrength * 127 / 100;
+    const LockedDib grain = PictureLike(MakePicture(context.width, context.height, 24), [&](int32_t, int32_t) {
+        return static_cast<uint32_t>((NextRandom() % range + 128) & 255) * 0x010101;
     });
-    grain = LockedDib(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, 40));
-    const ReadView noise = grain;
+    const LockedDib noise(GaussianBlurDirect(grain, 42 - context.FilterFilmgrainBlur, 40));
     LockedDib plain = ByChannel([&](auto read, const FilterContext &, int32_t x, int32_t y) {
         return std::clamp(read(x, y) + RedOf(DibGetPixel(noise, x, y)) - 128, 0, 255);
     })(source, context);
@@ -82,14 +73,13 @@ LockedDib SlowFilmGrain(const ReadView &source, const FilterContext &context) {
 } // namespace
 
 TEST(AddNoise, AgreesWithOneSampleAtATime) {
+    // The largest picture is for the rare draws at the ends of the range.
+    Trials trials = {.kinds = {Kind::Color, Kind::Grey},
+                     .sizes = {{1, 1}, {1, 5}, {7, 1}, {33, 12}, {3000, 2}, {1000, 200}},
+                     .rounds = 2};
     for (int32_t type = 0; type < 5; type++) {
-        // The largest picture is for the rare draws at the ends of the range.
-        ExpectDefinition("Add noise",
-                         {.kinds = {Kind::Color, Kind::Grey},
-                          .fixed = {{&P::FilterNoiseType, type}},
-                          .sizes = {{1, 1}, {1, 5}, {7, 1}, {33, 12}, {3000, 2}, {1000, 200}},
-                          .rounds = 2},
-                         SlowAddNoise);
+        trials.fixed = {{&P::FilterNoiseType, type}};
+        ExpectDefinition("Add noise", trials, SlowAddNoise);
     }
     EXPECT_EQ(PixelsOf(RunKernel("Add noise", RandomPicture(9, 9, kModePalette, 3))), Pixels(81, 0));
 }

@@ -8,12 +8,7 @@
 namespace lmf::testing {
 
 TEST(ToneFilters, WorkedExamples) {
-    struct Case {
-        const char *filter;
-        std::vector<Setting> settings;
-        Color from, to;
-    };
-    const Case cases[] = {
+    const std::tuple<const char *, std::vector<Setting>, Color, Color> cases[] = {
         // 0 + 128 * 256 / 254 = 129.007, and 257 is cut at 255.
         {"Contrast and Brightness", {}, 0xFF8000, 0xFF8100},
         // A step of 256 from -128.
@@ -32,11 +27,8 @@ TEST(ToneFilters, WorkedExamples) {
         // 180 + 180 degrees lie past the end and take the last sector with its fraction 0.
         {"Hue Saturation Brightness", {{&P::FilterHSBHue, 360}}, 0xFFFF00, 0xFF00FF},
     };
-    for (const Case &example : cases) {
-        const LockedDib source = MakePicture(1, 1, 24, {example.from});
-        EXPECT_EQ(PixelsOf(RunKernel(example.filter, source, example.settings)).at(0), example.to)
-            << example.filter << std::hex << " of " << example.from;
-    }
+    for (const auto &[filter, settings, from, to] : cases)
+        EXPECT_EQ(PixelsOf(RunKernel(filter, MakePicture(1, 1, 24, {from}), settings)), Pixels{to}) << filter << from;
 }
 
 namespace {
@@ -56,7 +48,7 @@ Definition ByValue(Rule rule) {
         [rule](auto read, const FilterContext &context, int32_t x, int32_t y) { return rule(read(x, y), context); });
 }
 
-Color TurnedHue(Color color, const FilterContext &context) {
+Color TurnedHue(Color color, const P &page) {
     const float r = RedOf(color) / 255.0f, g = GreenOf(color) / 255.0f, b = BlueOf(color) / 255.0f;
     const float most = std::max({r, g, b}), range = most - std::min({r, g, b});
     if (most == 0) return 0;
@@ -64,9 +56,9 @@ Color TurnedHue(Color color, const FilterContext &context) {
     float h = most == r ? (g - b) / d : most == g ? 2 + (b - r) / d : 4 + (r - g) / d;
     h *= 60;
     if (h < 0) h += 360;
-    h += static_cast<float>(context.FilterHSBHue) - 180;
-    const float s = std::min(1.0f, range / most * (2 * (static_cast<float>(context.FilterHSBSaturation) / 200)));
-    const float v = std::min(1.0f, most * (2 * (static_cast<float>(context.FilterHSBBrightness) / 200)));
+    h += static_cast<float>(page.FilterHSBHue) - 180;
+    const float s = std::min(1.0f, range / most * (2 * (static_cast<float>(page.FilterHSBSaturation) / 200)));
+    const float v = std::min(1.0f, most * (2 * (static_cast<float>(page.FilterHSBBrightness) / 200)));
     const auto i = static_cast<int32_t>(std::floor(h / 60));
     const float f = h / 60 - static_cast<float>(i);
     const float p = (1 - s) * v, q = (1 - f * s) * v, u = (1 - (1 - f) * s) * v;
@@ -77,22 +69,20 @@ Color TurnedHue(Color color, const FilterContext &context) {
                      static_cast<uint32_t>(row[2] * 255));
 }
 
-Color Moonlit(Color color, const FilterContext &context) {
-    const float f = static_cast<float>(context.FilterMoonlightFactor) / 100.0f;
-    const int32_t channels[3] = {RedOf(color), GreenOf(color), BlueOf(color)};
-    const auto [least, most] = std::minmax({channels[0], channels[1], channels[2]});
+Color Moonlit(Color color, const P &page) {
+    const float f = static_cast<float>(page.FilterMoonlightFactor) / 100.0f;
+    const auto [least, most] = std::minmax({RedOf(color), GreenOf(color), BlueOf(color)});
     const float low = static_cast<float>(least) * f, high = static_cast<float>(most) * f;
-    uint32_t moonlit[3];
-    for (int i = 0; i < 3; i++) {
-        const auto x1 = static_cast<float>(0.5 * (static_cast<float>(channels[i]) + low));
-        moonlit[i] = static_cast<uint32_t>(static_cast<float>(0.5 * (x1 + high)));
-    }
-    return PackColor(moonlit[0], moonlit[1], moonlit[2]);
+    const auto moonlit = [=](uint8_t channel) {
+        const auto x1 = static_cast<float>(0.5 * (static_cast<float>(channel) + low));
+        return static_cast<uint32_t>(static_cast<float>(0.5 * (x1 + high)));
+    };
+    return PackColor(moonlit(RedOf(color)), moonlit(GreenOf(color)), moonlit(BlueOf(color)));
 }
 
-Color Browned(Color color, const FilterContext &context) {
-    const ToneTable contrast = BuildContrastTable(context.FilterSepiaContrast, context.FilterSepiaBrightness);
-    const auto T = static_cast<float>(context.FilterSepiaThreshold), B = static_cast<float>(context.FilterSepiaBlend);
+Color Browned(Color color, const P &page) {
+    const ToneTable contrast = BuildContrastTable(page.FilterSepiaContrast, page.FilterSepiaBrightness);
+    const auto T = static_cast<float>(page.FilterSepiaThreshold), B = static_cast<float>(page.FilterSepiaBlend);
     const int32_t r = contrast.at[RedOf(color)], g = contrast.at[GreenOf(color)], b = contrast.at[BlueOf(color)];
     const auto linear = [](int32_t v) {
         return v <= 10.314300250662438
@@ -102,8 +92,9 @@ Color Browned(Color color, const FilterContext &context) {
     const float light = 0.586811f * linear(g) + 0.298839f * linear(r) + 0.11435f * linear(b);
     const auto I = static_cast<int32_t>(std::min(light, 255.0f));
     const auto raised = static_cast<float>(I + 255), level = static_cast<float>(I);
-    double tones[3] = {level > T ? 255.0 : raised - T, level > T * 7.0 / 6.0 ? 255.0 : raised - T * 7.0 / 6.0,
-                       T / 6.0 > level ? 0.0 : level - T / 6.0};
+    const double T7 = T * 7.0 / 6.0, T6 = T / 6.0;
+    const double tones[] = {level > T ? 255.0 : raised - T, level > T7 ? 255.0 : raised - T7,
+                            T6 > level ? 0 : level - T6};
     uint32_t out[3];
     for (int i = 0; i < 3; i++) {
         auto tone = static_cast<int32_t>(tones[i]);
@@ -114,84 +105,77 @@ Color Browned(Color color, const FilterContext &context) {
     return PackColor(out[0], out[1], out[2]);
 }
 
-int32_t OnStraightLine(int32_t value, int32_t contrast, int32_t brightness) {
-    double line = brightness - contrast;
-    for (int32_t i = 0; i < value; i++) line += 256 / std::max(1.0, 256.0 - 2.0 * (contrast - 127));
+int32_t OnStraightLine(int32_t value, const P &page) {
+    double line = page.FilterBrightness - page.FilterContrast;
+    for (int32_t i = 0; i < value; i++) line += 256 / std::max(1.0, 256.0 - 2.0 * (page.FilterContrast - 127));
     return static_cast<int32_t>(std::clamp(line, 0.0, 255.0));
 }
 
-int32_t OnLogisticCurve(int32_t value, const FilterContext &context) {
-    const double k = context.FilterSigcontContrast / 10.0, M = context.FilterSigcontMidpoint, a = M / 255;
+int32_t OnPowerCurve(int32_t value, const P &page) {
+    return static_cast<int32_t>(std::pow(value / 255.0, page.FilterGammaLevel / 100.0) * 255.0 + 0.5);
+}
+
+int32_t OnLogisticCurve(int32_t value, const P &page) {
+    const double k = page.FilterSigcontContrast / 10.0, M = page.FilterSigcontMidpoint, a = M / 255;
     const double S0 = 1 / (std::exp(a * k) + 1), S1 = 1 / (std::exp((a - 1) * k) + 1), x = value / 255.0;
     const double y = (S1 - S0) * x + S0;
-    const auto r = static_cast<float>(context.FilterSigcontSharpen != 0
+    const auto r = static_cast<float>(page.FilterSigcontSharpen != 0
                                           ? (1 / (std::exp((a - x) * k) + 1) - S0) * 255 / (S1 - S0) + 0.5
                                           : (M * (1 / 255.0) - std::log((1 - y) / y) / k) * 255);
     return r <= 0 ? 0 : r >= 255 ? 255 : static_cast<int32_t>(r + 0.5);
 }
 
-Color MixedWithNegative(Color color, const FilterContext &context) {
-    const int32_t shares[] = {context.FilterInvertChannelsRed, context.FilterInvertChannelsGreen,
-                              context.FilterInvertChannelsBlue};
-    Color mixed = 0;
-    for (int32_t i = 0; i < 3; i++) {
-        const int32_t x = color >> (8 * i) & 255;
-        const auto f = static_cast<float>(shares[i] / 255.0);
+Color MixedWithNegative(Color color, const P &page) {
+    const auto mixed = [](int32_t x, int32_t share) {
+        const auto f = static_cast<float>(share / 255.0);
         const auto p = static_cast<float>((255 - x) / 255.0 * static_cast<float>(1.0 - f));
-        mixed |= static_cast<uint32_t>((p + static_cast<float>(x / 255.0 * f)) * 255.0) << (8 * i);
-    }
-    return mixed;
+        return static_cast<uint32_t>((p + static_cast<float>(x / 255.0 * f)) * 255.0);
+    };
+    return PackColor(mixed(RedOf(color), page.FilterInvertChannelsRed),
+                     mixed(GreenOf(color), page.FilterInvertChannelsGreen),
+                     mixed(BlueOf(color), page.FilterInvertChannelsBlue));
 }
 
 } // namespace
 
-TEST(ToneFilters, FollowTheirCurves) {
-    const std::vector<Kind> kinds = {Kind::Color, Kind::Alpha, Kind::Grey};
-    ExpectDefinition("Gamma", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
-                         return static_cast<int32_t>(std::pow(value / 255.0, context.FilterGammaLevel / 100.0) * 255.0 +
-                                                     0.5);
-                     }));
-    ExpectDefinition("Posterize", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
-                         const int32_t step = 256 >> context.FilterPosterizeSteps;
-                         return value / step * step;
-                     }));
-    ExpectDefinition("Solarize", {{Kind::Color, Kind::Grey}}, ByValue([](int32_t value, const FilterContext &context) {
-                         return value < context.FilterSolarizeThreshold ? 255 - value : value;
-                     }));
-    ExpectDefinition("Contrast and Brightness", {kinds}, ByValue([](int32_t value, const FilterContext &context) {
-                         return OnStraightLine(value, context.FilterContrast, context.FilterBrightness);
-                     }));
-    ExpectDefinition("Sigmoidal Contrast", {{Kind::Color, Kind::Alpha}}, ByValue(OnLogisticCurve));
-    ExpectDefinition("Invert Colors", {kinds},
-                     ByValue([](int32_t value, const FilterContext &) { return 255 - value; }));
-}
-
-TEST(ToneFilters, FollowTheirRulesOfColor) {
-    const std::vector<Kind> kinds = {Kind::Color, Kind::Alpha};
-    ExpectDefinition("Hue Saturation Brightness", {kinds}, ByColor(TurnedHue));
-    ExpectDefinition("Moonlight", {kinds}, ByColor(Moonlit));
-    ExpectDefinition("Sepia", {kinds}, ByColor(Browned));
-    ExpectDefinition("Invert Channels", {kinds}, ByColor(MixedWithNegative));
-    ExpectDefinition("Color and Intensity", {kinds}, ByColor([](Color color, const FilterContext &context) {
-                         const int32_t all = context.FilterIntensity - 256;
-                         return PackColor(ClampByte(RedOf(color) + context.FilterRed + all),
-                                          ClampByte(GreenOf(color) + context.FilterGreen + all),
-                                          ClampByte(BlueOf(color) + context.FilterBlue + all));
-                     }));
-    ExpectDefinition("Black Threshold", {.fixed = {{&P::FilterBlackAntialias, 0}}},
-                     ByColor([](Color color, const FilterContext &context) -> Color {
-                         return WeightedGrey(color) < context.FilterBlackThresholdLevel ? 0 : color;
-                     }));
-    ExpectDefinition("White Threshold", {.fixed = {{&P::FilterWhiteAntiAlias, 0}}},
-                     ByColor([](Color color, const FilterContext &context) -> Color {
-                         return WeightedGrey(color) > context.FilterWhiteThresholdLevel ? 0xFFFFFF : color;
-                     }));
+TEST(ToneFilters, FollowTheirDefinitions) {
+    const std::vector<Kind> deep = {Kind::Color, Kind::Alpha}, kinds = {Kind::Color, Kind::Alpha, Kind::Grey};
+    const auto posterized = [](int32_t value, const P &page) {
+        const int32_t step = 256 >> page.FilterPosterizeSteps;
+        return value / step * step;
+    };
+    const auto solarized = [](int32_t v, const P &page) { return v < page.FilterSolarizeThreshold ? 255 - v : v; };
+    const auto shifted = [](Color color, const P &page) {
+        const int32_t all = page.FilterIntensity - 256;
+        return PackColor(ClampByte(RedOf(color) + page.FilterRed + all),
+                         ClampByte(GreenOf(color) + page.FilterGreen + all),
+                         ClampByte(BlueOf(color) + page.FilterBlue + all));
+    };
+    const auto blackened = [](Color color, const P &page) -> Color {
+        return WeightedGrey(color) < page.FilterBlackThresholdLevel ? 0 : color;
+    };
+    const auto whitened = [](Color color, const P &page) -> Color {
+        return WeightedGrey(color) > page.FilterWhiteThresholdLevel ? 0xFFFFFF : color;
+    };
+    ExpectDefinition("Gamma", {kinds}, ByValue(OnPowerCurve));
+    ExpectDefinition("Posterize", {kinds}, ByValue(posterized));
+    ExpectDefinition("Solarize", {{Kind::Color, Kind::Grey}}, ByValue(solarized));
+    ExpectDefinition("Contrast and Brightness", {kinds}, ByValue(OnStraightLine));
+    ExpectDefinition("Sigmoidal Contrast", {deep}, ByValue(OnLogisticCurve));
+    ExpectDefinition("Invert Colors", {kinds}, ByValue([](int32_t value, const P &) { return 255 - value; }));
+    ExpectDefinition("Hue Saturation Brightness", {deep}, ByColor(TurnedHue));
+    ExpectDefinition("Moonlight", {deep}, ByColor(Moonlit));
+    ExpectDefinition("Sepia", {deep}, ByColor(Browned));
+    ExpectDefinition("Invert Channels", {deep}, ByColor(MixedWithNegative));
+    ExpectDefinition("Color and Intensity", {deep}, ByColor(shifted));
+    ExpectDefinition("Black Threshold", {.fixed = {{&P::FilterBlackAntialias, 0}}}, ByColor(blackened));
+    ExpectDefinition("White Threshold", {.fixed = {{&P::FilterWhiteAntiAlias, 0}}}, ByColor(whitened));
 }
 
 TEST(ToneFilters, PalettePicturesChangeTheirColorsAndGreyOnesTheirPixels) {
     const std::vector<Setting> settings = {
         {&P::FilterGammaLevel, 150}, {&P::FilterGreen, 90}, {&P::FilterContrast, 170}};
-    for (const std::string filter :
+    for (std::string filter :
          {"Contrast and Brightness", "Gamma", "Posterize", "Color and Intensity", "Invert Colors"}) {
         const auto changed = [&](const LockedDib &picture) { return RunKernel(filter, picture, settings); };
         const LockedDib source = RandomPicture(7, 5, kModePalette, 4), result = changed(source);
@@ -231,8 +215,8 @@ TEST(ToneFilters, AntialiasedThresholdsWorkAtFourTimesTheSize) {
             const LockedDib source = RandomPicture(width, 3, kModeTrueColor, 5);
             const LockedDib enlarged(DibScalePercent(source, 400, 400, kWindowAutomatic));
             const LockedDib changed = RunKernel(filter, enlarged, {{antialias, 0}});
-            EXPECT_TRUE(SamePicture(RunKernel(filter, source, {{antialias, 1}}),
-                                    LockedDib(DibScalePercent(changed, 25, 25, kWindowAutomatic))));
+            const LockedDib expected(DibScalePercent(changed, 25, 25, kWindowAutomatic));
+            EXPECT_TRUE(SamePicture(RunKernel(filter, source, {{antialias, 1}}), expected));
         }
     }
 }

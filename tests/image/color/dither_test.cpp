@@ -16,8 +16,7 @@ Palette768 RandomPalette(uint32_t seed, uint32_t colors, uint32_t low, uint32_t 
 }
 
 /// Error diffusion to colours, share by share.
-Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &palette, uint32_t bits) {
-    const ReadView from = picture;
+Pixels SlowColorDiffusion(const ReadView &from, const Palette768 &palette, uint32_t bits) {
     const int32_t width = from.width, height = from.height;
     Pixels result(static_cast<size_t>(width * height));
     std::vector<int32_t> current(static_cast<size_t>(3 * width + 256)), next(current.size());
@@ -46,8 +45,7 @@ Pixels SlowColorDiffusion(const ReadView &picture, const Palette768 &palette, ui
 }
 
 /// Error diffusion to black and white, share by share, on rows with their padding.
-Pixels SlowMonoDiffusion(const ReadView &picture, int32_t brightness, int32_t contrast) {
-    const ReadView from = picture;
+Pixels SlowMonoDiffusion(const ReadView &from, int32_t brightness, int32_t contrast) {
     const int32_t width = from.width, height = from.height, stride = (width + 3) / 4 * 4;
     std::vector<int32_t> bytes(static_cast<size_t>(stride * height));
     const auto at = [&](int32_t x, int32_t y) -> int32_t & { return bytes[static_cast<size_t>(y * stride + x)]; };
@@ -101,9 +99,8 @@ TEST(NearestFinder, FindsWhatAScanFinds) {
                 const uint32_t mask = i % 2 != 0 ? 255 : 15, base = i % 2 != 0 ? 0 : 96;
                 const Color color = (random & mask * 0x010101) + base * 0x010101;
                 const int32_t red = RedOf(color), green = GreenOf(color), blue = BlueOf(color);
-                ASSERT_EQ(finder.Find(red, green, blue),
-                          static_cast<uint32_t>(PaletteNearest(red, green, blue, palette, count)))
-                    << red << " " << green << " " << blue << " of " << count;
+                const int32_t nearest = PaletteNearest(red, green, blue, palette, count);
+                ASSERT_EQ(finder.Find(red, green, blue), uint32_t(nearest)) << std::hex << color << " of " << count;
             }
         }
     }
@@ -113,18 +110,16 @@ TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
     for (const auto &size : kSizes) {
         for (const auto &[kind, seed] :
              {std::pair{Kind::Color, 3u}, {Kind::Grey, 3u}, {Kind::Grey, 5u}, {Kind::Palette, 5u}}) {
-            const LockedDib picture = RandomKind(kind, size[0], size[1], seed);
+            SCOPED_TRACE(::testing::Message() << size[0] << " x " << size[1] << " seed " << seed);
+            const LockedDib picture = RandomKind(kind, size[0], size[1], seed), rgb(ExpandToRgb(picture));
             for (const auto &tone : {kTone, MonoTone{0, 0}, MonoTone{90, -40}, MonoTone{10, 128}, MonoTone{1, 200}}) {
-                LockedDib mono(ErrorDiffuse(picture, GreyRamp(), 1, tone));
-                ASSERT_EQ(PixelsOf(mono), SlowMonoDiffusion(picture, tone.brightness, tone.contrast))
-                    << size[0] << " x " << size[1] << " seed " << seed;
+                const LockedDib mono(ErrorDiffuse(picture, GreyRamp(), 1, tone));
+                ASSERT_EQ(PixelsOf(mono), SlowMonoDiffusion(picture, tone.brightness, tone.contrast));
             }
-            LockedDib rgb(ExpandToRgb(picture));
             for (uint32_t bits : {2u, 4u, 6u, 8u}) {
                 const Palette768 palette = RandomPalette(bits, 1 << bits, 30, 180);
                 LockedDib result(ErrorDiffuse(picture, palette, bits, kTone));
-                ASSERT_EQ(PixelsOf(result), SlowColorDiffusion(rgb, palette, bits))
-                    << size[0] << " x " << size[1] << " seed " << seed << " bits " << bits;
+                ASSERT_EQ(PixelsOf(result), SlowColorDiffusion(rgb, palette, bits)) << bits;
                 EXPECT_EQ(result.View().bits, bits <= 4 ? 4u : 8u);
             }
         }
@@ -134,23 +129,20 @@ TEST(ErrorDiffuse, AgreesWithDiffusionShareByShare) {
 
 TEST(RemapNearest, TakesTheNearestEntryOrTheBrightSide) {
     const Palette768 palette = RandomPalette(9, 64, 0, 256);
-    LockedDib color = RandomPicture(33, 7, kModeTrueColor, 2);
-    const Pixels pixels = PixelsOf(color);
-    Pixels nearest, bright;
-    for (uint32_t pixel : pixels) {
-        nearest.push_back(
-            static_cast<uint32_t>(PaletteNearest(RedOf(pixel), GreenOf(pixel), BlueOf(pixel), palette, 64)));
-        bright.push_back(WeightedGrey(pixel) >= 129);
-    }
-    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(color, palette, 6))), nearest);
-    EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(color, palette, 1))), bright);
+    const LockedDib color = RandomPicture(33, 7, kModeTrueColor, 2);
+    ExpectPixels(LockedDib(RemapNearest(color, palette, 6)), [&](int32_t x, int32_t y) {
+        const Color pixel = DibGetPixel(color, x, y);
+        return uint32_t(PaletteNearest(RedOf(pixel), GreenOf(pixel), BlueOf(pixel), palette, 64));
+    });
+    ExpectPixels(LockedDib(RemapNearest(color, palette, 1)),
+                 [&](int32_t x, int32_t y) { return uint32_t(WeightedGrey(DibGetPixel(color, x, y)) >= 129); });
 
     // Indexed sources go through their own table, 1-bit ones to white and black whatever they hold.
     const Palette768 few{{250, 250, 250, 10, 10, 10, 128, 129, 129, 130, 132, 133}};
-    LockedDib indexed = MakePalettePicture(4, 1, 4, few, {0, 1, 2, 3});
+    const LockedDib indexed = MakePalettePicture(4, 1, 4, few, {0, 1, 2, 3});
+    const LockedDib mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
     EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(indexed, few, 2))), (Pixels{0, 1, 2, 3}));
     EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(indexed, few, 1))), (Pixels{1, 0, 0, 1}));
-    LockedDib mono = MakePalettePicture(2, 1, 1, palette, {0, 1});
     EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(mono, few, 2))), (Pixels{1, 0}));
     EXPECT_EQ(PixelsOf(LockedDib(RemapNearest(mono, few, 1))), (Pixels{0, 1}));
 }
@@ -179,8 +171,7 @@ TEST(Bayer, ComparesWithTheRecursiveMatrix) {
             ASSERT_EQ(DibGetPixel(mono, x, y), WeightedGrey(color) > t);
             ASSERT_EQ(DibGetPixel(eight, x, y), static_cast<uint32_t>((r > t) | (g > t) << 1 | (b > t) << 2));
             const auto moved = [&](int32_t c) { return c - ((c - threshold(y, x)) >> 2); };
-            ASSERT_EQ(DibGetPixel(many, x, y),
-                      static_cast<uint32_t>((moved(r) & 224) | (moved(g) >> 3 & 28) | moved(b) >> 6));
+            ASSERT_EQ(DibGetPixel(many, x, y), uint32_t((moved(r) & 224) | (moved(g) >> 3 & 28) | moved(b) >> 6));
         });
         for (uint32_t i = 0; i < 8; i++) {
             EXPECT_EQ(PaletteOf(eight).At(i), PackColor(i & 1, i >> 1 & 1, i >> 2) * 255);

@@ -24,8 +24,8 @@ struct SlowTree {
         SlowNode *node = &root;
         for (int32_t level = 1; level <= depth; level++) {
             bisect /= 2;
-            int32_t id = 0;
             double distance = 0;
+            int32_t id = 0;
             for (int32_t c : {1, 0, 2}) {
                 const int32_t channel = color >> (8 * c) & 255, bit = channel >> (8 - level) & 1;
                 id |= bit << (2 - c);
@@ -46,8 +46,7 @@ struct SlowTree {
     }
     static void Merge(SlowNode *node) {
         for (auto &child : node->child) {
-            if (!child) continue;
-            Merge(child.get());
+            if (child) Merge(child.get());
             child.reset();
         }
         node->parent->pixels += node->pixels;
@@ -98,8 +97,7 @@ void ExpectSlowPalette(const ReadView &picture, uint32_t wanted) {
     uint32_t expectedCount = 0, count = wanted;
     tree.Assign(tree.root, &expected, &expectedCount);
     ASSERT_TRUE(OctreePalette(picture, &palette, &count));
-    EXPECT_EQ(count, expectedCount) << wanted;
-    EXPECT_TRUE(std::equal(std::begin(palette.rgb), std::end(palette.rgb), expected.rgb)) << wanted;
+    EXPECT_TRUE(count == expectedCount && std::ranges::equal(palette.rgb, expected.rgb)) << wanted;
 }
 
 /// A picture of one row with `colors` different colours, then `more` pixels of the first again.
@@ -113,8 +111,8 @@ LockedDib RowOfColors(uint32_t colors, uint32_t more) {
 } // namespace
 
 TEST(OctreePalette, AgreesWithTheSlowTree) {
-    LockedDib random = RandomPicture(61, 47, kModeTrueColor, 1);
-    for (uint32_t wanted : {1u, 3u, 16u, 64u, 256u}) ExpectSlowPalette(random, wanted);
+    for (uint32_t wanted : {1u, 3u, 16u, 64u, 256u})
+        ExpectSlowPalette(RandomPicture(61, 47, kModeTrueColor, 1), wanted);
     // Colours around the middles of the upper cells, so that nodes go before their descendants do, and few enough for
     // equal errors. Every number of colours, since passes end between any two.
     for (uint32_t levels : {8u, 24u}) {
@@ -123,9 +121,8 @@ TEST(OctreePalette, AgreesWithTheSlowTree) {
         for (uint32_t &pixel : pixels) {
             for (int32_t c = 0; c < 3; c++) pixel = pixel << 8 | (128 - levels / 2 + TestRandom(&state) / 64 % levels);
             if (TestRandom(&state) / 64 % 4 == 0) pixel ^= 0x404040;
-            pixel &= 0xFFFFFF;
         }
-        LockedDib picture = MakePicture(50, 30, 24, pixels);
+        const LockedDib picture = MakePicture(50, 30, 24, pixels);
         for (uint32_t wanted = 1; wanted <= 256; wanted++) ExpectSlowPalette(picture, wanted);
     }
 }

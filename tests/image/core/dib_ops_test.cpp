@@ -4,24 +4,21 @@
 namespace lmf::testing {
 
 static constexpr uint32_t kDepths[] = {1, 4, 8, 24, 32};
+static constexpr auto OnesOf = [](uint32_t bits) { return kOutside >> (32 - bits); };
 
 TEST(DibCropRect, CopiesInsideAndReadsAllOnesOutside) {
-    struct Rect {
-        int32_t left, top, right, bottom;
-    };
+    static constexpr int32_t kRects[][4] = {{0, 0, 7, 5},  {2, 1, 5, 4},   {-3, -2, 9, 8},
+                                            {6, 4, 12, 5}, {-9, 0, -4, 3}, {INT32_MAX - 2, 0, INT32_MAX, 2}};
     for (uint32_t bits : kDepths) {
-        LockedDib picture = RandomDepth(7, 5, bits, 3);
-        const ReadView from = picture;
-        for (const Rect &rect : {Rect{0, 0, 7, 5}, Rect{2, 1, 5, 4}, Rect{-3, -2, 9, 8}, Rect{6, 4, 12, 5},
-                                 Rect{-9, 0, -4, 3}, Rect{INT32_MAX - 2, 0, INT32_MAX, 2}}) {
-            LockedDib cut(DibCropRect(picture, rect.left, rect.top, rect.right, rect.bottom));
+        const LockedDib picture = RandomDepth(7, 5, bits, 3);
+        for (const auto &[left, top, right, bottom] : kRects) {
+            const LockedDib cut(DibCropRect(picture, left, top, right, bottom));
             ASSERT_TRUE(cut);
             const ReadView to = cut;
-            ASSERT_TRUE(to.bits == bits && to.width == rect.right - rect.left && to.height == rect.bottom - rect.top);
-            const uint32_t ones = bits == 32 ? kOutside : (1u << bits) - 1;
-            ExpectPixels(cut, [&](int32_t x, int32_t y) {
-                const uint32_t pixel = DibGetPixel(from, rect.left + x, rect.top + y);
-                return pixel == kOutside ? ones : pixel;
+            ASSERT_TRUE(to.bits == bits && to.width == right - left && to.height == bottom - top);
+            ExpectPixels(cut, [&, left = left, top = top](int32_t x, int32_t y) {
+                const uint32_t pixel = DibGetPixel(picture, left + x, top + y);
+                return pixel == kOutside ? OnesOf(bits) : pixel;
             });
         }
     }
@@ -38,10 +35,9 @@ TEST(DibCropRect, RefusesEmptyTurnedAndGiganticRectangles) {
 TEST(DibFlips, ReverseRowsAndColumnsAtEveryDepth) {
     for (uint32_t bits : kDepths) {
         LockedDib picture = RandomDepth(11, 3, bits, 9);
-        LockedDib vertical(DibFlipVertical(picture)), horizontal(DibFlipHorizontal(picture));
-        const ReadView from = picture;
-        ExpectPixels(vertical, [&](int32_t x, int32_t y) { return DibGetPixel(from, x, 2 - y); });
-        ExpectPixels(horizontal, [&](int32_t x, int32_t y) { return DibGetPixel(from, 10 - x, y); });
+        const LockedDib vertical(DibFlipVertical(picture)), horizontal(DibFlipHorizontal(picture));
+        ExpectPixels(vertical, [&](int32_t x, int32_t y) { return DibGetPixel(picture, x, 2 - y); });
+        ExpectPixels(horizontal, [&](int32_t x, int32_t y) { return DibGetPixel(picture, 10 - x, y); });
     }
 }
 
@@ -53,22 +49,19 @@ TEST(DibFillRect, ClipsAndKeepsNeighbours) {
         DibFillRect(lock, -5, -5, 6, 7, kOutside);
         DibFillRect(lock, 0, 0, -4, 9, kOutside);
         DibFillRect(lock, 0, 0, 9, 0, kOutside);
-        const uint32_t ones = bits == 32 ? kOutside : (1u << bits) - 1;
-        ExpectPixels(picture, [&](int32_t x, int32_t y) { return (x >= 3 && y >= 4) || (x < 1 && y < 2) ? ones : 0; });
+        ExpectPixels(picture,
+                     [&](int32_t x, int32_t y) { return (x >= 3 && y >= 4) || (x < 1 && y < 2) ? OnesOf(bits) : 0; });
     }
 }
 
 TEST(DibFillAround, SparesTheRectangleWhereverItLies) {
-    struct Case {
-        int32_t x, y, width, height;
-    };
-    static constexpr Case kCases[] = {
+    static constexpr int32_t kCases[][4] = {
         {2, 1, 4, 3},  {-3, -2, 6, 5}, {5, 4, 99, 99}, {0, 0, 9, 7},  {3, 2, 0, 5},
         {20, 1, 4, 4}, {1, -9, 3, 4},  {-9, 30, 2, 2}, {1, 1, -4, 2}, {INT32_MAX, INT32_MIN, INT32_MAX, INT32_MAX}};
     for (const auto &[left, top, width, height] : kCases) {
         const LockedDib picture = MakePicture(9, 7, 4);
         DibFillAround(picture.View(), left, top, width, height, 5);
-        ExpectPixels(picture, [&](int64_t x, int64_t y) {
+        ExpectPixels(picture, [&, left = left, top = top, width = width, height = height](int64_t x, int64_t y) {
             const bool inside = x >= left && x < int64_t{left} + width && y >= top && y < int64_t{top} + height;
             return inside ? 0u : 5u;
         });
@@ -97,12 +90,11 @@ TEST(DibCopyRect, CopiesOnlyWhereBothPicturesHavePixels) {
     };
     for (uint32_t fromBits : kDepths) {
         for (uint32_t toBits : kDepths) {
-            LockedDib source = RandomDepth(6, 5, fromBits, 4);
-            const ReadView from = source;
+            const LockedDib from = RandomDepth(6, 5, fromBits, 4);
             for (const Place &place :
                  {Place{1, 1, 0, 0, 3, 2}, Place{-2, -1, 1, 0, 6, 5}, Place{5, 2, -1, 3, 9, 9},
                   Place{0, 0, INT32_MIN, 0, INT32_MAX, 4}, Place{INT32_MAX, 0, 0, 0, INT32_MAX, INT32_MAX}}) {
-                LockedDib target = RandomDepth(7, 4, toBits, 8);
+                const LockedDib target = RandomDepth(7, 4, toBits, 8);
                 const WriteView &to = target.View();
                 const LockedDib expected = PictureLike(target, [&](int64_t x, int64_t y) {
                     const int64_t i = x - place.toX, k = y - place.toY;
@@ -124,9 +116,8 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
     const int32_t width = 301, height = 3;
     const Color paper = 0x20C0F1;
     for (uint32_t bits : {24u, 32u}) {
-        LockedDib picture = RandomDepth(width, height, bits, 6);
-        const ReadView from = picture;
-        const auto pixel = [&](int32_t x, int32_t y) { return DibGetPixel(from, x, y); };
+        const LockedDib picture = RandomDepth(width, height, bits, 6);
+        const auto pixel = [&](int32_t x, int32_t y) { return DibGetPixel(picture, x, y); };
         ExpectPixels(LockedDib(DibToGrey(picture)),
                      [&](int32_t x, int32_t y) { return static_cast<uint32_t>(WeightedGrey(pixel(x, y) & 0xFFFFFF)); });
         ExpectPixels(LockedDib(DibToRgb(picture)), [&](int32_t x, int32_t y) { return pixel(x, y) & 0xFFFFFF; });
@@ -137,14 +128,13 @@ TEST(DibConversions, AgreeWithTheArithmeticPixelByPixel) {
                      [&](int32_t x, int32_t y) { return MixBytes(paper, 0x804001, pixel(x, y) & 255); });
         for (uint32_t maskBits : kDepths) {
             // Smaller than the picture: outside, the mask counts as full.
-            LockedDib mask = RandomDepth(maskBits == 8 ? width : width - 9, height - 1, maskBits, 2);
-            const ReadView maskLock = mask;
+            const LockedDib mask = RandomDepth(maskBits == 8 ? width : width - 9, height - 1, maskBits, 2);
             const LockedDib tinted(DibTintByMask(picture, mask, paper));
             ASSERT_EQ(!tinted, bits == 32);
-            if (!tinted) continue;
-            ExpectPixels(tinted, [&](int32_t x, int32_t y) {
-                return MixBytes(pixel(x, y), paper, DibGetPixel(maskLock, x, y) & 255);
-            });
+            if (tinted)
+                ExpectPixels(tinted, [&](int32_t x, int32_t y) {
+                    return MixBytes(pixel(x, y), paper, DibGetPixel(mask, x, y) & 255);
+                });
         }
     }
 }
