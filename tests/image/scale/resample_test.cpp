@@ -72,7 +72,8 @@ TEST(Resample, IsBitForBitThePlainRoad) {
                                       {70, 90, 30, 90, 1.0},  {30, 90, 70, 90, 1.0},  {21, 50, 21, 139, 1.0}};
     for (const auto &[width, height, newWidth, newHeight, blur] : kCases) {
         for (const uint32_t bits : {24u, 8u, 32u}) {
-            const LockedDib source = RandomDepth(width, height, bits, 3);
+            const LockedDib source =
+                bits == 8 ? RandomPicture(width, height, kModePalette, 4) : RandomDepth(width, height, bits, 3);
             for (int32_t window = 0; window < 16; window++) {
                 const LockedDib fast(DibScale(source, newWidth, newHeight, window, blur));
                 ASSERT_TRUE(SamePicture(fast, ReferenceScale(source, newWidth, newHeight, window, blur)))
