@@ -25,14 +25,13 @@ LockedDib FrameDefinition(const ReadView &source, const FilterContext &context) 
     for (int32_t side = 0; side < 4; side++) {
         const bool lit = side % 2 == 0;
         for (int32_t k = 0; k < t; k++) {
-            Color tone = paper;
-            if (k < b) tone = lit ? (k == b - 1 ? l1 : l2) : (k == b - 1 ? d2 : d1);
-            if (k >= b + m) tone = lit ? (k == b + m ? d2 : d1) : (k == b + m ? l1 : l2);
-            if (side < 2) {
-                for (int32_t x = k; x <= width - k; x++) DibSetPixel(result.View(), x, lit ? k : height - 1 - k, tone);
-            } else {
-                for (int32_t y = k; y <= height - k; y++) DibSetPixel(result.View(), lit ? k : width - 1 - k, y, tone);
-            }
+            // The edges of the matte have the second tones.
+            const bool isNear = k == b - 1 || k == b + m, isLight = lit == (k < b);
+            const Color bevel = isLight ? (isNear ? l1 : l2) : (isNear ? d2 : d1);
+            const Color tone = k < b || k >= b + m ? bevel : paper;
+            const int32_t length = side < 2 ? width : height, across = lit ? k : width + height - length - 1 - k;
+            for (int32_t i = k; i <= length - k; i++)
+                DibSetPixel(result.View(), side < 2 ? i : across, side < 2 ? across : i, tone);
         }
     }
     return result;
@@ -47,12 +46,9 @@ LockedDib RoundDefinition(const ReadView &source, const FilterContext &context) 
         for (int32_t k = 0; k < n; k++) {
             const auto t = static_cast<uint32_t>(128.0 + k * (lightens ? 126.0 : 127.0) / n);
             const auto tone = [&](int32_t x, int32_t y) {
-                const uint32_t pixel = DibGetPixel(result, x, y);
                 uint32_t toned = 0;
-                for (int32_t shift = 0; shift < 24; shift += 8) {
-                    const uint32_t channel = (pixel >> shift & 255) * t / 255;
-                    toned |= (channel + (lightens ? (255 - t) * 255 / 255 : 0)) << shift;
-                }
+                for (int32_t shift = 0; shift < 24; shift += 8)
+                    toned |= ((DibGetPixel(result, x, y) >> shift & 255) * t / 255 + (lightens ? 255 - t : 0)) << shift;
                 DibSetPixel(result.View(), x, y, toned);
             };
             for (int32_t y = height - k - 1; y > k; y--) tone(upperLeft ? k : width - k - 1, y);
@@ -62,21 +58,30 @@ LockedDib RoundDefinition(const ReadView &source, const FilterContext &context) 
     return result;
 }
 
-int32_t RaiseRule(int32_t channel, int32_t width, int32_t height, const FilterContext &context, int32_t x, int32_t y) {
+Color RaiseRule(const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
+    const int32_t width = from.width, height = from.height;
     const int32_t s = std::min(width, height) * context.FilterRaiseSize / 100;
     const int32_t a = context.FilterRaiseRaise ? 255 : 0, b = 255 - a;
+    const Color pixel = DibGetPixel(from, x, y);
     const auto shaded = [&](int32_t weight, int32_t light) {
-        return static_cast<int32_t>(Shaded(static_cast<Color>(channel), weight, (255 - weight) * light) & 255);
+        return Shaded(pixel, weight, (255 - weight) * light) & (from.bits == 8 ? 255 : 0xFFFFFF);
     };
     if (y < s) return x < y ? shaded(190, a) : x < width - y ? shaded(135, a) : shaded(190, b);
-    if (y < height - s) return x < s ? shaded(190, a) : x < width - s ? channel : shaded(190, b);
+    if (y < height - s) return x < s ? shaded(190, a) : x < width - s ? pixel : shaded(190, b);
     return x < height - y ? shaded(190, a) : x < width - height + y ? shaded(135, b) : shaded(190, b);
 }
 
 } // namespace
 
-TEST(Frame, DrawsItsSidesInTurn) {
+TEST(Frames, DrawRingsAndFaces) {
     ExpectDefinition("Frame", {.kinds = {Kind::Color, Kind::Alpha}}, FrameDefinition);
+    ExpectDefinition("Round", {.kinds = {Kind::Color, Kind::Alpha}}, RoundDefinition);
+    ExpectDefinition("Raise", {.kinds = {Kind::Color, Kind::Grey}}, ByPixel(RaiseRule));
+    // What Raise shades loses its alpha, what it does not keeps it.
+    const LockedDib clear = MakePicture(5, 5, 32, Pixels(25, 0x40302010));
+    const LockedDib raised = RunKernel("Raise", clear, {{&P::FilterRaiseSize, 20}});
+    EXPECT_EQ(DibGetPixel(raised, 2, 2), 0x40302010u);
+    EXPECT_EQ(DibGetPixel(raised, 2, 0), 0x918980u);
 }
 
 TEST(Frame, WorkedExample) {
@@ -84,98 +89,53 @@ TEST(Frame, WorkedExample) {
     FilterContext context = ContextWith({{&P::FilterFrameBevel, 2}, {&P::FilterFrameMatte, 2}});
     context.paperColor = 0x0080FF;
     const LockedDib framed = RunKernel("Frame", source, context);
-    ASSERT_EQ(ReadView(framed).width, 13);
     // The middle row: outer bevel, matte, inner bevel, picture, and back.
     const Pixels row = {0x7DBEFF, 0x50A8FF, 0x0080FF, 0x0080FF, 0x00376E, 0x004487, 0x102030,
                         0x7DBEFF, 0x50A8FF, 0x0080FF, 0x0080FF, 0x00376E, 0x004487};
-    for (int32_t x = 0; x < 13; x++) EXPECT_EQ(DibGetPixel(framed, x, 6), row[static_cast<size_t>(x)]) << x;
+    const Pixels pixels = PixelsOf(framed);
+    ASSERT_EQ(pixels.size(), 169u);
+    EXPECT_EQ(Pixels(&pixels[78], &pixels[91]), row);
     // The upper left corner belongs to the left side, the other three to the bottom or the right.
-    EXPECT_EQ(DibGetPixel(framed, 0, 0), 0x7DBEFFu);
-    EXPECT_EQ(DibGetPixel(framed, 12, 0), 0x004487u);
-    EXPECT_EQ(DibGetPixel(framed, 0, 12), 0x7DBEFFu);
-    EXPECT_EQ(DibGetPixel(framed, 12, 12), 0x004487u);
-}
-
-TEST(Round, TonesRingAfterRing) {
-    ExpectDefinition("Round", {.kinds = {Kind::Color, Kind::Alpha}}, RoundDefinition);
-}
-
-TEST(Raise, ShadesFourFaces) {
-    ExpectDefinition("Raise", {.kinds = {Kind::Color, Kind::Grey}},
-                     ByPixel([](const ReadView &from, const FilterContext &context, int32_t x, int32_t y) {
-                         const uint32_t pixel = DibGetPixel(from, x, y);
-                         const auto shaded = [&](uint32_t channel) {
-                             return static_cast<uint32_t>(
-                                 RaiseRule(static_cast<int32_t>(channel), from.width, from.height, context, x, y));
-                         };
-                         if (from.bits == 8) return shaded(pixel);
-                         return PackColor(shaded(RedOf(pixel)), shaded(GreenOf(pixel)), shaded(BlueOf(pixel)));
-                     }));
-    // What is shaded loses its alpha, what is not keeps it.
-    const LockedDib clear = MakePicture(5, 5, 32, Pixels(25, 0x40302010));
-    const LockedDib raised = RunKernel("Raise", clear, {{&P::FilterRaiseSize, 20}});
-    EXPECT_EQ(DibGetPixel(raised, 2, 2), 0x40302010u);
-    EXPECT_EQ(DibGetPixel(raised, 2, 0), 0x918980u);
+    EXPECT_TRUE(pixels[0] == 0x7DBEFF && pixels[12] == 0x004487 && pixels[156] == 0x7DBEFF && pixels[168] == 0x004487);
 }
 
 TEST(Matt, PlacesThePictureOnTheSheet) {
     struct Case {
-        Setting first, second, third;
+        int32_t absolute, size, across, down;
         int32_t width, height, x, y;
     };
-    const auto size = [](int32_t v) { return Setting{&P::FilterMattSize, v}; };
-    const auto across = [](int32_t v) { return Setting{&P::FilterMattXOffset, v}; };
-    const auto down = [](int32_t v) { return Setting{&P::FilterMattYOffset, v}; };
-    const Case cases[] = {
-        {size(20), across(100), down(100), 11, 7, 1, 1}, {size(9), across(0), down(0), 9, 5, 0, 0},
-        {size(50), across(0), down(200), 17, 13, 0, 8},  {size(100), across(133), down(66), 27, 23, 11, 6},
-        {size(35), across(101), down(99), 15, 11, 3, 3},
-    };
+    // The last one has a size of its own and is narrower than the picture.
+    static constexpr Case kCases[] = {{0, 20, 100, 100, 11, 7, 1, 1}, {0, 9, 0, 0, 9, 5, 0, 0},
+                                      {0, 50, 0, 200, 17, 13, 0, 8},  {0, 100, 133, 66, 27, 23, 11, 6},
+                                      {0, 35, 101, 99, 15, 11, 3, 3}, {1, 35, 100, 50, 4, 10, -2, 1}};
     const LockedDib source = RandomPicture(9, 5, kModeTrueColor, 4);
-    for (const Case &c : cases) {
-        FilterContext context = ContextWith({c.first, c.second, c.third});
+    for (const Case &c : kCases) {
+        FilterContext context = ContextWith({{&P::FilterMattAbsolute, c.absolute},
+                                             {&P::FilterMattSize, c.size},
+                                             {&P::FilterMattXOffset, c.across},
+                                             {&P::FilterMattYOffset, c.down},
+                                             {&P::FilterMattWidth, 4},
+                                             {&P::FilterMattDepth, 10}});
         context.paperColor = 0x123456;
         const LockedDib matted = RunKernel("Matt", source, context);
-        ASSERT_EQ(ReadView(matted).width, c.width);
-        ASSERT_EQ(ReadView(matted).height, c.height);
+        ASSERT_TRUE(ReadView(matted).width == c.width && ReadView(matted).height == c.height);
         ExpectPixels(matted, [&](int32_t x, int32_t y) {
             const uint32_t pixel = DibGetPixel(source, x - c.x, y - c.y);
             return pixel == kOutside ? 0x123456u : pixel;
         });
     }
-}
-
-TEST(Matt, AbsoluteSizesMayCutThePicture) {
-    const LockedDib source = RandomPicture(9, 8, kModeGrey, 4);
-    FilterContext context = ContextWith({{&P::FilterMattAbsolute, 1}, {&P::FilterMattYOffset, 50}});
-    context.FilterMattWidth = 4;
-    context.FilterMattDepth = 13;
-    context.paperColor = 0x0000FF;
-    const LockedDib matted = RunKernel("Matt", source, context);
-    ASSERT_EQ(ReadView(matted).width, 4);
-    ASSERT_EQ(ReadView(matted).height, 13);
-    ExpectPixels(matted, [&](int32_t x, int32_t y) {
-        const uint32_t pixel = DibGetPixel(source, x + 2, y - 1);
-        return pixel == kOutside ? 77u : pixel;
-    });
     // A page of its own for every picture: the sheet starts at the picture's size.
+    FilterContext context = MakeContext();
     context.width = 31;
     context.height = 17;
     LoadPage(*EntryOf("Matt").filter, context);
-    EXPECT_EQ(context.FilterMattWidth, 31);
-    EXPECT_EQ(context.FilterMattDepth, 17);
+    EXPECT_TRUE(context.FilterMattWidth == 31 && context.FilterMattDepth == 17);
 }
 
 TEST(Matt, FillsInTheTermsOfTheMode) {
     Palette768 palette = {};
-    palette.rgb[3] = 250;
-    palette.rgb[7] = 250;
-    struct Case {
-        LockedDib source;
-        Color paper;
-        uint32_t fill;
-    };
-    const Case cases[] = {
+    palette.rgb[3] = palette.rgb[7] = 250;
+    const std::tuple<LockedDib, Color, uint32_t> cases[] = {
         {MakePicture(3, 3, 1), 0xFEFEFE, 0},
         {MakePicture(3, 3, 1), 0xFFFFFF, 1},
         {MakePicture(3, 3, 8), 0x646464, 100},
@@ -184,13 +144,11 @@ TEST(Matt, FillsInTheTermsOfTheMode) {
         {MakePalettePicture(3, 3, 4, palette), 0x0000F0, 1},
         {MakePicture(3, 3, 32), 0xABCDEF, 0xABCDEF},
     };
-    for (const Case &c : cases) {
+    for (const auto &[source, paper, fill] : cases) {
         FilterContext context = ContextWith({{&P::FilterMattSize, 50}});
-        context.paperColor = c.paper;
-        const LockedDib matted = RunKernel("Matt", c.source, context);
-        ExpectPixels(matted, [&](int32_t x, int32_t y) {
-            const bool inside = x >= 1 && x < 4 && y >= 1 && y < 4;
-            return inside ? 0 : c.fill;
+        context.paperColor = paper;
+        ExpectPixels(RunKernel("Matt", source, context), [&, &source = source, fill = fill](int32_t x, int32_t y) {
+            return DibGetPixel(source, x - 1, y - 1) == kOutside ? fill : 0;
         });
     }
 }

@@ -10,31 +10,25 @@ namespace {
 
 constexpr Color kPaper = 0x40FF80;
 
-/// The coverage that Alpha leaves of a picture without a second one.
+/// The coverage that Alpha leaves of a picture without a second one; a second one is multiplied with it.
 LockedDib CoverageOf(int32_t width, int32_t height, const std::vector<Setting> &settings) {
     FilterContext context = ContextWith(settings);
     context.FilterShapeMaskAlpha = 1;
     const LockedDib source = RandomPicture(width, height, kModeTrueColor, 1);
-    const DirectRun run(RowOf("Shape mask"), source, LockedDib(), context);
+    const LockedDib alpha = RandomPicture(width, height, kModeGrey, 2);
+    const DirectRun run(RowOf("Shape mask"), source, LockedDib(), context),
+        both(RowOf("Shape mask"), source, alpha, context);
     EXPECT_TRUE(run.good && SamePicture(run.Result().view, source));
-    return LockedDib(DibClone(run.Second().view));
-}
-
-/// Sum of the levels in whole pixels.
-double AreaOf(const LockedDib &coverage) {
-    double area = 0;
-    ForEachPixel(coverage, [&](int32_t x, int32_t y) { area += DibGetPixel(coverage, x, y) / 255.0; });
-    return area;
+    LockedDib coverage(DibClone(run.Second().view));
+    ExpectPixels(LockedDib(DibClone(both.Second().view)),
+                 [&](int32_t x, int32_t y) { return DibGetPixel(alpha, x, y) * DibGetPixel(coverage, x, y) / 255; });
+    return coverage;
 }
 
 LockedDib Masked(const ReadView &source, const std::vector<Setting> &settings) {
     FilterContext context = ContextWith(settings);
     context.paperColor = kPaper;
     return RunKernel("Shape mask", source, context);
-}
-
-LockedDib Flat(int32_t width, int32_t height) {
-    return LockedDib(DibCreateSolid(width, height, 0xFFFFFF));
 }
 
 } // namespace
@@ -47,13 +41,15 @@ TEST(ShapeMask, ShapesHaveTheirAreasAndSmoothEdges) {
     for (int32_t shape = 0; shape < 6; shape++) {
         const LockedDib coverage =
             CoverageOf(211, 97, {{&P::FilterShapeMaskShape, shape}, {&P::FilterShapeMaskSize, 60}});
-        EXPECT_NEAR(AreaOf(coverage), areas[shape], kBox / 300) << shape;
         std::set<uint32_t> levels;
+        double area = 0;
         ForEachPixel(coverage, [&](int32_t x, int32_t y) {
             const uint32_t level = DibGetPixel(coverage, x, y);
             levels.insert(level);
+            area += level / 255.0;
             ASSERT_EQ(level, DibGetPixel(coverage, 210 - x, y)) << shape << ": left and right are alike";
         });
+        EXPECT_NEAR(area, areas[shape], kBox / 300) << shape;
         EXPECT_GE(levels.size(), shape == 1 ? 2u : 16u) << shape;
     }
 }
@@ -94,43 +90,29 @@ TEST(ShapeMask, TheRestTakesThePaperByItsOpacity) {
 }
 
 TEST(ShapeMask, ALineRunsAlongTheOutlineHalfInside) {
+    const LockedDib source(DibCreateSolid(200, 161, 0xFFFFFF));
     for (int32_t shape = 0; shape < 6; shape++) {
-        const LockedDib masked = Masked(Flat(200, 161), {{&P::FilterShapeMaskShape, shape},
-                                                         {&P::FilterShapeMaskSize, 60},
-                                                         {&P::FilterShapeMaskLineSize, 8},
-                                                         {&P::FilterShapeMaskLineColor, 0x0000FF}});
+        const LockedDib masked = Masked(source, {{&P::FilterShapeMaskShape, shape},
+                                                 {&P::FilterShapeMaskSize, 60},
+                                                 {&P::FilterShapeMaskLineSize, 8},
+                                                 {&P::FilterShapeMaskLineColor, 0x0000FF}});
         // Across its lower edge, where all shapes but the diamond are level in the middle.
-        if (shape != 4) {
-            for (int32_t y = 120; y < 140; y++) {
-                const Color expected = y < 125 ? 0xFFFFFF : y > 132 ? kPaper : 0x0000FF;
-                if (y != 124 && y != 132) {
-                    EXPECT_EQ(DibGetPixel(masked, 100, y), expected) << shape << ' ' << y;
-                }
-            }
+        for (int32_t y = 120; y < 140 && shape != 4; y++) {
+            const Color expected = y < 125 ? 0xFFFFFF : y > 132 ? kPaper : 0x0000FF;
+            if (y != 124 && y != 132) EXPECT_EQ(DibGetPixel(masked, 100, y), expected) << shape << ' ' << y;
         }
         // Along the middle row the slanted lines are wider than the pen, and no line has a gap.
-        double line = 0;
+        int32_t line = 0;
         for (int32_t x = 0; x < 100; x++) {
             const Color pixel = DibGetPixel(masked, x, 80);
-            if (pixel != 0xFFFFFF && pixel != kPaper) line++;
+            line += pixel != 0xFFFFFF && pixel != kPaper ? 1 : 0;
         }
-        EXPECT_GE(line, 8) << shape;
-        EXPECT_LE(line, 16) << shape;
+        EXPECT_TRUE(line >= 8 && line <= 16) << shape << ' ' << line;
     }
     // A line wider than the shape leaves nothing inside.
-    const LockedDib solid = Masked(Flat(21, 21), {{&P::FilterShapeMaskSize, 50}, {&P::FilterShapeMaskLineSize, 32}});
-    ExpectPixels(solid, [](int32_t, int32_t) { return 0u; });
-}
-
-TEST(ShapeMask, TheSecondPictureIsMultiplied) {
-    const LockedDib source = RandomPicture(30, 20, kModeTrueColor, 4), alpha = RandomPicture(30, 20, kModeGrey, 5);
-    const LockedDib coverage = CoverageOf(30, 20, {});
-    FilterContext context = ContextWith({{&P::FilterShapeMaskAlpha, 1}});
-    const DirectRun run(RowOf("Shape mask"), source, alpha, context);
-    const DibReadLock second = run.Second();
-    ForEachPixel(alpha, [&](int32_t x, int32_t y) {
-        ASSERT_EQ(DibGetPixel(second.view, x, y), DibGetPixel(alpha, x, y) * DibGetPixel(coverage, x, y) / 255);
-    });
+    const LockedDib small(DibCreateSolid(21, 21, 0xFFFFFF));
+    ExpectPixels(Masked(small, {{&P::FilterShapeMaskSize, 50}, {&P::FilterShapeMaskLineSize, 32}}),
+                 [](int32_t, int32_t) { return 0u; });
 }
 
 } // namespace lmf::testing

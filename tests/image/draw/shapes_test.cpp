@@ -9,8 +9,9 @@ namespace lmf::testing {
 
 namespace {
 
-using Rows = std::vector<std::string>;
 using Covers = std::function<bool(int64_t x, int64_t y)>;
+/// The definition of a shape that is grown by a margin.
+using Inside = std::function<bool(int64_t margin, int64_t x, int64_t y)>;
 
 /// Is the pixel in one of the row's spans? Sees to it that these are in order.
 template <typename Shape>
@@ -26,29 +27,25 @@ bool Holds(const Shape &shape, int64_t x, int64_t y) {
     return holds;
 }
 
-/// The pixels 0 <= x < width, 0 <= y < height of a shape.
-template <typename Shape>
-Rows Drawn(const Shape &shape, int32_t width, int32_t height) {
-    Rows rows(static_cast<size_t>(height), std::string(static_cast<size_t>(width), '.'));
-    for (int32_t y = 0; y < height; y++) {
-        for (int32_t x = 0; x < width; x++)
-            if (Holds(shape, x, y)) rows[static_cast<size_t>(y)][static_cast<size_t>(x)] = '#';
-    }
-    return rows;
-}
-
 /// Compares every pixel of a window.
 template <typename Shape>
 void ExpectCovers(const Shape &shape, const Covers &covers, int64_t first, int64_t end) {
-    for (int64_t y = first; y < end; y++) {
-        std::vector<bool> row(static_cast<size_t>(end - first));
-        ForEachSpan(shape, y, [&](const RowSpan &span) {
-            for (int64_t x = std::max(span.left, first); x < std::min(span.right, end); x++)
-                row[static_cast<size_t>(x - first)] = true;
-        });
-        for (int64_t x = first; x < end; x++)
-            ASSERT_EQ(row[static_cast<size_t>(x - first)], covers(x, y)) << x << ',' << y;
-    }
+    for (int64_t y = first; y < end; y++)
+        for (int64_t x = first; x < end; x++) ASSERT_EQ(Holds(shape, x, y), covers(x, y)) << x << ',' << y;
+}
+
+/// The same with a drawing that has its upper left corner at the origin.
+template <typename Shape>
+void ExpectDrawn(const Shape &shape, const std::vector<std::string> &rows) {
+    const auto inside = [&](int64_t x, int64_t y) {
+        return y >= 0 && y < std::ssize(rows) && x >= 0 && x < std::ssize(rows[static_cast<size_t>(y)]);
+    };
+    ExpectCovers(
+        shape,
+        [&](int64_t x, int64_t y) {
+            return inside(x, y) && rows[static_cast<size_t>(y)][static_cast<size_t>(x)] == '#';
+        },
+        -3, 10);
 }
 
 /// Compares the pixels on both sides of all ends of spans, and some others, in some rows.
@@ -59,12 +56,11 @@ void ExpectCoversSome(const Shape &shape, const Covers &covers, uint32_t *random
         return end > first ? first + static_cast<int64_t>(far % static_cast<uint64_t>(end - first)) : first;
     };
     const DrawBox &box = shape.bounds;
-    for (int i = 0; i < 12; i++) {
-        const int64_t ends[] = {
-            box.top - 1, box.top, box.top + 1, box.bottom - 2, box.bottom - 1, box.bottom, (box.top + box.bottom) / 2};
-        const int64_t y = i < 7 ? ends[i] : between(box.top, box.bottom);
-        std::vector<int64_t> columns = {box.left, box.right, between(box.left, box.right),
-                                        between(box.left, box.right)};
+    std::vector<int64_t> rows = {
+        box.top - 1, box.top, box.top + 1, box.bottom - 2, box.bottom - 1, box.bottom, (box.top + box.bottom) / 2};
+    while (rows.size() < 12) rows.push_back(between(box.top, box.bottom));
+    for (const int64_t y : rows) {
+        std::vector<int64_t> columns = {box.left, box.right, between(box.left, box.right)};
         ForEachSpan(shape, y, [&](const RowSpan &span) {
             columns.insert(columns.end(), {span.left - 1, span.left, span.right - 1, span.right});
         });
@@ -88,19 +84,13 @@ Product Multiply(WideUint a, WideUint b) {
 }
 
 Product Square(WideInt value) {
-    return Multiply(static_cast<WideUint>(value < 0 ? -value : value),
-                    static_cast<WideUint>(value < 0 ? -value : value));
+    const auto size = static_cast<WideUint>(value < 0 ? -value : value);
+    return Multiply(size, size);
 }
 
 Product operator+(const Product &a, const Product &b) {
     const WideUint low = a.low + b.low;
     return {a.high + b.high + (low < a.low ? 1 : 0), low};
-}
-
-DrawBox Turned(DrawBox box) {
-    if (box.left > box.right) std::swap(box.left, box.right);
-    if (box.top > box.bottom) std::swap(box.top, box.bottom);
-    return box;
 }
 
 bool InBox(const DrawBox &box, int64_t x, int64_t y) {
@@ -117,44 +107,43 @@ bool InEllipse(const DrawBox &box, int64_t x, int64_t y) {
 
 bool InRoundRect(const DrawBox &box, int64_t cw, int64_t ch, int64_t x, int64_t y) {
     if (!InBox(box, x, y)) return false;
-    cw = std::clamp<int64_t>(cw, 0, box.Width());
-    ch = std::clamp<int64_t>(ch, 0, box.Height());
     for (const bool right : {false, true}) {
         for (const bool bottom : {false, true}) {
             const int64_t left = right ? box.right - cw : box.left, top = bottom ? box.bottom - ch : box.top;
             // Is the pixel's centre in the half of the corner's ellipse that lies towards the corner?
-            const bool inX = right ? 2 * x + 1 > 2 * left + cw : 2 * x + 1 < 2 * left + cw;
-            const bool inY = bottom ? 2 * y + 1 > 2 * top + ch : 2 * y + 1 < 2 * top + ch;
-            if (inX && inY && !InEllipse({left, top, left + cw, top + ch}, x, y)) return false;
+            const int64_t dx = 2 * (x - left) + 1 - cw, dy = 2 * (y - top) + 1 - ch;
+            if ((right ? dx > 0 : dx < 0) && (bottom ? dy > 0 : dy < 0) &&
+                !InEllipse({left, top, left + cw, top + ch}, x, y))
+                return false;
         }
     }
     return true;
 }
 
-/// What a pen leaves: `inside(margin, x, y)` is the shape grown by a margin.
-Covers Penned(int64_t outer, int64_t inner, const std::function<bool(int64_t, int64_t, int64_t)> &inside) {
-    return [=](int64_t x, int64_t y) { return inside(outer, x, y) && !inside(-inner, x, y); };
-}
-
-/// Expects a box shape and its outlines to hold what the definition `inside(margin, x, y)` says.
+/// Expects a box shape and its outlines to hold what the definition says.
 template <typename Shape, typename Check>
-void ExpectWithOutlines(const Shape &shape, int32_t pen, const std::function<bool(int64_t, int64_t, int64_t)> &inside,
-                        Check check) {
+void ExpectWithOutlines(const Shape &shape, int32_t pen, const Inside &inside, Check check) {
     const int64_t width = std::max(pen, 0);
+    const auto penned = [&](int64_t outer, int64_t inner) {
+        return [=, &inside](int64_t x, int64_t y) { return inside(outer, x, y) && !inside(-inner, x, y); };
+    };
     check(shape, [&](int64_t x, int64_t y) { return inside(0, x, y); });
-    check(Outline(shape, pen), Penned(width / 2, width - width / 2, inside));
-    check(InsideFrame(shape, pen), Penned(0, width, inside));
+    check(Outline(shape, pen), penned(width / 2, width - width / 2));
+    check(InsideFrame(shape, pen), penned(0, width));
 }
 
 template <typename Check>
 void ExpectBoxShapes(const DrawBox &box, int64_t cornerWidth, int64_t cornerHeight, int32_t pen, Check check) {
-    SCOPED_TRACE(std::to_string(box.left) + "," + std::to_string(box.top) + "," + std::to_string(box.right) + "," +
-                 std::to_string(box.bottom) + " corners " + std::to_string(cornerWidth) + "," +
-                 std::to_string(cornerHeight) + " pen " + std::to_string(pen));
-    const DrawBox turned = Turned(box);
-    const auto grown = [=](int64_t margin) {
-        return DrawBox{turned.left - margin, turned.top - margin, turned.right + margin, turned.bottom + margin};
+    SCOPED_TRACE(::testing::PrintToString(
+        std::array{box.left, box.top, box.right, box.bottom, cornerWidth, cornerHeight, int64_t{pen}}));
+    const auto grown = [&](int64_t m) {
+        return DrawBox{std::min(box.left, box.right) - m, std::min(box.top, box.bottom) - m,
+                       std::max(box.left, box.right) + m, std::max(box.top, box.bottom) + m};
     };
+    const auto corner = [](int64_t size, int64_t side, int64_t m) {
+        return std::clamp<int64_t>(std::clamp<int64_t>(size, 0, side) + 2 * m, 0, std::max<int64_t>(side + 2 * m, 0));
+    };
+    const DrawBox ordered = grown(0);
     ExpectWithOutlines(
         RectangleShape(box), pen, [=](int64_t m, int64_t x, int64_t y) { return InBox(grown(m), x, y); }, check);
     ExpectWithOutlines(
@@ -162,11 +151,8 @@ void ExpectBoxShapes(const DrawBox &box, int64_t cornerWidth, int64_t cornerHeig
     ExpectWithOutlines(
         RoundRectShape(box, cornerWidth, cornerHeight), pen,
         [=](int64_t m, int64_t x, int64_t y) {
-            const auto corner = [=](int64_t size, int64_t side) {
-                return std::max<int64_t>(std::clamp<int64_t>(size, 0, side) + 2 * m, 0);
-            };
-            return InRoundRect(grown(m), corner(cornerWidth, turned.Width()), corner(cornerHeight, turned.Height()), x,
-                               y);
+            return InRoundRect(grown(m), corner(cornerWidth, ordered.Width(), m),
+                               corner(cornerHeight, ordered.Height(), m), x, y);
         },
         check);
 }
@@ -253,52 +239,31 @@ int32_t Near(uint32_t *random, int32_t least, int32_t most) {
 } // namespace
 
 TEST(Shapes, SmallOnesByHand) {
-    EXPECT_EQ(Drawn(EllipseShape({0, 0, 4, 4}), 5, 4), (Rows{".##..", "####.", "####.", ".##.."}));
-    EXPECT_EQ(Drawn(EllipseShape({7, 3, 0, 0}), 7, 3), (Rows{".#####.", "#######", ".#####."}));
-    EXPECT_EQ(Drawn(RoundRectShape({0, 0, 8, 4}, 4, 4), 8, 4), (Rows{".######.", "########", "########", ".######."}));
-    EXPECT_EQ(Drawn(Outline(RectangleShape({2, 2, 6, 5}), 2), 8, 7),
-              (Rows{"........", ".######.", ".######.", ".##..##.", ".######.", ".######.", "........"}));
-    EXPECT_EQ(Drawn(InsideFrame(RectangleShape({1, 0, 6, 4}), 1), 7, 4),
-              (Rows{".#####.", ".#...#.", ".#...#.", ".#####."}));
-    EXPECT_EQ(Drawn(InsideFrame(RectangleShape({1, 0, 6, 4}), 2), 7, 4),
-              (Rows{".#####.", ".#####.", ".#####.", ".#####."}));
+    ExpectDrawn(EllipseShape({7, 3, 0, 0}), {".#####.", "#######", ".#####."});
+    ExpectDrawn(RoundRectShape({0, 0, 8, 4}, 4, 4), {".######.", "########", "########", ".######."});
+    ExpectDrawn(Outline(RectangleShape({2, 2, 6, 5}), 2),
+                {"", ".######.", ".######.", ".##..##.", ".######.", ".######."});
+    ExpectDrawn(InsideFrame(RectangleShape({1, 0, 6, 4}), 1), {".#####.", ".#...#.", ".#...#.", ".#####."});
 
-    const DrawPoint triangle[] = {{0, 0}, {4, 0}, {0, 4}};
-    EXPECT_EQ(Drawn(PolygonShape(triangle, PolygonFill::kWinding), 4, 4), (Rows{"###.", "##..", "#...", "...."}));
     const DrawPoint twice[] = {{0, 0}, {6, 0}, {6, 4}, {0, 4}, {0, 0}, {2, 1}, {4, 1}, {4, 3}, {2, 3}, {2, 1}};
-    EXPECT_EQ(Drawn(PolygonShape(twice, PolygonFill::kAlternate), 6, 4),
-              (Rows{"######", "##..##", "##..##", "######"}));
-    EXPECT_EQ(Drawn(PolygonShape(twice, PolygonFill::kWinding), 6, 4), Rows(4, "######"));
+    ExpectDrawn(PolygonShape(twice, PolygonFill::kAlternate), {"######", "##..##", "##..##", "######"});
+    ExpectDrawn(PolygonShape(twice, PolygonFill::kWinding), std::vector<std::string>(4, "######"));
 
-    const auto line = [](DrawPoint from, DrawPoint to, int32_t width, LineEnds ends) {
-        return Drawn(LineShape(from, to, width, ends), 7, 5);
-    };
-    EXPECT_EQ(line({0, 0}, {5, 2}, 1, LineEnds::kRound), (Rows{"##.....", "..##...", "....#..", ".......", "......."}));
-    EXPECT_EQ(line({0, 0}, {4, 2}, 1, LineEnds::kSquare),
-              (Rows{"#......", ".##....", "...#...", ".......", "......."}));
-    EXPECT_EQ(line({4, 2}, {0, 0}, 0, LineEnds::kRound), (Rows{".#.....", "..##...", "....#..", ".......", "......."}));
-    EXPECT_EQ(line({2, 2}, {4, 2}, 2, LineEnds::kRound), (Rows{".......", "..###..", ".#####.", "..###..", "......."}));
-    EXPECT_EQ(line({2, 2}, {4, 2}, 2, LineEnds::kSquare),
-              (Rows{".......", ".#####.", ".#####.", ".#####.", "......."}));
-    EXPECT_EQ(line({3, 2}, {3, 2}, 2, LineEnds::kRound), (Rows{".......", "...#...", "..###..", "...#...", "......."}));
-    EXPECT_EQ(line({3, 2}, {3, 2}, 2, LineEnds::kSquare),
-              (Rows{".......", "..###..", "..###..", "..###..", "......."}));
-    EXPECT_EQ(line({3, 2}, {3, 2}, 1, LineEnds::kSquare), Rows(5, "......."));
+    ExpectDrawn(LineShape({0, 0}, {5, 2}, 1, LineEnds::kRound), {"##...", "..##.", "....#"});
+    ExpectDrawn(LineShape({4, 2}, {0, 0}, 0, LineEnds::kRound), {".#...", "..##.", "....#"});
+    ExpectDrawn(LineShape({2, 2}, {4, 2}, 2, LineEnds::kRound), {"", "..###..", ".#####.", "..###.."});
+    ExpectDrawn(LineShape({3, 2}, {3, 2}, 2, LineEnds::kSquare), {"", "..###..", "..###..", "..###.."});
+    ExpectDrawn(LineShape({3, 2}, {3, 2}, 1, LineEnds::kSquare), {""});
 }
 
 TEST(Shapes, BoxesHoldWhatTheirDefinitionSays) {
     const auto check = [](const auto &shape, const Covers &covers) { ExpectCovers(shape, covers, -18, 34); };
     uint32_t random = 1;
-    for (int32_t width = 0; width <= 12; width++) {
-        for (int32_t height = 0; height <= 12; height++) {
-            const int32_t pen = Near(&random, -1, 9);
-            ExpectBoxShapes({width % 3, 0, width % 3 + width, height}, width / 2, height, pen, check);
-        }
-    }
-    for (int i = 0; i < 150; i++) {
-        const DrawBox box = {Near(&random, -5, 25), Near(&random, -5, 25), Near(&random, -5, 25),
-                             Near(&random, -5, 25)};
-        ExpectBoxShapes(box, Near(&random, -3, 35), Near(&random, -3, 35), Near(&random, 0, 14), check);
+    for (int32_t i = 0; i < 300; i++) {
+        const int32_t most = i % 2 == 0 ? 25 : 7;
+        const auto side = [&] { return Near(&random, -5, most); };
+        ExpectBoxShapes({side(), side(), side(), side()}, Near(&random, -3, most + 10), Near(&random, -3, most + 10),
+                        Near(&random, -1, most / 2 + 2), check);
     }
 }
 
@@ -310,29 +275,25 @@ TEST(Shapes, BoxesOfAllSizes) {
     ExpectBoxShapes({0, INT32_MIN, 1, INT32_MAX}, 1, INT32_MAX, 1, check);
     ExpectBoxShapes({INT32_MAX - 1, INT32_MIN, INT32_MAX, INT32_MIN + 1}, 0, 0, INT32_MAX, check);
     for (int i = 0; i < 300; i++) {
-        const DrawBox box = {AnyCoordinate(&random), AnyCoordinate(&random), AnyCoordinate(&random),
-                             AnyCoordinate(&random)};
-        ExpectBoxShapes(box, AnyCoordinate(&random), AnyCoordinate(&random), AnyCoordinate(&random), check);
-    }
-    // Sides as drawings have them, where the rounding of the first guess matters least and ties most.
-    for (int i = 0; i < 300; i++) {
-        const DrawBox box = {0, 0, Near(&random, 1, 70000), Near(&random, 1, 70000)};
-        ExpectBoxShapes(box, Near(&random, 0, 70000), Near(&random, 0, 70000), Near(&random, 0, 300), check);
+        const auto any = [&] { return AnyCoordinate(&random); };
+        ExpectBoxShapes({any(), any(), any(), any()}, any(), any(), any(), check);
+        // Sides as drawings have them, where the rounding of the first guess matters least and ties most.
+        const auto side = [&] { return Near(&random, 1, 70000); };
+        ExpectBoxShapes({0, 0, side(), side()}, side(), side(), Near(&random, 0, 300), check);
     }
 }
 
 TEST(Shapes, EllipsesSettleWhatAFloatingGuessMisses) {
-    struct Case {
-        int64_t width, height, row;
-    };
     // A square root in floating numbers ends one pixel short of the first two, and one too far in the others.
-    for (const Case &c : {Case{3684243911, 2670561118, 2446489365}, Case{4029677689, 3581092548, 1589441600},
-                          Case{2685199630, 3090302300, 2079373078}, Case{2255097268, 3032080064, 1114718317}}) {
-        const DrawBox box = {INT32_MIN, INT32_MIN, INT32_MIN + c.width, INT32_MIN + c.height};
-        const int64_t y = box.top + c.row;
+    for (const auto &[width, height, row] : {std::array<int64_t, 3>{3684243911, 2670561118, 2446489365},
+                                             {4029677689, 3581092548, 1589441600},
+                                             {2685199630, 3090302300, 2079373078},
+                                             {2255097268, 3032080064, 1114718317}}) {
+        const DrawBox box = {INT32_MIN, INT32_MIN, INT32_MIN + width, INT32_MIN + height};
+        const int64_t y = box.top + row;
         const RowSpan span = EllipseShape(box).SpanAt(y);
-        EXPECT_TRUE(InEllipse(box, span.left, y) && InEllipse(box, span.right - 1, y)) << c.width;
-        EXPECT_FALSE(InEllipse(box, span.left - 1, y) || InEllipse(box, span.right, y)) << c.width;
+        EXPECT_TRUE(InEllipse(box, span.left, y) && InEllipse(box, span.right - 1, y)) << width;
+        EXPECT_FALSE(InEllipse(box, span.left - 1, y) || InEllipse(box, span.right, y)) << width;
     }
 }
 
@@ -354,7 +315,7 @@ TEST(Shapes, Polygons) {
         }
     }
     const auto many = polygon(PolygonShape::kMostPoints + 5, [&] { return Near(&random, 0, 40); });
-    const std::vector<DrawPoint> most(many.begin(), many.begin() + PolygonShape::kMostPoints);
+    const std::vector<DrawPoint> most(many.begin(), many.end() - 5);
     ExpectCovers(
         PolygonShape(many, PolygonFill::kWinding),
         [&](int64_t x, int64_t y) { return InPolygon(most, PolygonFill::kWinding, x, y); }, -2, 43);
@@ -366,13 +327,10 @@ TEST(Shapes, ThinLinesAreBresenhams) {
         const DrawPoint from = {Near(&random, 0, 20), Near(&random, 0, 20)};
         const DrawPoint to = {Near(&random, 0, 20), Near(&random, 0, 20)};
         const std::vector<DrawPoint> stepped = SteppedLine(from, to);
-        ExpectCovers(
-            LineShape(from, to, Near(&random, -1, 1), LineEnds::kRound),
-            [&](int64_t x, int64_t y) {
-                return std::any_of(stepped.begin(), stepped.end(),
-                                   [=](const DrawPoint &at) { return at.x == x && at.y == y; });
-            },
-            -1, 22);
+        const Covers covers = [&](int64_t x, int64_t y) {
+            return std::any_of(stepped.begin(), stepped.end(), [=](auto at) { return at.x == x && at.y == y; });
+        };
+        ExpectCovers(LineShape(from, to, Near(&random, -1, 1), LineEnds::kRound), covers, -1, 22);
     }
     const LineShape far({INT32_MIN, INT32_MAX}, {INT32_MAX, INT32_MIN}, 1, LineEnds::kRound);
     EXPECT_TRUE(Holds(far, INT32_MIN, INT32_MAX) && Holds(far, -1, 0) && Holds(far, INT32_MAX - 1, INT32_MIN + 1));
@@ -385,23 +343,14 @@ TEST(Shapes, ThinLinesAreBresenhams) {
 TEST(Shapes, WideLines) {
     uint32_t random = 5;
     for (const LineEnds ends : {LineEnds::kRound, LineEnds::kSquare}) {
-        for (int i = 0; i < 400; i++) {
-            const Line line = {{Near(&random, 0, 16), Near(&random, 0, 16)},
-                               {Near(&random, 0, 16), Near(&random, 0, 16)},
-                               Near(&random, 2, 15),
-                               ends};
-            ExpectCovers(
-                LineShape(line.from, line.to, line.width, ends),
-                [&](int64_t x, int64_t y) { return InWideLine(line, x, y); }, -14, 30);
-        }
-        for (int i = 0; i < 400; i++) {
-            const Line line = {{AnyCoordinate(&random), AnyCoordinate(&random)},
-                               {AnyCoordinate(&random), AnyCoordinate(&random)},
-                               i % 2 == 0 ? Near(&random, 2, 500) : std::max(AnyCoordinate(&random), 2),
-                               ends};
-            ExpectCoversSome(
-                LineShape(line.from, line.to, line.width, ends),
-                [&](int64_t x, int64_t y) { return InWideLine(line, x, y); }, &random);
+        for (int i = 0; i < 800; i++) {
+            const bool isSmall = i % 2 == 0;
+            const auto at = [&] { return isSmall ? Near(&random, 0, 16) : AnyCoordinate(&random); };
+            const int32_t wide = i % 4 == 1 ? Near(&random, 2, 500) : std::max(AnyCoordinate(&random), 2);
+            const Line line = {{at(), at()}, {at(), at()}, isSmall ? Near(&random, 2, 15) : wide, ends};
+            const LineShape shape(line.from, line.to, line.width, ends);
+            const Covers covers = [&](int64_t x, int64_t y) { return InWideLine(line, x, y); };
+            isSmall ? ExpectCovers(shape, covers, -14, 30) : ExpectCoversSome(shape, covers, &random);
         }
     }
 }
