@@ -150,7 +150,8 @@ std::string MeaningOf(const Json &setting, int64_t value) {
     const std::string means =
         Fraction(value - setting.value("offset", int64_t{0}), setting.value("perUnit", int64_t{1}));
     std::string text;
-    if (setting.contains("unit")) text = " " + setting["unit"].get<std::string>();
+    // A seed counts nothing: it is a number to remember.
+    if (setting.contains("unit") && setting["unit"] != "seed") text = " " + setting["unit"].get<std::string>();
     if (means != plain) text = " is " + means + text;
     if (shown != means) text += " (shown as " + shown + ")";
     return plain + text;
