@@ -171,9 +171,10 @@ TEST(Reflection, FadesIntoTransparency) {
     LockedDib alpha = Flat(10, 20, 8, 200);
     for (int32_t x = 0; x < 10; x++)
         for (int32_t y = 16; y < 20; y++) DibSetPixel(alpha.View(), x, y, 0);
-    const WholeRun run("Reflection", source,
-                  {{&P::FilterReflectionTrans, 50}, {&P::FilterReflectionBrt, 127}, {&P::FilterReflectionCont, 127}},
-                  alpha.owner.handle);
+    const WholeRun run(
+        "Reflection", source,
+        {{&P::FilterReflectionTrans, 50}, {&P::FilterReflectionBrt, 127}, {&P::FilterReflectionCont, 127}},
+        alpha.owner.handle);
     // The 16 rows that are there, 8 of them mirrored, 4 high.
     ASSERT_EQ(run.picture.view.height, 20);
     ASSERT_EQ(run.second.view.height, 20);
