@@ -10,6 +10,7 @@ namespace {
 
 /// Both pictures that a whole run of a filter makes.
 struct WholeRun {
+    DibOwner owned; ///< the source
     FilterContext context;
     DibReadLock picture, second;
 
@@ -19,7 +20,6 @@ struct WholeRun {
         picture.Unlock();
         second.Unlock();
         FreePictures(context);
-        BlockFree(owned);
     }
 
 private:
@@ -27,14 +27,14 @@ private:
                         DibHandle alpha) {
         FilterContext made = ContextWith(settings);
         made.filterIndex = RowOf(filter);
-        made.source = owned = DibClone(source);
+        owned.Reset(DibClone(source));
+        made.source = owned.handle;
         made.second = alpha;
         made.width = source.width;
         made.height = source.height;
         EXPECT_EQ(ApplyFilter(made), LMF_ERROR_OK);
         return made;
     }
-    DibHandle owned = nullptr;
 };
 
 LockedDib Flat(int32_t width, int32_t height, uint32_t bits, uint32_t value) {
