@@ -1,7 +1,6 @@
 #include "engine/catalogue.h"
 
 #include <algorithm>
-#include <ranges>
 #include <vector>
 
 namespace lmf {
@@ -125,7 +124,11 @@ constexpr int32_t kRows[] = {
     LMF_CATALOGUE(LMF_ROW)
 #undef LMF_ROW
 };
-static_assert(std::ranges::equal(kRows, std::views::iota(0, kFilterCount)));
+static_assert([] {
+    for (int32_t row = 0; row < kFilterCount; row++)
+        if (kRows[row] != row) return false;
+    return std::size(kRows) == kFilterCount;
+}());
 
 constexpr const char *kNames[] = {
 #define LMF_NAME(id, name) name,
