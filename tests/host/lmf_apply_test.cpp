@@ -153,7 +153,7 @@ TEST_F(LmfApply, ChainsAreWhatTheirFiltersAreOneByOne) {
     const ProgramRun chain = Run({"apply", "Resize", "--set", "Horz=50", "--then", "blur", "--set", "Radius=3",
                                   "--then", "Emboss", kPhotograph, "chain.png", "--json"});
     ExpectSilence(chain);
-    EXPECT_EQ(ReadText(In("chain.png")), ReadText(In("c.png")));
+    EXPECT_TRUE(ReadText(In("chain.png")) == ReadText(In("c.png")));
     EXPECT_TRUE(Has(chain.output, R"("filters":["Resize","Gaussian Blur","Emboss"],"status":"done","width":226)"));
     Expect(3, Run({"apply", "Convert to Mono", "--then", "Hexagon", kPhotograph, "no.png"}),
            "Hexagon: Unsupported function (it takes true color; this picture is mono)");
@@ -179,9 +179,9 @@ TEST_F(LmfApply, StandardStreamsAndFormats) {
     // What is printed goes into a file, and comes back from it as standard input.
     const ProgramRun out = Invert({"p.png", "-"});
     ExpectSilence(out);
-    EXPECT_EQ(out.output, negative) << "in the format of the input";
+    EXPECT_TRUE(out.output == negative) << "in the format of the input";
     input = In("p.png");
-    EXPECT_EQ(Invert({"-", "-"}).output, negative);
+    EXPECT_TRUE(Invert({"-", "-"}).output == negative);
     EXPECT_EQ(Invert({"-", "-", "--format", "jpg"}).output.substr(0, 3), "\xFF\xD8\xFF");
     ExpectSilence(Invert({"-", "named.png", "--format", "bmp"}));
     EXPECT_EQ(ReadText(In("named.png")).substr(0, 2), "BM");

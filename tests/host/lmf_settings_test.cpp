@@ -167,15 +167,16 @@ TEST_F(LmfSettings, SeedsAreRepeatedAtWillAndDifferInABatch) {
     };
     for (const std::string filter : {"Add noise", "Water Drops", "Film Grain", "Shards"}) {
         const std::string five = result(filter, {"--seed", "5"}, "a.png");
-        EXPECT_EQ(ReadText(In("out/b.png")), five) << filter;
-        EXPECT_EQ(result(filter, {"--seed", "5"}, "b.png"), five) << filter;
-        EXPECT_NE(result(filter, {"--seed", "6"}, "a.png"), five) << filter;
+        EXPECT_TRUE(ReadText(In("out/b.png")) == five) << filter;
+        EXPECT_TRUE(result(filter, {"--seed", "5"}, "b.png") == five) << filter;
+        EXPECT_FALSE(result(filter, {"--seed", "6"}, "a.png") == five) << filter;
         const std::string own = result(filter, {}, "a.png");
-        EXPECT_NE(ReadText(In("out/b.png")), own) << filter;
+        EXPECT_FALSE(ReadText(In("out/b.png")) == own) << filter;
         ExpectSilence(Run({"apply", filter, "a.png", "alone.png"}, {{"SOURCE_DATE_EPOCH", "77"}}));
-        EXPECT_EQ(ReadText(In("alone.png")), own) << filter << ": the first of a batch is as one alone";
+        EXPECT_TRUE(ReadText(In("alone.png")) == own) << filter << ": the first of a batch is as one alone";
     }
-    EXPECT_EQ(result("Film Grain", {"--set", "Seed=2000"}, "a.png"), ReadText(In("out/b.png"))) << "what is set stays";
+    const std::string set = result("Film Grain", {"--set", "Seed=2000"}, "a.png");
+    EXPECT_TRUE(ReadText(In("out/b.png")) == set) << "what is set stays";
 }
 
 TEST_F(LmfSettings, FaultsOfASettingsFileAreAllNamed) {
