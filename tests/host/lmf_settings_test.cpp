@@ -238,7 +238,7 @@ TEST_F(LmfSettings, SettingsFileComesFirstAndAssignmentsWin) {
                                 "FilterGaussianSigma = 34\n");
     ExpectSilence(RunFake("", "Gaussian Blur", {"--settings-from", "marked.ini"}));
     EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "34") << "after the mark that some editors begin a file with";
-    WriteText(In("long.ini"), std::string(1 << 20, ';'));
+    WriteText(In("long.ini"), std::string((1 << 20) + 1, ';'));
     Expect(2, Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "long.ini"}),
            "long.ini: the settings take more");
     EXPECT_EQ(Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "missing.ini"}).exitCode, 2);
