@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/settings.h"
+#include "image/blur/convolve5x5.h"
 #include "image/core/dib.h"
 
 namespace lmf {
@@ -22,6 +23,7 @@ struct FilterContext : FilterParameters {
     DibHandle clipboard;               ///< plays the part of the clipboard: a picture of the host, or null
     int32_t resultWidth, resultHeight; ///< of `result`, pixels
     Color paperColor;
+    ByteOffsets byteOffsets; ///< of the 5 x 5 windows: whole in windows and in extended calls
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion
     int32_t restrictionB, restrictionA;       ///< of FilterIsOffered
     int32_t errorCode;                        ///< an LMF_ERROR_
