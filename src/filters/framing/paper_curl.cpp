@@ -125,13 +125,13 @@ struct PagePoint {
     }
 };
 
-constexpr int32_t kRun = 32; ///< pixels
+constexpr int32_t kRun = 64; ///< pixels
 
 /// Up to kRun pixels of a row, from left to right, none of which or all of which lie beyond the bend's start.
 struct Run {
     int32_t count;
     float x, y, stepX; ///< the first one's middle in the turned picture, and the way to the next one's
-    float t, stepT;    ///< the same along the direction to the corner, from the bend's start on
+    double t, stepT;   ///< the same along the direction to the corner, from the bend's start on
     bool bends;
 };
 
@@ -139,8 +139,8 @@ struct Run {
 /// front shows.
 struct Layers {
     float beneath[kRun], front[kRun], back[kRun];
-    int32_t bend[kRun]; ///< the place in the tables
-    float angle[kRun];  ///< of the bend
+    int32_t bend[kRun];         ///< the place in the tables
+    float t[kRun], angle[kRun]; ///< the distance from the bend's start, and the bend's angle there
     float pageX[kRun], pageY[kRun];
     bool changes = false, hasFront = false, hasBack = false, isBack = true; ///< any pixel, and all of them
 };
@@ -159,13 +159,14 @@ struct Painter {
 LMF_MULTIVERSION
 void WeighLayers(Layers &__restrict layers, const Curl &curl, const Run &run) {
     const float bends = run.bends ? 1.0f : 0.0f, radius = curl.radius;
-    for (int32_t k = 0; k < run.count; k++) layers.bend[k] = curl.BendAt(run.t + static_cast<float>(k) * run.stepT);
+    for (int32_t k = 0; k < run.count; k++) {
+        layers.t[k] = static_cast<float>(run.t + k * run.stepT);
+        layers.bend[k] = curl.BendAt(layers.t[k]);
+    }
     for (int32_t k = 0; k < run.count; k++) layers.angle[k] = curl.angles.data[layers.bend[k]];
     int32_t changes = 0, hasFront = 0, hasBack = 0, isBack = 1;
     for (int32_t k = 0; k < run.count; k++) {
-        const auto step = static_cast<float>(k);
-        const float x = run.x + step * run.stepX, t = run.t + step * run.stepT;
-        const float angle = layers.angle[k];
+        const float x = run.x + static_cast<float>(k) * run.stepX, t = layers.t[k], angle = layers.angle[k];
         const float sine = static_cast<float>(layers.bend[k]) / kBendSteps, upright = std::sqrt(1.0f - sine * sine);
         // The length of page that a pixel to the corner makes.
         const float stretch = 1.0f / std::max(upright, 0.05f), more = stretch * stretch - 1.0f;
@@ -256,7 +257,7 @@ struct CurlRow {
 
     CurlRow(const Curl &curl, float y, int32_t pixels)
         : first(curl.nx * 0.5 + double{curl.ny} * y - curl.start), step(curl.nx), width(pixels) {}
-    float At(int32_t i) const { return static_cast<float>(first + step * i); }
+    double At(int32_t i) const { return first + step * i; }
     /// The first pixel beyond a distance.
     int32_t FirstBeyond(float t) const {
         return static_cast<int32_t>(std::clamp(std::ceil((t - first) / step), 0.0, static_cast<double>(width)));
