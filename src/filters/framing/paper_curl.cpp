@@ -156,6 +156,7 @@ struct Painter {
     float TurnY(float y) const { return corner.isLower ? y : curl.height - y; }
 };
 
+/// The table is read in a loop of its own, so that the others run in wide lanes.
 LMF_MULTIVERSION
 void WeighLayers(Layers &__restrict layers, const Curl &curl, const Run &run) {
     const float bends = run.bends ? 1.0f : 0.0f, radius = curl.radius;
@@ -221,6 +222,7 @@ void Darken(uint8_t *__restrict bgr, const Layers &layers, int32_t count) {
     }
 }
 
+/// The back of the page in the light of the bend.
 void PaintBack(uint8_t *bgr, const Curl &curl, const Layers &layers, int32_t count) {
     for (int32_t k = 0; k < count; k++) StoreBgr(bgr + k * ptrdiff_t{3}, curl.backs.data[layers.bend[k]]);
 }
@@ -296,10 +298,8 @@ void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Bene
     const auto paint = [&](int32_t first, int32_t end) {
         for (int32_t i = first; i < end; i += kRun) {
             const int32_t count = std::min(kRun, end - i), leftmost = isRight ? i : i + count - 1;
-            const float step = isRight ? 1.0f : -1.0f;
-            const Run run{
-                count,    static_cast<float>(leftmost) + 0.5f, turnedY, step, turned.At(leftmost), step * curl.nx,
-                i >= bend};
+            const float x = static_cast<float>(leftmost) + 0.5f, step = isRight ? 1.0f : -1.0f;
+            const Run run{count, x, turnedY, step, turned.At(leftmost), step * turned.step, i >= bend};
             PaintRun(to.Row(y) + ptrdiff_t{isRight ? leftmost : width - 1 - leftmost} * 3, painter, run);
         }
     };
