@@ -4,8 +4,11 @@
 
 #include <cstdlib>
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "files.h"
+#include "progress.h"
 
 namespace lmf::host {
 
@@ -21,6 +24,38 @@ static_assert(offsetof(BatchRecord, errorCode) == LMF_BATCH_ERROR_OFFSET);
 
 int32_t Validate(void *, const char *) {
     return 1;
+}
+
+// What the library's calls for picture files need; the call's owner points to it.
+struct PictureLoader {
+    const Limits &limits;
+    Report &report;
+};
+
+// The picture in the form that the library takes: 32 bits with alpha, 24 without.
+LmfHandle WideBlock(const Picture &picture, Report &report) {
+    const Layout layout = HasAlpha(picture) ? Layout::kColorAlpha : Layout::kColor;
+    Bitmap wide;
+    if (!MakeBitmap(wide, picture.image.width, picture.image.height, 8 * SamplesOf(layout), report)) return nullptr;
+    for (int y = 0; y < wide.height; ++y) FillRow(picture, layout, Order::kBgr, y, wide.Row(y));
+    LmfBlockUnlock(wide.block);
+    return std::exchange(wide.block, nullptr);
+}
+
+// Reads a picture file for the library, which does without it where that fails.
+LmfHandle LoadPicture(void *owner, const char *path) {
+    const PictureLoader &loader = *static_cast<PictureLoader *>(owner);
+    Report report;
+    LmfHandle block = nullptr;
+    try {
+        Picture picture;
+        if (ReadPicture(path, loader.limits, picture, report)) block = WideBlock(picture, report);
+    } catch (const std::bad_alloc &) {
+        report.error = "memory is too short for the picture";
+    }
+    for (const std::string &warning : report.warnings) loader.report.Warn(Printable(path) + ": " + warning);
+    if (!block) loader.report.Warn(Printable(path) + ": " + report.error + "; it is left out");
+    return block;
 }
 
 } // namespace
@@ -45,16 +80,19 @@ const char *ErrorText(int code) {
     return code >= 0 && code < LMF_ERROR_COUNT ? kTexts[code] : kTexts[LMF_ERROR_LIBRARY];
 }
 
-FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, Report &report) {
+FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, const Limits &limits,
+                          Report &report) {
     LmfHandle image = picture.image.block;
     LmfHandle second = picture.alpha.block;
     BatchRecord record;
     LmfExtendedHooks extended = {};
     extended.size = sizeof extended;
+    extended.hooks.loadPicture = LoadPicture;
+    PictureLoader loader = {limits, report};
     extended.clipboard = clipboard.block;
     const uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | (clipboard ? LMF_RUN_EXTENDED : 0);
-    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
-                                                0, clipboard ? &extended.hooks : nullptr);
+    const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
+                                                0, &extended.hooks);
     if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
     Bitmap result;
     Bitmap resultAlpha;
