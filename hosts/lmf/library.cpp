@@ -4,11 +4,9 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <new>
-#include <utility>
 
 #include "files.h"
-#include "progress.h"
+#include "picture_loader.h"
 
 namespace lmf::host {
 
@@ -24,38 +22,6 @@ static_assert(offsetof(BatchRecord, errorCode) == LMF_BATCH_ERROR_OFFSET);
 
 int32_t Validate(void *, const char *) {
     return 1;
-}
-
-// What the library's calls for picture files need; the call's owner points to it.
-struct PictureLoader {
-    const Limits &limits;
-    Report &report;
-};
-
-// The picture in the form that the library takes: 32 bits with alpha, 24 without.
-LmfHandle WideBlock(const Picture &picture, Report &report) {
-    const Layout layout = HasAlpha(picture) ? Layout::kColorAlpha : Layout::kColor;
-    Bitmap wide;
-    if (!MakeBitmap(wide, picture.image.width, picture.image.height, 8 * SamplesOf(layout), report)) return nullptr;
-    for (int y = 0; y < wide.height; ++y) FillRow(picture, layout, Order::kBgr, y, wide.Row(y));
-    LmfBlockUnlock(wide.block);
-    return std::exchange(wide.block, nullptr);
-}
-
-// Reads a picture file for the library, which does without it where that fails.
-LmfHandle LoadPicture(void *owner, const char *path) {
-    const PictureLoader &loader = *static_cast<PictureLoader *>(owner);
-    Report report;
-    LmfHandle block = nullptr;
-    try {
-        Picture picture;
-        if (ReadPicture(path, loader.limits, picture, report)) block = WideBlock(picture, report);
-    } catch (const std::bad_alloc &) {
-        report.error = "memory is too short for the picture";
-    }
-    for (const std::string &warning : report.warnings) loader.report.Warn(Printable(path) + ": " + warning);
-    if (!block) loader.report.Warn(Printable(path) + ": " + report.error + "; it is left out");
-    return block;
 }
 
 } // namespace
