@@ -6,7 +6,6 @@
 #include "image/draw/gdi_canvas.h"
 #include "image/scale/steps.h"
 #include "overlays/text_layout.h"
-#include "overlays/text_macros.h"
 #include "support/reference.h"
 
 namespace lmf::testing {
@@ -20,8 +19,7 @@ static LockedDib MarkedPicture(const ReadView &source, const FilterContext &c) {
         std::max(std::max(width, height) / 640, 1) * (c.FilterPosonlyBigline != 0 ? 3 : 1) * (isColor ? f : 1);
     const int32_t w = size * (isTurned ? height : width), h = size * (isTurned ? width : height);
     const int32_t mx = w * 6 / 100, my = h * 6 / 100;
-    char text[260];
-    TextMacroExpand(text, c.FilterPosonlyString, sizeof text, width, height);
+    const char *text = c.FilterPosonlyString;
     const FontOwner font({c.FilterPosonlyFontname, std::max(h * 10 / 100, 9), c.FilterPosonlyBold != 0 ? 700 : 500,
                           c.FilterPosonlyItal != 0});
     int32_t cx = 0, cy = 0;
@@ -32,6 +30,7 @@ static LockedDib MarkedPicture(const ReadView &source, const FilterContext &c) {
     const auto x = static_cast<int32_t>(std::sqrt(std::max(length * length - fy * fy, 0.0F)));
     const auto y = static_cast<int32_t>(fy);
     const Color grey = static_cast<Color>(c.FilterPosonlyOpacity) * 0x10101;
+    const LineEnds ends = c.FilterPosonlyRound != 0 ? LineEnds::kRound : LineEnds::kSquare;
     Palette768 palette;
     const auto entries = static_cast<int32_t>(DibReadPalette(source, &palette));
 
@@ -42,20 +41,16 @@ static LockedDib MarkedPicture(const ReadView &source, const FilterContext &c) {
         for (int32_t i = 0; i < 4; i++) {
             const bool right = i % 2 != 0, below = i / 2 != 0;
             const auto at = [&](int32_t dx, int32_t dy) { return DrawPoint{right ? w - dx : dx, below ? h - dy : dy}; };
-            GdiCanvasPaint(canvas,
-                           LineShape(at(mx, my), at(mx + x, my + y), armPen,
-                                     c.FilterPosonlyRound != 0 ? LineEnds::kRound : LineEnds::kSquare),
-                           grey);
+            GdiCanvasPaint(canvas, LineShape(at(mx, my), at(mx + x, my + y), armPen, ends), grey);
         }
         const WriteView &view = canvas.lock->view;
         TextRect box = {(w - cx) / 2 - 12, (h - cy) / 2 - 6, (w - cx) / 2 + cx + 12, (h - cy) / 2 + cy + 6};
-        EXPECT_GT(DrawTextPlain({font.font, {grey, textPen}, {view.Row(0), w, h, -int64_t{view.stride}}}, text, &box,
-                                kTextCenter | kTextVerticalCenter | kTextSingleLine),
-                  0);
+        const TextDrawing drawing = {font.font, {grey, textPen}, {view.Row(0), w, h, -int64_t{view.stride}}};
+        EXPECT_GT(DrawTextPlain(drawing, text, &box, 0x825), 0);
         const LockedDib mask(isColor ? DibScaleSteps(view, 100 / f, 100 / f) : DibClone(view));
         ForEachPixel(result, [&](int32_t column, int32_t row) {
-            const uint32_t coverage =
-                DibGetPixel(mask, isTurned ? height - row - 1 : column, isTurned ? column : row) & 255;
+            const int32_t maskX = isTurned ? height - row - 1 : column, maskY = isTurned ? column : row;
+            const uint32_t coverage = DibGetPixel(mask, maskX, maskY) & 255;
             const uint32_t before = DibGetPixel(result, column, row);
             const auto entry = static_cast<uint32_t>(PaletteNearest(level, level, level, palette, entries));
             DibSetPixel(result.View(), column, row,

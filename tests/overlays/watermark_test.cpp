@@ -1,4 +1,3 @@
-#include <array>
 #include <cstring>
 
 #include <gtest/gtest.h>
@@ -11,23 +10,10 @@
 
 namespace lmf::testing {
 
-/// Where the copies of the letters stand, shadow first; 2 stands for all nine places.
-static constexpr std::array<std::array<int32_t, 4>, 16> kOffsets = {{{0, 0, 0, 0},
-                                                                     {-1, -1, 0, 0},
-                                                                     {1, -1, 0, 0},
-                                                                     {-1, 1, 0, 0},
-                                                                     {1, 1, 0, 0},
-                                                                     {2, 2, 0, 0},
-                                                                     {0, 0, -1, -1},
-                                                                     {0, 0, 1, -1},
-                                                                     {0, 0, -1, 1},
-                                                                     {0, 0, 1, 1},
-                                                                     {0, 0, 2, 2},
-                                                                     {1, 1, -1, -1},
-                                                                     {-1, 1, 1, -1},
-                                                                     {1, -1, -1, 1},
-                                                                     {-1, -1, 1, 1},
-                                                                     {0, 0, 0, 0}}};
+/// Where the copies of the letters of each effect stand, shadow and highlight: the nine places row by row.
+static const std::string kCopies[16][2] = {
+    {"", ""},  {"0", ""}, {"2", ""},         {"6", ""},  {"8", ""},  {"012345678", ""}, {"", "0"},  {"", "2"},
+    {"", "6"}, {"", "8"}, {"", "012345678"}, {"8", "0"}, {"6", "2"}, {"2", "6"},        {"0", "8"}, {"", ""}};
 
 /// The filter with masks of the whole picture's size.
 static LockedDib PrintedText(const ReadView &source, const FilterContext &c, const WriteView *second) {
@@ -41,9 +27,8 @@ static LockedDib PrintedText(const ReadView &source, const FilterContext &c, con
                           c.FilterWatermarkItal != 0});
     const auto draw = [&](TextCanvas &mask, int32_t x, int32_t y, int32_t level) {
         TextRect box = {left + x, top + y, width - 1 - left + x, height - 1 - top + y};
-        EXPECT_GT(DrawTextPlain({font.font, {static_cast<Color>(level * 0x10101)}, mask.Surface()}, text, &box,
-                                kFormats[c.FilterWatermarkPos]),
-                  0);
+        const TextDrawing drawing = {font.font, {static_cast<Color>(level * 0x10101)}, mask.Surface()};
+        EXPECT_GT(DrawTextPlain(drawing, text, &box, kFormats[c.FilterWatermarkPos]), 0);
     };
     LockedDib result(DibToRgb(source));
     const auto lay = [&](const TextCanvas &mask, int32_t color) {
@@ -54,17 +39,10 @@ static LockedDib PrintedText(const ReadView &source, const FilterContext &c, con
                 DibSetPixel(*second, x, y, std::max<uint32_t>(DibGetPixel(*second, x, y) & 255, weight));
         });
     };
-    const auto &offsets = kOffsets[c.FilterWatermarkEffect];
     for (size_t i : {0, 1}) {
-        const int32_t dx = offsets[2 * i], dy = offsets[2 * i + 1];
-        if (dx == 0) continue;
         TextCanvas mask(width, height);
-        if (dx == 2) {
-            for (int32_t y : {-k, 0, k})
-                for (int32_t x : {-k, 0, k}) draw(mask, x, y, c.FilterWatermarkOpacity);
-        } else {
-            draw(mask, dx * k, dy * k, c.FilterWatermarkOpacity);
-        }
+        for (char place : kCopies[c.FilterWatermarkEffect][i])
+            draw(mask, ((place - '0') % 3 - 1) * k, ((place - '0') / 3 - 1) * k, c.FilterWatermarkOpacity);
         draw(mask, 0, 0, 0);
         lay(mask, i == 0 ? c.FilterWatermarkShadowColor : c.FilterWatermarkHighlightColor);
     }
@@ -97,54 +75,41 @@ TEST(Watermark, OpensTheSecondPicture) {
     }
 }
 
-/// What the loader gives and what it was asked for.
-static struct {
-    const LockedDib *picture;
-    std::string path;
-    void *owner;
-} mark;
-
 static LmfHandle LoadMark(void *owner, const char *path) {
-    mark.path = path;
-    mark.owner = owner;
-    return mark.picture != nullptr ? DibClone(mark.picture->View()) : nullptr;
+    EXPECT_STREQ(path, "/proc/self/exe");
+    const auto *picture = static_cast<const LockedDib *>(owner);
+    return *picture ? DibClone(picture->View()) : nullptr;
 }
 
 TEST(Watermark, StampsThePictureThatTheHostLoads) {
-    const LockedDib source = RandomPicture(31, 20, kModeTrueColor, 1), plain = RandomPicture(10, 7, kModeTrueColor, 2),
-                    wide = RandomDepth(50, 5, 32, 3);
+    const LockedDib source = RandomPicture(31, 20, kModeTrueColor, 1);
+    LockedDib marks[] = {RandomPicture(10, 7, kModeTrueColor, 2), RandomDepth(50, 5, 32, 3), LockedDib()};
     FilterContext context = ContextWith({{&P::FilterWatermarkXoff, 20}, {&P::FilterWatermarkYoff, 10}});
     context.loadPicture = LoadMark;
-    context.ownerWindow = &context;
     std::strcpy(context.FilterWatermarkImagePath, "/proc/self/exe");
     context.FilterWatermarkImageUse = 1;
-    const std::array<int32_t, 4> places[] = {
-        {6, 2, 6, 2}, {15, 2, -25, 2}, {6, 11, 6, 13}, {15, 11, -25, 13}, {10, 6, -9, 7}};
-    for (int32_t position = 0; position < 5; position++) {
-        context.FilterWatermarkPos = position;
-        for (const LockedDib *picture : {&plain, &wide}) {
-            mark.picture = picture;
-            const ReadView from = *picture;
-            const auto &place = places[position];
-            const int32_t left = place[from.bits == 32 ? 2 : 0], top = place[from.bits == 32 ? 3 : 1];
-            ExpectPixels(RunKernel("Watermark", source, context), [&](int32_t x, int32_t y) {
-                const Color below = DibGetPixel(source, x, y);
-                if (x < left || y < top || x >= left + from.width || y >= top + from.height) return below;
-                const uint32_t pixel = DibGetPixel(from, x - left, y - top);
-                return MixBytes(below, pixel & 0xFFFFFF, from.bits == 32 ? pixel >> 24 : 255);
-            });
-        }
+    constexpr int32_t kPlaces[2][5][2] = {{{6, 2}, {15, 2}, {6, 11}, {15, 11}, {10, 6}},
+                                          {{6, 2}, {-25, 2}, {6, 13}, {-25, 13}, {-9, 7}}};
+    for (int32_t i = 0; i < 10; i++) {
+        context.FilterWatermarkPos = i / 2;
+        context.ownerWindow = &marks[i % 2];
+        const ReadView mark = marks[i % 2];
+        const auto &[left, top] = kPlaces[i % 2][i / 2];
+        ExpectPixels(RunKernel("Watermark", source, context), [&, x0 = left, y0 = top](int32_t x, int32_t y) {
+            const Color below = DibGetPixel(source, x, y);
+            if (x < x0 || y < y0 || x >= x0 + mark.width || y >= y0 + mark.height) return below;
+            const uint32_t pixel = DibGetPixel(mark, x - x0, y - y0);
+            return MixBytes(below, pixel & 0xFFFFFF, mark.bits == 32 ? pixel >> 24 : 255);
+        });
     }
-    EXPECT_TRUE(mark.path == "/proc/self/exe" && mark.owner == &context);
-
-    // Without the file, the wish, the picture or the loader the text is printed.
+    // Without the file, the wish, the loader or the picture the text is printed.
     const LockedDib printed = PrintedText(source, context, nullptr);
     for (int32_t missing = 0; missing < 4; missing++) {
         FilterContext poor = context;
         if (missing == 0) std::strcpy(poor.FilterWatermarkImagePath, "/no/such/file");
         if (missing == 1) poor.FilterWatermarkImageUse = 0;
         if (missing == 2) poor.loadPicture = nullptr;
-        mark.picture = missing == 3 ? nullptr : &plain;
+        if (missing == 3) poor.ownerWindow = &marks[2];
         EXPECT_TRUE(SamePicture(RunKernel("Watermark", source, poor), printed)) << missing;
     }
 }
