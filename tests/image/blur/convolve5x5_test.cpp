@@ -48,7 +48,7 @@ TEST(Convolve5x5, AgreesWithTheSlowForm) {
             for (const Window5x5 &window : kWindows) {
                 const LockedDib result(Convolve5x5(picture, window));
                 ExpectPixels(result, [&](int32_t x, int32_t y) {
-                    const auto byte = [&](int32_t c) { return SlowByte(from, window, x, height - 1 - y, c); };
+                    const auto byte = [&](int32_t c) { return SlowByte(from, window, x, from.height - 1 - y, c); };
                     return bits == 8 ? byte(0) : PackColor(byte(2), byte(1), byte(0));
                 });
                 ASSERT_FALSE(::testing::Test::HasFailure()) << width << 'x' << height << " bits " << bits;
