@@ -201,10 +201,15 @@ typedef struct HostRecord {
     const HostRestrictions *restrictions; /* may be null */
 } HostRecord;
 
-/* Lets the host choose the picture file that the Watermark filter draws. */
+/* Gives the library a picture file of the user's as a new block, which the library frees, or null where that fails. The
+ * Watermark filter prints it: with 32 bits a pixel by its alpha, with 24 as it is. Other depths should be widened,
+ * since their indexes would be taken for reds. `owner` is that of the call. */
+typedef LmfHandle (*LmfLoadPicture)(void *owner, const char *path);
+
+/* What the host does for single filters. */
 typedef struct HostHooks {
     uint64_t reserved0;
-    void (*choosePicture)(void); /* the host's file chooser; may be null */
+    LmfLoadPicture loadPicture; /* may be null */
     uint64_t reserved1;
     char folder[261];    /* zero-terminated */
     char extension[261]; /* zero-terminated */

@@ -131,6 +131,11 @@ struct ExtendedCall {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, clipboard) + sizeof(LmfHandle);
         return Reaches(kEnd) ? record->clipboard : nullptr;
     }
+    /// The function of the host's hooks, whatever kind of call it is.
+    LmfLoadPicture LoadPicture(const HostHooks *hooks) const {
+        constexpr size_t kEnd = offsetof(HostHooks, loadPicture) + sizeof(LmfLoadPicture);
+        return hooks != nullptr && (record == nullptr || Reaches(kEnd)) ? hooks->loadPicture : nullptr;
+    }
     void SetErrorCode(int32_t code) const {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, errorCode) + sizeof(int32_t);
         if (Reaches(kEnd)) record->errorCode = code;
@@ -184,6 +189,7 @@ uint64_t DoImageFilter(const HostCall &call) {
     OwningContext context;
     const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
     context.clipboard = extended.Clipboard();
+    context.loadPicture = extended.LoadPicture(call.hooks);
     if (!kValidationState ||
         !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved)) {
         extended.SetErrorCode(LMF_ERROR_UNSUITABLE);

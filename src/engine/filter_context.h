@@ -4,12 +4,14 @@
 #include "engine/settings.h"
 #include "image/blur/convolve5x5.h"
 #include "image/core/dib.h"
+#include "lmf16filter.h"
 
 namespace lmf {
 
 /// Zero-filled at the start of a call. A copy keeps a whole state, but does not own the handles in it.
 struct FilterContext : FilterParameters {
     void *ownerWindow;                 ///< the host's, or null
+    LmfLoadPicture loadPicture;        ///< the host's reader of picture files, which takes `ownerWindow`; or null
     int64_t time;                      ///< of the call, as SystemTime gives it
     int32_t filterIndex;               ///< current row of the catalogue
     DibHandle source;                  ///< the host's picture: never changed, never freed
