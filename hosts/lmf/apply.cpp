@@ -5,6 +5,7 @@
 #include <map>
 #include <new>
 
+#include "destinations.h"
 #include "library.h"
 #include "progress.h"
 
@@ -65,7 +66,7 @@ std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, co
     if (!Accepts(filter, mode)) return text + " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
     if (!filter["available"]) return text + " (this version cannot run it)";
     if (filter["needsAlpha"] && !picture.alpha) return text + " (it takes pictures with alpha)";
-    return text;
+    return text + DestinationAdvice(filter, outcome.errorCode);
 }
 
 TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const Bitmap &clipboard, const Task &task) {
@@ -215,7 +216,7 @@ int Apply(const ApplyRequest &request) {
     PrivateFolder privateFolder;
     Library library;
     if (!privateFolder.Make(report) || !InstallIni(privateFolder, ini, report) ||
-        !library.Load(request.library, report)) {
+        !InstallDestinations(*request.settings.filter, privateFolder, report) || !library.Load(request.library, report)) {
         Complain(report.error);
         return kFilterFailed;
     }

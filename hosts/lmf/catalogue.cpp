@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "destinations.h"
+
 namespace lmf::host {
 
 namespace {
@@ -99,7 +101,7 @@ bool EndsInWords(const std::string &key, std::string_view wanted) {
 } // namespace
 
 const Json &Catalogue() {
-    static const Json kCatalogue = Json::parse(kDocument);
+    static const Json kCatalogue = WithDestinations(Json::parse(kDocument));
     return kCatalogue;
 }
 

@@ -46,8 +46,10 @@ void OnSignal(int signal) {
     if (gPrivateFolder[0]) {
         const int folder = open(gPrivateFolder, O_RDONLY | O_DIRECTORY);
         RemoveFiles(folder);
-        RemoveFiles(openat(folder, "Quillon Works", O_RDONLY | O_DIRECTORY));
-        unlinkat(folder, "Quillon Works", AT_REMOVEDIR);
+        for (const char *inside : {"Quillon Works/Lumenfold Studio 16", "Quillon Works"}) {
+            RemoveFiles(openat(folder, inside, O_RDONLY | O_DIRECTORY));
+            unlinkat(folder, inside, AT_REMOVEDIR);
+        }
         rmdir(gPrivateFolder);
     }
     std::signal(signal, SIG_DFL);

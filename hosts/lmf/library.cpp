@@ -52,9 +52,9 @@ FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap
     LmfExtendedHooks extended = {};
     extended.size = sizeof extended;
     extended.clipboard = clipboard.block;
-    const uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | (clipboard ? LMF_RUN_EXTENDED : 0);
+    constexpr uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | LMF_RUN_EXTENDED;
     const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
-                                                0, clipboard ? &extended.hooks : nullptr);
+                                                0, &extended.hooks);
     if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
     Bitmap result;
     Bitmap resultAlpha;

@@ -9,6 +9,7 @@
 #include "engine/apply.h"
 #include "engine/catalogue.h"
 #include "engine/config_text.h"
+#include "engine/destinations_file.h"
 #include "engine/settings_files.h"
 #include "platform/system.h"
 
@@ -96,9 +97,13 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
 
 /// Until there is a window to open, only the direct path can run a filter.
 uint32_t Run(uint32_t runFlags, FilterContext &context) {
-    if (runFlags & LMF_RUN_DIRECT) return ApplyFilterDirect(&context);
-    context.errorCode = LMF_ERROR_UNSUPPORTED;
-    return 0;
+    if (!(runFlags & LMF_RUN_DIRECT)) {
+        context.errorCode = LMF_ERROR_UNSUPPORTED;
+        return 0;
+    }
+    // What a window would ask for.
+    if (runFlags & LMF_RUN_EXTENDED) context.errorCode = ChooseDestination(context);
+    return context.errorCode == LMF_ERROR_OK ? ApplyFilterDirect(&context) : 0;
 }
 
 /// The record of an extended call as far as it goes; null for other calls.

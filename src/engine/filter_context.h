@@ -21,6 +21,7 @@ struct FilterContext : FilterParameters {
     bool runsOnSecond;                 ///< the kernel runs on `second`, after it ran on `source`
     DibHandle clipboard;               ///< plays the part of the clipboard: a picture of the host, or null
     int32_t resultWidth, resultHeight; ///< of `result`, pixels
+    int32_t destinationWidth, destinationDepth; ///< that Social Media makes, pixels; 0 while none is chosen
     Color paperColor;
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion
     int32_t restrictionB, restrictionA;       ///< of FilterIsOffered
