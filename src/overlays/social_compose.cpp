@@ -107,17 +107,15 @@ Area AreaBetweenBars(const Composition &made) {
     return area;
 }
 
-int64_t ShadowShift(const SocialLayout &layout, const Area &area) {
-    return PartOf(std::min(area.width, area.height), layout.shadowOffset);
-}
-
 /// The source with a margin all around that a shadow has room in.
-Area AreaWithMargin(const Composition &made) {
+/// @param shift  receives how far the shadow falls to the right and down, which is told by the margin alone
+Area AreaWithMargin(const Composition &made, int64_t *shift) {
     const SocialLayout &layout = made.layout;
     const double width = made.source.width, height = made.source.height;
     const double percent = std::min(made.PercentX(), made.PercentY()) * (100 - layout.frameMargin) / 100;
     Area area = PlacedArea(made, Rounded(width * percent / 100), Rounded(height * percent / 100));
-    int64_t room = ShadowShift(layout, area);
+    *shift = PartOf(std::min(area.width, area.height), layout.shadowOffset);
+    int64_t room = *shift;
     if (layout.shadowSoftness > 0) room += 1 + layout.shadowSoftness * 6 / 10;
     if (area.y < room) {
         const int64_t fitted = made.height - 2 * room;
@@ -207,10 +205,9 @@ LockedDib Background(const Composition &made, const Area &area, const ReadView &
 }
 
 /// @return false without memory
-bool CastShadow(const WriteView &sheet, const SocialLayout &layout, const Area &area) {
+bool CastShadow(const WriteView &sheet, const SocialLayout &layout, const Area &area, int64_t shift) {
     LockedDib mask(DibCreateGrey(sheet.width, sheet.height));
     if (!mask) return false;
-    const int64_t shift = ShadowShift(layout, area);
     DibFillRect(mask.View(), static_cast<int32_t>(area.x + shift), static_cast<int32_t>(area.y + shift),
                 static_cast<int32_t>(area.width), static_cast<int32_t>(area.height),
                 static_cast<uint32_t>(layout.shadowOpacity));
@@ -238,12 +235,13 @@ DibHandle Compose(const Composition &made, int32_t process) {
     if (process <= kSocialFill || process > kSocialShadowLargeBackground) return Fill(made);
     const bool hasMargin = process == kSocialShadowOnSolid || process == kSocialShadowOnGradient ||
                            process == kSocialShadowLargeBackground;
-    const Area area = hasMargin ? AreaWithMargin(made) : AreaBetweenBars(made);
+    int64_t shift = 0;
+    const Area area = hasMargin ? AreaWithMargin(made, &shift) : AreaBetweenBars(made);
     const LockedDib picture = Cut(made, area.width, area.height);
     if (!picture) return nullptr;
     LockedDib sheet = Background(made, area, picture, process);
     if (!sheet) return nullptr;
-    if (hasMargin && made.layout.shadowEnable && !CastShadow(sheet.View(), made.layout, area)) return nullptr;
+    if (hasMargin && made.layout.shadowEnable && !CastShadow(sheet.View(), made.layout, area, shift)) return nullptr;
     Finish(sheet.View(), made.layout, area, picture);
     return sheet.Release();
 }
