@@ -5,7 +5,9 @@
 #include "image/blur/gaussian.h"
 #include "image/core/alpha_mask.h"
 #include "image/core/dib_ops.h"
+#include "image/core/pixel_map.h"
 #include "image/draw/gradient_picture.h"
+#include "image/noise/window_width.h"
 #include "image/scale/resample.h"
 
 namespace lmf {
@@ -204,20 +206,69 @@ LockedDib Background(const Composition &made, const Area &area, const ReadView &
     }
 }
 
+/// Coverage of a rectangle of one level whose edges may be soft, row by row. It is what GaussianBlurDirect makes of the
+/// whole mask: since all rows of the rectangle are alike, columns that one of them leaves on the same level are, too,
+/// and it takes one row and one column of each level.
+class SoftRectangle {
+public:
+    /// @param sigmaTenths  width of the curve in tenths of a pixel; 0 leaves the edges hard
+    SoftRectangle(const WriteView &sheet, const Area &area, uint8_t level, int32_t sigmaTenths)
+        : width(sheet.width), height(sheet.height), row(static_cast<uint64_t>(width)),
+          columns(kLevels * static_cast<uint64_t>(height)), coverage(static_cast<uint64_t>(width)) {
+        constexpr double kRadius = 20;
+        BlockArray<uint8_t> hard(static_cast<uint64_t>(std::max(width, height)));
+        if (!row || !columns || !coverage || !hard) return;
+        const int32_t window = std::min({width, height, WindowWidth(kRadius)});
+        BlurKernel kernel;
+        if (sigmaTenths > 0 && BuildGaussianKernel(window, sigmaTenths / 10.0, &kernel) == 0) return;
+        const auto makeLine = [&](uint8_t *to, int32_t count, int64_t start, int64_t length, uint8_t value) {
+            std::fill_n(hard.data, count, uint8_t{0});
+            std::fill(hard.data + std::clamp<int64_t>(start, 0, count),
+                      hard.data + std::clamp<int64_t>(start + length, 0, count), value);
+            if (sigmaTenths > 0)
+                BlurLineGrey(kernel->data, window, hard.data, to, count);
+            else
+                std::copy_n(hard.data, count, to);
+        };
+        makeLine(row.data, width, area.x, area.width, level);
+        for (int32_t x = 0; x < width; x++) {
+            if (!std::exchange(used[row[x]], true))
+                makeLine(columns.data + row[x] * int64_t{height}, height, area.y, area.height, row[x]);
+        }
+        ready = true;
+    }
+    /// False when there was no memory.
+    explicit operator bool() const { return ready; }
+    /// Row y, good until the next call.
+    const uint8_t *Row(int32_t y) {
+        ToneTable levels = {};
+        for (int32_t level = 0; level < kLevels; level++)
+            if (used[level]) levels.at[level] = columns[level * int64_t{height} + y];
+        LookUpBytes(coverage.data, row.data, static_cast<size_t>(width), levels);
+        return coverage.data;
+    }
+
+private:
+    static constexpr int32_t kLevels = 256;
+
+    int32_t width, height;
+    BlockArray<uint8_t> row;     ///< of the rectangle, with its soft ends
+    BlockArray<uint8_t> columns; ///< what a column becomes that has this level in the rectangle, for the levels in use
+    BlockArray<uint8_t> coverage;
+    bool used[kLevels] = {};
+    bool ready = false;
+};
+
 /// @return false without memory
 bool CastShadow(const WriteView &sheet, const SocialLayout &layout, const Area &area, int64_t shift) {
-    LockedDib mask(DibCreateGrey(sheet.width, sheet.height));
-    if (!mask) return false;
-    DibFillRect(mask.View(), static_cast<int32_t>(area.x + shift), static_cast<int32_t>(area.y + shift),
-                static_cast<int32_t>(area.width), static_cast<int32_t>(area.height),
-                static_cast<uint32_t>(layout.shadowOpacity));
-    constexpr int32_t kRadiusTenths = 200, kHardest = 2;
+    constexpr int32_t kHardest = 2;
     const int32_t unit = std::max(std::min(sheet.width, sheet.height) / 128, 1);
-    if (layout.shadowSoftness > kHardest)
-        mask = LockedDib(GaussianBlurDirect(mask, kRadiusTenths, unit * layout.shadowSoftness));
-    if (!mask) return false;
+    SoftRectangle shadow(sheet, {area.x + shift, area.y + shift, area.width, area.height},
+                         static_cast<uint8_t>(layout.shadowOpacity),
+                         layout.shadowSoftness > kHardest ? unit * layout.shadowSoftness : 0);
+    if (!shadow) return false;
     for (int32_t y = 0; y < sheet.height; y++)
-        TintRow(sheet.Row(y), mask.View().Row(y), sheet.width, static_cast<Color>(layout.shadowColor));
+        TintRow(sheet.Row(y), shadow.Row(y), sheet.width, static_cast<Color>(layout.shadowColor));
     return true;
 }
 

@@ -106,20 +106,48 @@ TEST(SocialMedia, AShadowHasItsRoomWhetherOrNotItFalls) {
             return dark ? MixBytes(kBar, 0xFF0000, 100) : kBar;
         });
     }
-    // A soft one is the blurred mask of the same place.
-    layout.shadowSoftness = 3;
-    LockedDib mask(DibCreate(300, 200, nullptr, 24));
-    const LockedDib soft = Composed(source, layout, 300, 200, kSocialShadowOnSolid);
-    layout.shadowEnable = 0;
-    const LockedDib bare = Composed(source, layout, 300, 200, kSocialShadowOnSolid);
-    // 270 x 135 at (15, 32), the shadow 12 pixels away.
-    DibFillRect(mask.View(), 27, 44, 270, 135, 0x646464);
-    const LockedDib blurred(GaussianBlurDirect(mask, 200, 3));
-    ExpectPixels(soft, [&](int32_t x, int32_t y) {
-        const bool inside = x >= 15 && x < 285 && y >= 32 && y < 167;
-        const uint32_t weight = inside ? 0 : DibGetPixel(blurred, x, y) & 255;
-        return MixBytes(DibGetPixel(bare, x, y), inside ? 0 : 0xFF0000, weight);
-    });
+    // A soft one is the blurred mask of the same place, near the border, too.
+    struct Soft {
+        int32_t width, depth, softness, x, y, pictureWidth, pictureHeight, shift;
+    };
+    for (const Soft &soft : {Soft{300, 200, 3, 15, 32, 270, 135, 12}, {120, 90, 20, 17, 23, 86, 43, 4}}) {
+        layout.shadowSoftness = soft.softness;
+        layout.shadowEnable = 1;
+        const LockedDib shaded = Composed(source, layout, soft.width, soft.depth, kSocialShadowOnSolid);
+        layout.shadowEnable = 0;
+        const LockedDib bare = Composed(source, layout, soft.width, soft.depth, kSocialShadowOnSolid);
+        const LockedDib mask(DibCreate(soft.width, soft.depth, nullptr, 24));
+        DibFillRect(mask.View(), soft.x + soft.shift, soft.y + soft.shift, soft.pictureWidth, soft.pictureHeight,
+                    0x646464);
+        const LockedDib blurred(GaussianBlurDirect(mask, 200, soft.softness));
+        ExpectPixels(shaded, [&](int32_t x, int32_t y) {
+            const bool inside =
+                x >= soft.x && x < soft.x + soft.pictureWidth && y >= soft.y && y < soft.y + soft.pictureHeight;
+            if (inside) return DibGetPixel(bare, x, y);
+            return MixBytes(DibGetPixel(bare, x, y), 0xFF0000, DibGetPixel(blurred, x, y) & 255);
+        });
+    }
+}
+
+TEST(SocialMedia, AFailedAllocationLeavesNothingBehind) {
+    const LockedDib source = RandomPicture(20, 10, kModeTrueColor, 6);
+    SocialLayout layout = PlainLayout();
+    layout.blur = 10;
+    layout.shadowEnable = 1;
+    layout.shadowSoftness = 5;
+    for (int32_t process = 0; process < 12; process++) {
+        layout.gradientType = process % 4;
+        const int64_t before = LiveBlocks();
+        bool failed = true;
+        for (int64_t n = 0; failed; n++) {
+            FailAllocationAfter(n);
+            const bool made = static_cast<bool>(Composed(source, layout, 51, 24, process));
+            failed = FailedAllocations() > 0;
+            FailAllocationAfter(-1);
+            EXPECT_TRUE(made || failed) << process;
+            ASSERT_EQ(LiveBlocks(), before) << process << " with " << n << " allocations";
+        }
+    }
 }
 
 TEST(SocialMedia, WhatLeavesNothingFails) {
