@@ -141,9 +141,11 @@ TEST(ExtendedCall, SocialMediaTakesItsDestinationFromTheList) {
         const int32_t width = made.done != 0 ? DibReadLock(made.picture).view.width : 0;
         return std::pair{made.extended.errorCode, width};
     };
-    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 4"), (std::pair{LMF_ERROR_OK, 1500}));
-    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 999"), (std::pair{LMF_ERROR_CORRUPTED, 0}));
-    EXPECT_EQ(run(LMF_RUN_DIRECT, nullptr), (std::pair{-1, 0})) << "without the flag only a dialog can choose";
+    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 4"), (std::pair<int32_t, int32_t>(LMF_ERROR_OK, 1500)));
+    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 999"),
+              (std::pair<int32_t, int32_t>(LMF_ERROR_CORRUPTED, 0)));
+    EXPECT_EQ(run(LMF_RUN_DIRECT, nullptr), (std::pair<int32_t, int32_t>(-1, 0)))
+        << "without the flag only a dialog can choose";
 }
 
 TEST_F(ExtendedProgram, ADestinationHasANameAndANumber) {

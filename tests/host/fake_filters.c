@@ -38,9 +38,9 @@ FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValid
                                        int32_t style, int32_t sliders, uint32_t flags, void *record, const char *path,
                                        uint32_t mask, int32_t reserved, const HostHooks *hooks) {
     const char *wish = getenv("LMF_FAKE");
-    (void)owner, (void)style, (void)sliders, (void)path, (void)mask, (void)reserved, (void)hooks;
+    (void)owner, (void)style, (void)sliders, (void)path, (void)mask, (void)reserved;
     keep_settings();
-    if (!callback || flags != (LMF_RUN_DIRECT | LMF_RUN_BATCH)) return 0;
+    if (!callback || !hooks || flags != (LMF_RUN_DIRECT | LMF_RUN_BATCH | LMF_RUN_EXTENDED)) return 0;
     if (strncmp(wish, "fail:", 5) == 0) {
         const int32_t code = atoi(wish + 5);
         memcpy((char *)record + LMF_BATCH_ERROR_OFFSET, &code, sizeof code);
