@@ -85,7 +85,7 @@ TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const B
     }
     if (!ReadPicture(task.input, request.limits, picture, report)) return finish(kUnreadable, report.error);
     const auto start = std::chrono::steady_clock::now();
-    const FilterOutcome filtered = ApplyFilter(library, picture, clipboard, report);
+    const FilterOutcome filtered = ApplyFilter(library, picture, clipboard, request.limits, report);
     outcome.filterSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     if (!filtered.done) return finish(kFilterFailed, DescribeFailure(*request.settings.filter, filtered, picture));
     outcome.width = picture.image.width;

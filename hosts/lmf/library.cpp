@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "files.h"
+#include "picture_loader.h"
 
 namespace lmf::host {
 
@@ -45,15 +46,18 @@ const char *ErrorText(int code) {
     return code >= 0 && code < LMF_ERROR_COUNT ? kTexts[code] : kTexts[LMF_ERROR_LIBRARY];
 }
 
-FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, Report &report) {
+FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, const Limits &limits,
+                          Report &report) {
     LmfHandle image = picture.image.block;
     LmfHandle second = picture.alpha.block;
     BatchRecord record;
     LmfExtendedHooks extended = {};
     extended.size = sizeof extended;
+    extended.hooks.loadPicture = LoadPicture;
+    PictureLoader loader = {limits, report};
     extended.clipboard = clipboard.block;
     constexpr uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | LMF_RUN_EXTENDED;
-    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
+    const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
                                                 0, &extended.hooks);
     if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
     Bitmap result;

@@ -28,8 +28,9 @@ const char *ErrorText(int code);
 
 /// Runs the filter that the settings in the private folder name, without a window. The picture is replaced by the
 /// result; on failure it stays as it was. `clipboard` plays the part of the clipboard's picture unless it is empty.
-/// `report` takes the warning about an alpha that does not fit the result.
+/// Picture files that the filter asks for are read within `limits`. `report` takes warnings: an alpha that does not fit
+/// the result, such a file that cannot be read.
 [[nodiscard]] FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard,
-                                        Report &report);
+                                        const Limits &limits, Report &report);
 
 } // namespace lmf::host
