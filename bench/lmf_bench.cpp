@@ -19,7 +19,9 @@
 #include <CLI/CLI.hpp>
 
 #include "engine/apply.h"
+#include "engine/destinations_file.h"
 #include "engine/do_image_filter.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -252,6 +254,8 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
         const FilterEntry &entry = FilterCatalogue[row];
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
         FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle);
+        context.filterIndex = row;
+        (void)ChooseDestination(context);
         const Measurement measured = Measure(row, picture, context.second, context, options.repetitions);
         const char *depth = mode == kModeGrey ? "grey" : "color";
         if (measured.copies < 0) {
@@ -290,7 +294,8 @@ int main(int argc, char **argv) {
     app.add_flag("--json", options.json, "an array of results");
     CLI11_PARSE(app, argc, argv);
 
-    // No folder of settings: the factory values count, and what --set changes.
+    // No folder of settings: the factory values count, and what --set changes. What lies beside the library lies here.
+    KeepModuleFolder(nullptr);
     setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
     if (!std::all_of(options.filters.begin(), options.filters.end(), CheckName) ||
         !std::all_of(options.settings.begin(), options.settings.end(), SetParameter))

@@ -41,7 +41,10 @@ enum {
     LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
     LMF_RUN_FRAMELOOM = 256,   /* the animation host Frameloom */
     LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: `hooks`, where given, points to an LmfExtendedHooks; wide
-                                  pictures (see below) */
+                                  pictures (see below); and Social Media takes its destination by number from the
+                                  user's list or the library's own, which no dialog could show: it fails with _OPEN
+                                  without a list and with _CORRUPTED for a destination that is not there or has no
+                                  size */
 };
 
 /* Wide pictures: Average and Edge Enhancement count byte offsets in 16 bits, as hosts know them, so that in pictures
@@ -224,6 +227,8 @@ typedef struct LmfExtendedHooks {
     const char *settings; /* in: lines "Key = value" as in a settings file, which they outdo for this call only; also
                              keys that no file keeps, such as FilterCropLeft; may be null */
     LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
+    const char *destinations; /* in: the file with the list from which Social Media takes its destination; null: the
+                                 user's list, or else the library's own */
 } LmfExtendedHooks;
 
 /* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */

@@ -8,6 +8,7 @@
 #include <map>
 #include <new>
 
+#include "destinations.h"
 #include "files.h"
 #include "progress.h"
 
@@ -81,7 +82,8 @@ std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, co
     const char *mode = ModeName(picture.image);
     if (!Accepts(filter, mode)) return DescribeMode(filter, mode, outcome.errorCode);
     const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
-    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)" : text;
+    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)"
+                                                  : text + DestinationAdvice(filter, outcome.errorCode);
 }
 
 // Whether the filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors tell.
@@ -94,7 +96,7 @@ bool MayTake(const Json &filter, int bits, Report &report) {
 bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &report) {
     for (const Step &step : job.steps) {
         const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
-                                 ClockFor(step, grain)};
+                                 job.destinations, ClockFor(step, grain)};
         const FilterOutcome filtered = ApplyFilter(job.library, call, picture, report);
         if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture));
     }
@@ -248,6 +250,11 @@ int Apply(const ApplyRequest &request) {
     if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
         Complain(Printable(request.folder) + ": " + report.error);
         return kUnwritable;
+    }
+    for (const Step &step : job.steps) {
+        if (FindDestinations(*step.filter, job.destinations, report)) continue;
+        Complain(report.error);
+        return kFilterFailed;
     }
     CleanUpOnSignals();
     if (!job.library.Load(request.library, report)) {

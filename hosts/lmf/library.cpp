@@ -75,6 +75,7 @@ FilterOutcome ApplyFilter(const Library &library, const FilterCall &call, Pictur
     extended.hooks.loadPicture = LoadPicture;
     extended.settings = call.lines.c_str();
     extended.clipboard = call.clipboard->block;
+    extended.destinations = call.destinations.empty() ? nullptr : call.destinations.c_str();
     PictureLoader loader = {*call.limits, report};
     const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, kRunFlags, nullptr, nullptr,
                                                 0, 0, &extended.hooks);

@@ -24,6 +24,8 @@ struct FilterContext : FilterParameters {
     bool runsOnSecond;                 ///< the kernel runs on `second`, after it ran on `source`
     DibHandle clipboard;               ///< plays the part of the clipboard: a picture of the host, or null
     int32_t resultWidth, resultHeight; ///< of `result`, pixels
+    const char *destinations;          ///< file of the host with the list for Social Media; null: the user's
+    int32_t destinationWidth, destinationDepth; ///< that Social Media makes, pixels; 0 while none is chosen
     Color paperColor;
     ByteOffsets byteOffsets; ///< of the 5 x 5 windows: whole in windows and in extended calls
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion
