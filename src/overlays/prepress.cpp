@@ -12,7 +12,7 @@
 #include "image/core/dib_ops.h"
 #include "image/draw/gdi_canvas.h"
 #include "image/scale/steps.h"
-#include "overlays/text_layout.h"
+#include "overlays/canvas_text.h"
 #include "overlays/text_macros.h"
 #include "platform/system.h"
 
@@ -192,15 +192,12 @@ void DrawAlignmentMarks(const WriteView &sheet, const SheetPlan &plan) {
     }
 }
 
-/// Draws a text in a box of the canvas.
+/// Draws a line of text in a box of the sheet; without memory it is left out.
 void DrawLabel(const GdiCanvas &canvas, TextFont *font, const char *text, const DrawBox &box, uint32_t format,
                Color color) {
-    const WriteView &view = canvas.lock->view;
-    const DrawPoint origin = canvas.origin;
-    TextRect rect = {static_cast<int32_t>(box.left - origin.x), static_cast<int32_t>(box.top - origin.y),
-                     static_cast<int32_t>(box.right - origin.x), static_cast<int32_t>(box.bottom - origin.y)};
-    const TextSurface surface = {view.Row(0), view.width, view.height, -view.stride};
-    (void)DrawTextPlain({font, {color, 0}, surface}, text, &rect, format | kTextSingleLine);
+    const TextRect rect = {static_cast<int32_t>(box.left), static_cast<int32_t>(box.top),
+                           static_cast<int32_t>(box.right), static_cast<int32_t>(box.bottom)};
+    (void)CanvasDrawText(canvas, {font, text, rect, format | kTextSingleLine}, {color, 0});
 }
 
 /// Steps from full ink to none, one below the other. Without a font they have no labels.
