@@ -40,7 +40,8 @@ enum {
     LMF_RUN_SCALE_DIALOG = 64, /* the dialog grows to its parent's size */
     LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
     LMF_RUN_FRAMELOOM = 256,   /* the animation host Frameloom */
-    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: `hooks`, where given, points to an LmfExtendedHooks */
+    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: a filter that looks at the picture first, for faces, does so; and
+                                  `hooks`, where given, points to an LmfExtendedHooks */
 };
 
 /* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code

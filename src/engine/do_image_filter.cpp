@@ -87,6 +87,8 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
     context.ditherBrightness = Settings.DitherBrightness;
     context.ditherContrast = Settings.DitherContrast;
     context.hostReserved = hostReserved;
+    std::memcpy(context.faceCascade, Settings.FaceDetectCascade, kTextSize);
+    std::memcpy(context.eyesCascade, Settings.FaceEyesDetectCascade, kTextSize);
     if (!DibInfo(source, &context.width, &context.height, nullptr, nullptr)) return false;
     context.resultWidth = context.width;
     context.resultHeight = context.height;
@@ -96,7 +98,8 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
 
 /// Until there is a window to open, only the direct path can run a filter.
 uint32_t Run(uint32_t runFlags, FilterContext &context) {
-    if (runFlags & LMF_RUN_DIRECT) return ApplyFilterDirect(&context);
+    if (runFlags & LMF_RUN_DIRECT)
+        return runFlags & LMF_RUN_EXTENDED ? ApplyFilterPrepared(&context) : ApplyFilterDirect(&context);
     context.errorCode = LMF_ERROR_UNSUPPORTED;
     return 0;
 }
