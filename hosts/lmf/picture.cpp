@@ -240,8 +240,9 @@ bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture
     return codec->read(file, limits, picture, report);
 }
 
-bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding, Report &report) {
-    const Codec *codec = CodecForName(path);
+bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture, const Encoding &encoding,
+                  Report &report) {
+    if (!codec) codec = CodecForName(path);
     if (!codec) codec = picture.codec;
     const int side = std::max(picture.image.width, picture.image.height);
     if (side > codec->longestSide)

@@ -139,12 +139,12 @@ extern const Codec kBmp;
 /// Finds the format of a file name's extension, in any case; null if there is none.
 const Codec *CodecForName(const std::string &path);
 
-/// Reads a picture file of any format; the content decides which.
+/// Reads a picture file of any format; the content decides which. "-" is standard input.
 [[nodiscard]] bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture, Report &report);
 
-/// Writes beside `path` and renames, so that the file appears whole or not at all. The extension picks the format; a
-/// name without one takes the format that the picture was read from.
-[[nodiscard]] bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding,
-                                Report &report);
+/// Writes beside `path` and renames, so that the file appears whole or not at all; "-" is standard output. Without a
+/// `codec` the extension picks the format; a name without one takes the format that the picture was read from.
+[[nodiscard]] bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture,
+                                const Encoding &encoding, Report &report);
 
 } // namespace lmf::host
