@@ -72,11 +72,17 @@ std::string NameOf(const Json &filter) {
     return filter["name"];
 }
 
-std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
+std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture,
+                            const Library &library) {
     const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
     const char *mode = ModeName(picture.image);
     if (!Accepts(filter, mode)) return text + " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
     if (filter["needsAlpha"] && !picture.alpha) return text + " (it takes pictures with alpha)";
+    if (filter["needsFaceFinder"] && !FileExists(library.finderFolder + "libcv_x64.so"))
+        return NameOf(filter) + ": the face finder is not installed; run scripts/setup --faces, then build again";
+    if (filter["needsFaceFinder"])
+        return text + " (or a face finder that cannot work: its cascades belong into " +
+               Printable(library.finderFolder) + ")";
     return text;
 }
 
@@ -85,7 +91,7 @@ bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &repo
     for (const Step &step : job.steps) {
         const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, ClockFor(step, grain)};
         const FilterOutcome filtered = ApplyFilter(job.library, call, picture, report);
-        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture));
+        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture, job.library));
     }
     return true;
 }
@@ -158,7 +164,8 @@ int RunTasks(const ApplyRequest &request, const Job &job, const std::vector<Task
         failed += outcome.code != kDone;
         skipped += outcome.skipped;
         // At once, so that a program that reads the lines knows how far the run is, and an interrupted one has told.
-        if (request.json) PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
+        if (request.json)
+            PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
     }
     progress.Clear();
     if (tasks.size() > 1 && !request.quiet) SumUp(tasks.size(), failed, skipped);
