@@ -16,8 +16,10 @@ BlockHandle MakeFaceList(const std::vector<FaceBox> &faces, const std::vector<Fa
         }
     }
     const BlockHandle list = BlockAlloc(bytes.size() - missing);
-    std::memcpy(BlockLock(list), bytes.data(), bytes.size() - missing);
-    BlockUnlock(list);
+    if (void *to = BlockLock(list)) {
+        std::memcpy(to, bytes.data(), bytes.size() - missing);
+        BlockUnlock(list);
+    }
     return list;
 }
 
