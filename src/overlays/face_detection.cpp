@@ -151,15 +151,52 @@ DibHandle GreyOfMask(const ReadView &mask) {
     return pass.Finish();
 }
 
-/// What is seen where the source does not stay: a picture of its size, or of its width and one row that serves for all.
-/// Null on failure.
-DibHandle PictureBehind(const ReadView &source, const FilterContext &context, Effect effect) {
-    const int32_t blur = context.FilterFaceDetectBlur;
-    if (effect == Effect::Paper) return DibCreateSolid(source.width, 1, context.paperColor);
-    if (blur == 0) return DibClone(source);
-    if (effect == Effect::Blur) return GaussianBlurDirect(source, kBlurRadius, blur + 2);
-    return Obscure(source, context.FilterFaceDetectObscure, context.FilterObscureRule, context.paperColor);
+/// Rows first <= y < end, counted as they lie in memory.
+struct RowRange {
+    int32_t first = 0, end = 0;
+};
+
+/// The rows between the first and the last one that the mask does not keep whole; none where it keeps all.
+RowRange TouchedRows(const ReadView &mask) {
+    const auto isWhole = [&](int32_t y) {
+        const uint8_t *row = mask.MemoryRow(y);
+        return std::all_of(row, row + mask.width, [](uint8_t level) { return level == 255; });
+    };
+    RowRange rows = {0, mask.height};
+    while (rows.end > 0 && isWhole(rows.end - 1)) rows.end--;
+    while (rows.first < rows.end && isWhole(rows.first)) rows.first++;
+    return rows;
 }
+
+/// What is seen where the source does not stay, in rows of its width.
+struct Backdrop {
+    LockedDib made;
+    ReadView view;        ///< of what was made, or the source itself where that is to be seen
+    int32_t firstRow = 0; ///< of the source, that the view begins with; the one row of a plain colour serves for all
+
+    Backdrop(const ReadView &source, const RowRange &rows, const FilterContext &context, Effect effect) : view(source) {
+        const int32_t blur = context.FilterFaceDetectBlur;
+        if (effect == Effect::Paper) {
+            Take(DibCreateSolid(source.width, 1, context.paperColor));
+        } else if (effect == Effect::Obscure && blur > 0) {
+            Take(Obscure(source, context.FilterFaceDetectObscure, context.FilterObscureRule, context.paperColor));
+        } else if (blur > 0) {
+            // More rows than the blur is wide on either side, so that it sees what it would see in the whole picture.
+            constexpr int32_t kAround = 2 * kBlurRadius / 10 + 2;
+            firstRow = std::max(rows.first - kAround, 0);
+            view.bottom = source.MemoryRow(firstRow);
+            view.height = std::min(rows.end + kAround, source.height) - firstRow;
+            Take(GaussianBlurDirect(view, kBlurRadius, blur + 2));
+        }
+    }
+    int32_t RowFor(int32_t y) const { return view.height == 1 ? 0 : y - firstRow; }
+
+private:
+    void Take(DibHandle picture) {
+        made = LockedDib(picture);
+        view = made;
+    }
+};
 
 /// Mixes rows of 24-bit pixels: `from` where the mask is 255, `other` where it is 0. Each share is truncated.
 LMF_MULTIVERSION
@@ -171,15 +208,19 @@ void MixRow(uint8_t *__restrict to, const uint8_t *from, const uint8_t *other, c
 
 /// The 24-bit result of the functions that change the picture itself; null on failure.
 DibHandle MixFaces(const ReadView &source, const ReadView &mask, const FilterContext &context, Effect effect) {
-    const LockedDib behind(PictureBehind(source, context, effect));
+    const RowRange touched = TouchedRows(mask);
+    const Backdrop backdrop(source, touched, context, effect);
     LockedDib result(DibCreate(source.width, source.height, nullptr, 24));
-    if (!behind || !result) return nullptr;
-    const ReadView behindView = behind;
-    RgbRows from(source), other(behindView);
-    if (!from || !other) return nullptr;
-    for (int32_t y = 0; y < source.height; y++)
-        MixRow(result.View().MemoryRow(y), from.MemoryRow(y), other.MemoryRow(behindView.height == 1 ? 0 : y),
-               mask.MemoryRow(y), source.width);
+    if (backdrop.view.width == 0 || !result) return nullptr;
+    RgbRows from(source), behind(backdrop.view);
+    if (!from || !behind) return nullptr;
+    for (int32_t y = 0; y < source.height; y++) {
+        uint8_t *to = result.View().MemoryRow(y);
+        if (y < touched.first || y >= touched.end)
+            std::copy_n(from.MemoryRow(y), static_cast<size_t>(source.width) * 3, to);
+        else
+            MixRow(to, from.MemoryRow(y), behind.MemoryRow(backdrop.RowFor(y)), mask.MemoryRow(y), source.width);
+    }
     return result.Release();
 }
 
