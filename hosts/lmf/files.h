@@ -13,7 +13,8 @@ namespace lmf::host {
 /// The name of standard input where something is read and of standard output where something is written.
 inline constexpr std::string_view kStandardStream = "-";
 
-/// Reads a whole file, or standard input. `recognise` sees its first bytes (at most 64) and ends the read by giving false.
+/// Reads a whole file, or standard input. `recognise` sees its first bytes (at most 64) and ends the read by giving
+/// false.
 [[nodiscard]] bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes,
                             Report &report);
 
