@@ -78,10 +78,16 @@ std::string DescribeMode(const Json &filter, const char *mode, int errorCode) {
            mode + ")";
 }
 
-std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
+std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture,
+                            const Library &library) {
     const char *mode = ModeName(picture.image);
     if (!Accepts(filter, mode)) return DescribeMode(filter, mode, outcome.errorCode);
     const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
+    if (filter["needsFaceFinder"] && !FileExists(library.finderFolder + "libcv_x64.so"))
+        return NameOf(filter) + ": the face finder is not installed; run scripts/setup --faces, then build again";
+    if (filter["needsFaceFinder"])
+        return text + " (or a face finder that cannot work: its cascades belong into " +
+               Printable(library.finderFolder) + ")";
     return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)"
                                                   : text + DestinationAdvice(filter, outcome.errorCode);
 }
@@ -98,7 +104,7 @@ bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &repo
         const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
                                  job.destinations, ClockFor(step, grain)};
         const FilterOutcome filtered = ApplyFilter(job.library, call, picture, report);
-        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture));
+        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture, job.library));
     }
     return true;
 }

@@ -53,6 +53,10 @@ bool Library::Load(std::string path, Report &report) {
     if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());
     doImageFilter = reinterpret_cast<decltype(doImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
     if (!doImageFilter) return report.Fail(path + " is not the filter library");
+    if (char *file = realpath(path.c_str(), nullptr)) {
+        finderFolder = std::string(file, std::string_view(file).rfind('/')) + "/cv/";
+        std::free(file);
+    }
     return true;
 }
 

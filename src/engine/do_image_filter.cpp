@@ -88,6 +88,8 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
     context.ditherBrightness = Settings.DitherBrightness;
     context.ditherContrast = Settings.DitherContrast;
     context.hostReserved = hostReserved;
+    std::memcpy(context.faceCascade, Settings.FaceDetectCascade, kTextSize);
+    std::memcpy(context.eyesCascade, Settings.FaceEyesDetectCascade, kTextSize);
     if (!DibInfo(source, &context.width, &context.height, nullptr, nullptr)) return false;
     context.resultWidth = context.width;
     context.resultHeight = context.height;
@@ -107,9 +109,10 @@ uint32_t Run(uint32_t runFlags, FilterContext &context) {
         context.errorCode = LMF_ERROR_UNSUPPORTED;
         return 0;
     }
+    if (!(runFlags & LMF_RUN_EXTENDED)) return ApplyFilterDirect(&context);
     // What a window would ask for.
-    if (runFlags & LMF_RUN_EXTENDED) context.errorCode = ChooseDestination(context);
-    return context.errorCode == LMF_ERROR_OK ? ApplyFilterDirect(&context) : 0;
+    context.errorCode = ChooseDestination(context);
+    return context.errorCode == LMF_ERROR_OK ? ApplyFilterPrepared(&context) : 0;
 }
 
 constexpr uint32_t kExtendedFlags = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;

@@ -33,6 +33,10 @@ struct FilterContext : FilterParameters {
     int32_t errorCode;                        ///< an LMF_ERROR_
     DibHandle auxImage; ///< owned: a further picture that a kernel leaves behind; freed before every run
     int32_t hostReserved;
+    /// The names of the cascade files, as the general settings have them.
+    SettingText faceCascade, eyesCascade;
+    BlockHandle FaceDetectList; ///< what FilterPrepare of Face Detection found (a FaceList), until its last phase
+    BlockHandle RedeyeList;     ///< the same of Red-eye Reduction
 };
 
 /// Makes `made`, which may be null for none, the second picture of the result.
