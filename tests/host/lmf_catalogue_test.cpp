@@ -87,7 +87,7 @@ TEST_F(LmfCatalogue, ListsWhatRunsAndLooksForWords) {
     for (const FilterEntry &entry : FilterCatalogue) {
         if (entry.filter->FilterKernel != nullptr) continue;
         EXPECT_TRUE(Has(Run({"show", entry.name}).output, "This version cannot run it."));
-        EXPECT_FALSE(Has(Run({"list"}).output, "\n" + std::string(entry.name) + " "));
+        EXPECT_FALSE(Has(Run({"list"}).output, std::string("\n").append(entry.name).append(" ")));
     }
     EXPECT_EQ(Run({"--version"}).output.substr(0, 6), "lmf 0.");
 }
