@@ -83,7 +83,7 @@ protected:
 
     std::filesystem::path home;
     void *library = nullptr;
-    decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
+    LmfDoImageFilter doImageFilter = nullptr;
 };
 
 TEST_F(Library, ExportsExactlyTheNamesOfTheListAndSaysWhatItIs) {
