@@ -22,7 +22,7 @@ struct Point {
     double x, y;
 };
 
-constexpr Point kSun = {985, 372};
+constexpr Point kSun = {880, 352};
 
 Tint Mix(const Tint &a, const Tint &b, double part) {
     const double t = std::clamp(part, 0.0, 1.0);
@@ -56,11 +56,15 @@ double Scatter(int x, int y, uint32_t seed) {
     return (bits ^ bits >> 15) / 4294967295.0;
 }
 
+// The whole number below, for coordinates above -1000; much faster than std::floor.
+int Below(double at) {
+    return int(at + 1000) - 1000;
+}
+
 // Scatter between the points of the grid.
 double Noise(double x, double y, uint32_t seed) {
-    const double left = std::floor(x), top = std::floor(y);
-    const double across = Ramp(0, 1, x - left), down = Ramp(0, 1, y - top);
-    const int column = int(left), row = int(top);
+    const int column = Below(x), row = Below(y);
+    const double across = Ramp(0, 1, x - column), down = Ramp(0, 1, y - row);
     const auto between = [&](int line) {
         const double a = Scatter(column, line, seed);
         return a + (Scatter(column + 1, line, seed) - a) * across;
@@ -110,7 +114,7 @@ private:
     // The highest twig over a column among the firs near it, one every 9 pixels or so.
     static double Treetop(double x, double ground) {
         double top = ground;
-        const int nearest = int(std::floor(x / 9));
+        const int nearest = Below(x / 9);
         for (int fir = nearest - 2; fir <= nearest + 2; ++fir) {
             const double trunk = (fir + Scatter(fir, 1, 7)) * 9;
             const double height = 14 + 26 * Scatter(fir, 2, 7) * Noise(x / 60, 0.5, 9);
@@ -130,11 +134,13 @@ Tint Sky(double x, double y) {
     // Clouds lie flat, thin out towards the top and glow towards the sun.
     const double cloud = Fractal(x / 250 + 0.3 * Fractal(x / 90, y / 40, 51, 3), y / 74, 41, 6);
     const double cover = Ramp(0.5, 0.72, cloud) * Ramp(-40, 120, y) * Ramp(520, 330, y);
-    const double shade = Ramp(0.55, 0.85, Fractal(x / 250 + 0.02, y / 74 + 0.12, 41, 6));
-    const Tint white = Mix({252, 240, 228}, {255, 226, 180}, Ramp(500, 60, fromSun));
-    tint = Mix(tint, Mix(white, {176, 172, 190}, 0.7 * shade), 0.85 * cover);
+    if (cover > 0) {
+        const double shade = Ramp(0.55, 0.85, Fractal(x / 250 + 0.02, y / 74 + 0.12, 41, 6));
+        const Tint white = Mix({252, 240, 228}, {255, 226, 180}, Ramp(500, 60, fromSun));
+        tint = Mix(tint, Mix(white, {176, 172, 190}, 0.7 * shade), 0.85 * cover);
+    }
     tint = Mix(tint, {255, 240, 205}, Ramp(120, 30, fromSun));
-    return Mix(tint, {255, 252, 238}, Coverage(34 - fromSun));
+    return Mix(tint, {255, 252, 238}, Coverage(34 - Length(x - kSun.x, y - kSun.y)));
 }
 
 // Rock and snow, lit from the right.
@@ -179,7 +185,7 @@ struct Balloon {
             tint = Mix(tint, {70, 52, 40}, 0.8 * Coverage(0.4 - std::fabs(std::fabs(across) - rope) * kRadius));
         }
         const double basket = std::min({0.14 - std::fabs(across), down - 1.64, 1.82 - down}) * kRadius;
-        const double weave = 0.75 + 0.25 * Scatter(int(std::floor(x / 3)), int(std::floor(y / 3)), 5);
+        const double weave = 0.75 + 0.25 * Scatter(Below(x / 3), Below(y / 3), 5);
         tint = Mix(tint, Lit({134, 88, 50}, weave * (0.8 + 2 * across)), Coverage(basket));
     }
 
@@ -263,7 +269,7 @@ void DrawBlade(const Picture &picture, const Point &foot, double height, double 
     for (double up = 0; up < height; up += 0.5) {
         const double along = up / height;
         const double x = foot.x + bend * along * along;
-        const int column = int(std::floor(x));
+        const int column = Below(x);
         const double part = 0.5 * (1 - 0.5 * along), right = x - column;
         const Tint lit = Mix(Lit(tint, 0.5), tint, along);
         SetPixel(picture, column, int(foot.y - up), lit, part * (1 - right));
