@@ -70,11 +70,15 @@ std::string SystemError() {
     return std::strerror(errno);
 }
 
-bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report) {
+bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report,
+              bool regularOnly) {
+    struct stat state;
+    // Before it is opened: a pipe that nobody writes to would never open.
+    if (regularOnly && stat(path.c_str(), &state) == 0 && !S_ISREG(state.st_mode))
+        return report.Fail(S_ISDIR(state.st_mode) ? "this is a folder" : "this is no regular file");
     std::FILE *file = std::fopen(path.c_str(), "rbe");
     if (!file) return report.Fail(SystemError());
     const FileCloser closer{file};
-    struct stat state;
     if (fstat(fileno(file), &state) == 0 && S_ISDIR(state.st_mode)) return report.Fail("this is a folder");
     bytes.resize(kStartBytes);
     size_t filled = std::fread(bytes.data(), 1, kStartBytes, file);

@@ -8,7 +8,6 @@
 
 #include "apply.h"
 #include "catalogue.h"
-#include "exif.h"
 #include "progress.h"
 
 namespace lmf::host {
@@ -215,7 +214,7 @@ int Show(const Arguments &arguments) {
     return kDone;
 }
 
-Json DescribePicture(const std::string &path, const Picture &picture) {
+Json DescribePicture(const std::string &path, const Picture &picture, Report &report) {
     Json entry;
     entry["file"] = path;
     entry["format"] = picture.codec->name;
@@ -224,9 +223,9 @@ Json DescribePicture(const std::string &path, const Picture &picture) {
     entry["bits"] = picture.image.bits;
     entry["mode"] = ModeName(picture.image);
     entry["alpha"] = HasAlpha(picture);
-    entry["iccBytes"] = picture.icc.size();
-    entry["exifBytes"] = picture.exif.size();
-    entry["orientation"] = ExifOrientation(picture.exif);
+    entry["iccBytes"] = picture.metadata.icc.size();
+    entry["exifBytes"] = picture.metadata.exif.size();
+    entry["orientation"] = ExifOrientation(picture.metadata.exif, report);
     return entry;
 }
 
@@ -253,15 +252,15 @@ int Info(const Arguments &arguments) {
             continue;
         }
         for (const std::string &warning : report.warnings) Complain(Printable(path) + ": warning: " + warning);
-        document.push_back(DescribePicture(path, picture));
+        document.push_back(DescribePicture(path, picture, report));
         if (json) continue;
         const Json &entry = document.back();
         std::string text = Printable(path) + ": " + picture.codec->name + ", " + std::to_string(picture.image.width) +
                            " x " + std::to_string(picture.image.height) + ", " + std::to_string(picture.image.bits) +
                            " bits, " + ModeName(picture.image);
         if (HasAlpha(picture)) text += ", alpha";
-        if (!picture.icc.empty()) text += ", ICC profile";
-        if (!picture.exif.empty()) text += ", EXIF";
+        if (!picture.metadata.icc.empty()) text += ", ICC profile";
+        if (!picture.metadata.exif.empty()) text += ", EXIF";
         if (entry["orientation"] != 0) text += ", orientation " + entry["orientation"].dump();
         Print(text + "\n");
     }
