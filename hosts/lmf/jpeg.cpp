@@ -369,6 +369,6 @@ constexpr unsigned kHolds = kHoldsExif | kHoldsXmp | kHoldsIptc | kHoldsComment 
 
 } // namespace
 
-const Codec kJpeg = {"JPEG", ";jpg;jpeg;jpe;jfif;", JPEG_MAX_DIMENSION, kHolds, Recognises, Read, Write};
+const Codec kJpeg = {"JPEG", ";jpg;jpeg;jpe;jfif;", JPEG_MAX_DIMENSION, kHolds, kObeysQuality | kObeysJpeg, Recognises, Read, Write};
 
 } // namespace lmf::host

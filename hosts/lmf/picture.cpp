@@ -27,6 +27,18 @@ uint8_t AlphaAt(const Picture &picture, const uint8_t *imageRow, const uint8_t *
     return picture.image.bits == 32 ? imageRow[4 * x + 3] : 255;
 }
 
+// Says which of the wishes the format has no ear for.
+void TellUnheard(const Encoding &encoding, const Codec &codec, Report &report) {
+    const auto tell = [&](bool asked, unsigned kind, const char *option) {
+        if (asked && !(codec.obeys & kind)) report.Warn(std::string(option) + " has no effect on " + codec.name);
+    };
+    tell(encoding.quality > 0, kObeysQuality, "--quality");
+    tell(encoding.chroma != Chroma::kKeep, kObeysJpeg, "--chroma");
+    tell(encoding.progressive, kObeysJpeg, "--progressive");
+    tell(encoding.lossless, kObeysLossless, "--lossless");
+    tell(encoding.compression >= 0, kObeysCompression, "--compression");
+}
+
 } // namespace
 
 void Report::WarnOfDamage(const std::string &text) {
@@ -263,13 +275,15 @@ bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture
     return true;
 }
 
-bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding, Report &report) {
-    const Codec *codec = CodecForName(path);
+bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture, const Encoding &encoding,
+                  Report &report) {
+    if (!codec) codec = CodecForName(path);
     if (!codec) codec = picture.codec;
     const int side = std::max(picture.image.width, picture.image.height);
     if (side > codec->longestSide)
         return report.Fail(std::string(codec->name) + " holds at most " + std::to_string(codec->longestSide) +
                            " pixels a side, and the result has " + std::to_string(side));
+    TellUnheard(encoding, *codec, report);
     Metadata metadata = picture.metadata;
     if (encoding.strip) StripMetadata(metadata, report);
     const Bitmap &image = picture.image;

@@ -30,9 +30,12 @@ struct Encoding {
     Chroma chroma = Chroma::kKeep;
     bool progressive = false; // JPEG only
     bool lossless = false;    // WebP only
-    int compression = 4;      // PNG only, 0 to 9
+    int compression = -1;     // PNG only, 0 to 9; -1: the usual
     bool strip = false;       // no metadata but colours and orientation
 };
+
+/// What a format may let be chosen; of these a codec's `obeys` is made.
+enum Obeys : unsigned { kObeysQuality = 1, kObeysJpeg = 2, kObeysLossless = 4, kObeysCompression = 8 };
 
 /// Owns one packed bitmap block (see lmf16filter.h) and keeps it locked while it lives.
 struct Bitmap {
@@ -140,6 +143,7 @@ struct Codec {
     const char *extensions; // each with a leading and a closing semicolon, small letters
     int longestSide;        // that the format can hold
     unsigned holds;         // of metadata, see Holds
+    unsigned obeys;         // of what an Encoding asks for, see Obeys
     bool (*recognises)(ByteView start);
     bool (*read)(ByteView file, const Limits &limits, Picture &picture, Report &report);
     /// `metadata` is what the format can hold of the picture's.
@@ -156,12 +160,12 @@ extern const Codec kBmp;
 /// Finds the format of a file name's extension, in any case; null if there is none.
 const Codec *CodecForName(const std::string &path);
 
-/// Reads a picture file of any format; the content decides which.
+/// Reads a picture file of any format; the content decides which. "-" is standard input.
 [[nodiscard]] bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture, Report &report);
 
-/// Writes beside `path` and renames, so that the file appears whole or not at all. The extension picks the format; a
-/// name without one takes the format that the picture was read from.
-[[nodiscard]] bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding,
-                                Report &report);
+/// Writes beside `path` and renames, so that the file appears whole or not at all; "-" is standard output. Without a
+/// `codec` the extension picks the format; a name without one takes the format that the picture was read from.
+[[nodiscard]] bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture,
+                                const Encoding &encoding, Report &report);
 
 } // namespace lmf::host

@@ -151,8 +151,10 @@ bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, co
     return true;
 }
 
+constexpr unsigned kHolds = kHoldsExif | kHoldsXmp;
+
 } // namespace
 
-const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, kHoldsExif | kHoldsXmp, Recognises, Read, Write};
+const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, kHolds, kObeysQuality | kObeysLossless, Recognises, Read, Write};
 
 } // namespace lmf::host
