@@ -1,4 +1,5 @@
-// What the filters are called and said to do, for those who look for one by a word. The library itself knows names only.
+// What the filters are called and said to do, for those who look for one by a word. The library itself knows names
+// only.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +15,8 @@ struct FilterWords {
 };
 
 inline constexpr FilterWords kFilterWords[] = {
-    {LMF_FILTER_ADD_ALPHA, "Makes the whole picture transparent, or what a mask picture says", "alpha;opacity;transparency"},
+    {LMF_FILTER_ADD_ALPHA, "Makes the whole picture transparent, or what a mask picture says",
+     "alpha;opacity;transparency"},
     {LMF_FILTER_ADD_NOISE, "Lays random grain over the picture", "noise;grain;gaussian noise"},
     {LMF_FILTER_ALPHA_SHADOW, "Lets what stands out of the transparency cast a shadow", "drop shadow"},
     {LMF_FILTER_AVERAGE, "Blurs a little: the mean of 3 x 3 or 5 x 5 pixels", "mean;box blur;smooth"},
@@ -26,8 +28,10 @@ inline constexpr FilterWords kFilterWords[] = {
     {LMF_FILTER_CAPTION, "Writes a caption on a strip below the picture", "title;annotate"},
     {LMF_FILTER_CHANNELS, "Swaps red, green and blue, or copies one over another", "swap channels;channel mixer"},
     {LMF_FILTER_COLOR_AND_INTENSITY, "Adds or takes away red, green, blue and light", "color balance;rgb"},
-    {LMF_FILTER_CONTRAST_AND_BRIGHTNESS, "Changes contrast and brightness", "contrast;brightness;brightness and contrast"},
-    {LMF_FILTER_CONVERT_TO_256_COLORS, "Turns the picture into one with a palette of 256 colors", "palette;indexed;quantize"},
+    {LMF_FILTER_CONTRAST_AND_BRIGHTNESS, "Changes contrast and brightness",
+     "contrast;brightness;brightness and contrast"},
+    {LMF_FILTER_CONVERT_TO_256_COLORS, "Turns the picture into one with a palette of 256 colors",
+     "palette;indexed;quantize"},
     {LMF_FILTER_CONVERT_TO_GREY, "Takes the colors away: 256 shades of grey",
      "grayscale;greyscale;gray;grey;convert to gray;desaturate;black and white"},
     {LMF_FILTER_CONVERT_TO_MONO, "Leaves black and white alone, by dithering or at a threshold",
@@ -89,7 +93,8 @@ inline constexpr FilterWords kFilterWords[] = {
     {LMF_FILTER_ROTATE, "Turns the picture, to the left or to the right", "turn;straighten"},
     {LMF_FILTER_ROUND, "Bevels the edge with a round profile", "round bevel"},
     {LMF_FILTER_SEAMLESS, "Makes a tile that repeats without seams", "texture tile"},
-    {LMF_FILTER_SEPIA, "Tones the picture brown; turns olive where Threshold is high", "vintage;sepia tone;aged;antique"},
+    {LMF_FILTER_SEPIA, "Tones the picture brown; turns olive where Threshold is high",
+     "vintage;sepia tone;aged;antique"},
     {LMF_FILTER_SHADE, "Lights the picture from one side, darkly", "shading;light"},
     {LMF_FILTER_SHADOW, "Lets the whole picture cast a shadow on a larger sheet", "picture shadow"},
     {LMF_FILTER_SHAPE_MASK, "Keeps what lies in an ellipse, a diamond or another shape", "mask;ellipse;cut out"},
@@ -99,7 +104,8 @@ inline constexpr FilterWords kFilterWords[] = {
     {LMF_FILTER_SIGMOIDAL_CONTRAST, "Raises contrast along a soft curve about a midpoint", "s curve;curves"},
     {LMF_FILTER_SOCIAL_MEDIA, "Fits the picture into a size for a web service", "social"},
     {LMF_FILTER_SOLARIZE, "Turns the dark half of the tones into its negative", "solarise"},
-    {LMF_FILTER_SPLIT_CHANNELS, "Shows one color plane: red, cyan, black, alpha, ...", "separate;channel;extract channel"},
+    {LMF_FILTER_SPLIT_CHANNELS, "Shows one color plane: red, cyan, black, alpha, ...",
+     "separate;channel;extract channel"},
     {LMF_FILTER_STARS, "Puts stars of light on bright spots", "star filter;sparkle"},
     {LMF_FILTER_STITCH, "Joins another picture (--clipboard) to one side", "append;join;montage"},
     {LMF_FILTER_SWIRL, "Twists the picture about its middle", "twirl;twist;vortex"},

@@ -72,12 +72,26 @@ std::string NameOf(const Json &filter) {
     return filter["name"];
 }
 
+std::string DescribeMode(const Json &filter, const char *mode, int errorCode) {
+    return NameOf(filter) + ": " + ErrorText(errorCode) + " (it takes " + AcceptedModes(filter) + "; this picture is " +
+           mode + ")";
+}
+
 std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
-    const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
     const char *mode = ModeName(picture.image);
-    if (!Accepts(filter, mode)) return text + " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
-    if (filter["needsAlpha"] && !picture.alpha) return text + " (it takes pictures with alpha)";
-    return text;
+    if (!Accepts(filter, mode)) return DescribeMode(filter, mode, outcome.errorCode);
+    const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
+    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)" : text;
+}
+
+// Whether the first filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors
+// tell, and all that is no true color can become it.
+bool MayTake(const Job &job, int bits, Report &report) {
+    const Json &filter = *job.steps[0].filter;
+    const char *mode = bits > 8 ? "true color" : bits == 1 ? "mono" : "palette";
+    if (bits == 8 || Accepts(filter, mode)) return true;
+    if (bits < 8 && !job.treatment.strictDepth && Accepts(filter, "true color")) return true;
+    return report.Fail(DescribeMode(filter, mode, LMF_ERROR_UNSUPPORTED));
 }
 
 // Runs the steps over the picture, each over what the one before it made.
@@ -96,7 +110,9 @@ ExitCode RunTask(const Job &job, const Task &task, TaskOutcome &outcome, Report 
         outcome.skipped = true;
         return kDone;
     }
-    if (!ReadPicture(task.input, job.limits, picture, report)) return kUnreadable;
+    bool taken = true;
+    picture.accepts = [&](int bits, Report &why) { return taken = MayTake(job, bits, why); };
+    if (!ReadPicture(task.input, job.limits, picture, report)) return taken ? kUnreadable : kFilterFailed;
     if (job.treatment.upright && !TurnUpright(picture, report)) return kUnreadable;
     const auto start = std::chrono::steady_clock::now();
     const bool filtered = RunSteps(job, task.grain, picture, report);
@@ -106,7 +122,8 @@ ExitCode RunTask(const Job &job, const Task &task, TaskOutcome &outcome, Report 
     outcome.height = picture.image.height;
     outcome.bits = picture.image.bits;
     if (WritePicture(task.output, job.codec, picture, job.encoding, report)) return kDone;
-    report.error = Printable(task.output) + ": " + report.error;
+    const bool toStream = task.output == kStandardStream;
+    report.error = (toStream ? "standard output" : Printable(task.output)) + ": " + report.error;
     return kUnwritable;
 }
 
@@ -159,7 +176,8 @@ int RunTasks(const ApplyRequest &request, const Job &job, const std::vector<Task
         failed += outcome.code != kDone;
         skipped += outcome.skipped;
         // At once, so that a program that reads the lines knows how far the run is, and an interrupted one has told.
-        if (request.json) PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
+        if (request.json)
+            PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
     }
     progress.Clear();
     if (tasks.size() > 1 && !request.quiet) SumUp(tasks.size(), failed, skipped);
@@ -183,11 +201,14 @@ bool ReadClipboard(const ApplyRequest &request, Bitmap &clipboard) {
     return true;
 }
 
-// Whether all filters of the request can run at all. Tested before anything is read.
+// Whether all filters of the request can run at all. Tested before anything is read. What a library can do that is not
+// the program's own shows only when it runs.
 bool CanRun(const ApplyRequest &request, Report &report) {
+    const bool ownLibrary = request.library.empty() && !std::getenv("LMF_LIBRARY");
     for (const StepRequest &step : request.settings.steps) {
         const Json &filter = *step.filter;
-        if (!filter["available"]) return report.Fail(NameOf(filter) + " is not in this version, which cannot run it");
+        if (ownLibrary && !filter["available"])
+            return report.Fail(NameOf(filter) + " is not in this version, which cannot run it");
         if (filter["needsClipboard"] && request.clipboard.empty())
             return report.Fail(NameOf(filter) + " needs a second picture: give it with --clipboard PICTURE");
     }
@@ -228,7 +249,7 @@ int Apply(const ApplyRequest &request) {
     }
     if (const int code = MakeSteps(request.settings, job.steps, report); code != kDone) return code;
     if (!request.quiet)
-        for (const std::string &warning : report.warnings) Complain("warning: " + warning);
+        for (const std::string &warning : report.warnings) Complain(Printable("warning: " + warning));
     if (!ReadClipboard(request, job.clipboard)) return kUnreadable;
     if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
         Complain(Printable(request.folder) + ": " + report.error);

@@ -15,12 +15,12 @@ namespace lmf::host {
 struct ApplyRequest {
     SettingsRequest settings;
     std::vector<std::string> inputs;
-    std::string output;            // of the one input, or empty
-    std::string folder;            // for the outputs of all inputs, or empty
-    std::string extension;         // --format: that of the outputs, whatever their names; empty: by name
-    std::string library;           // path of the filter library; empty: the one beside the program
-    std::string clipboard;         // a picture file that plays the part of the clipboard; empty: nothing does
-    std::optional<int64_t> seed;   // of all random numbers
+    std::string output;          // of the one input, or empty
+    std::string folder;          // for the outputs of all inputs, or empty
+    std::string extension;       // --format: that of the outputs, whatever their names; empty: by name
+    std::string library;         // path of the filter library; empty: the one beside the program
+    std::string clipboard;       // a picture file that plays the part of the clipboard; empty: nothing does
+    std::optional<int64_t> seed; // of all random numbers
     Limits limits;
     Encoding encoding;
     Treatment treatment;

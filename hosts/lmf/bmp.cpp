@@ -269,6 +269,6 @@ bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, co
 
 } // namespace
 
-const Codec kBmp = {"BMP", ";bmp;dib;", 0x7FFFFFFF, kHoldsDensity, 0, Recognises, Read, Write};
+const Codec kBmp = {"BMP", ";bmp;dib;", 0x7FFFFFFF, kHoldsDensity, kObeysLossless, Recognises, Read, Write};
 
 } // namespace lmf::host

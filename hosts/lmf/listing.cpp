@@ -41,8 +41,8 @@ std::string EntryLines(const Json &setting) {
     std::string lines;
     for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array()) {
         const std::string help = TextOf(entry, "help");
-        lines += Line(lines.empty() ? "entries" : "", entry["value"].dump() + " " + TextOf(entry, "name") +
-                                                          (help.empty() ? "" : ": " + help));
+        lines += Line(lines.empty() ? "entries" : "",
+                      entry["value"].dump() + " " + TextOf(entry, "name") + (help.empty() ? "" : ": " + help));
     }
     return lines;
 }
@@ -61,13 +61,8 @@ std::string NeedText(const Json &filter, const Json &need) {
     for (const Json &other : filter["settings"]) {
         if (other["key"] != need["key"]) continue;
         std::string values;
-        for (const Json &value : need["values"]) {
-            std::string text = value.dump();
-            if (other["type"] == "boolean") text = value == 0 ? "off" : "on";
-            for (const Json &entry : other.contains("entries") ? other["entries"] : Json::array())
-                if (entry["value"] == value) text = "\"" + TextOf(entry, "name") + "\"";
-            values += (values.empty() ? "" : " or ") + text;
-        }
+        for (const Json &value : need["values"])
+            values.append(values.empty() ? "" : " or ").append(ValueName(other, value.get<int64_t>()));
         return TextOf(other, "short") + " " + values;
     }
     return "";
@@ -75,7 +70,9 @@ std::string NeedText(const Json &filter, const Json &need) {
 
 std::string SettingText(const Json &filter, const Json &setting) {
     const std::string label = LabelOf(setting);
-    std::string text = "\n" + TextOf(setting, "short") + (label.empty() ? "" : "  \"" + label + "\"");
+    std::string text(1, '\n');
+    text += TextOf(setting, "short");
+    if (!label.empty()) text.append("  \"").append(label).append("\"");
     if (setting.contains("from")) text += "  (of " + TextOf(setting, "from") + ")";
     text += "\n";
     if (const std::string help = TextOf(setting, "help"); !help.empty()) text += "  " + help + "\n";
@@ -83,7 +80,8 @@ std::string SettingText(const Json &filter, const Json &setting) {
     text += Line("", ControlText(setting));
     for (const Json &need : setting.contains("needs") ? setting["needs"] : Json::array())
         text += Line("needs", NeedText(filter, need));
-    if (setting.contains("replacedBy")) text += Line("effect", "none; give " + TextOf(setting, "replacedBy") + " instead");
+    if (setting.contains("replacedBy"))
+        text += Line("effect", "none; give " + TextOf(setting, "replacedBy") + " instead");
     return text + Line("key", StoredText(setting) + (setting["stored"] ? "" : "; kept in no file"));
 }
 
@@ -105,7 +103,8 @@ std::string ListText(const ListRequest &request) {
 
 std::string ShowText(const Json &filter) {
     std::string synonyms;
-    for (const Json &synonym : filter["synonyms"]) synonyms += (synonyms.empty() ? "" : ", ") + synonym.get<std::string>();
+    for (const Json &synonym : filter["synonyms"])
+        synonyms += (synonyms.empty() ? "" : ", ") + synonym.get<std::string>();
     std::string text = TextOf(filter, "name") + ": " + TextOf(filter, "description") + "\n" +
                        Line("category", TextOf(filter, "category")) + Line("also", synonyms) +
                        Line("accepts", AcceptedModes(filter)) + Line("alpha", TextOf(filter, "alpha"));

@@ -63,7 +63,7 @@ const Json *RequireFilter(const std::string &name) {
     std::vector<std::string> names;
     for (const Json &filter : Catalogue()["filters"]) names.push_back(filter["name"]);
     Complain("there is no filter \"" + Printable(name) + "\"" + Suggestion(name, names) +
-             " \"lmf list\" names them all");
+             " \"lmf list\" names them, \"lmf list WORD\" looks for one");
     return nullptr;
 }
 
@@ -78,9 +78,10 @@ int PrintCatalogue(const std::string &category) {
 }
 
 int List(const Arguments &arguments) {
-    CLI::App app("Lists the filters and says what each does. With words, only those whose name, category, description or\n"
-                 "other names have them all.",
-                 "lmf list [WORD]...");
+    CLI::App app(
+        "Lists the filters and says what each does. With words, only those whose name, category, description or\n"
+        "other names have them all.",
+        "lmf list [WORD]...");
     ListRequest request;
     bool json = false;
     app.add_option("--category", request.category, "Only the filters of this category")->type_name("NAME");

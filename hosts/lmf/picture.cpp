@@ -207,6 +207,7 @@ void SplitAlphaRow(Picture &picture, int y, int samples, const uint8_t *row) {
 }
 
 bool MakePicture(Picture &picture, int width, int height, int bits, bool alpha, Report &report) {
+    if (picture.accepts && !picture.accepts(bits, report)) return false;
     if (!MakeBitmap(picture.image, width, height, bits, report)) return false;
     if (!alpha) return true;
     if (!MakeBitmap(picture.alpha, width, height, 8, report)) return false;

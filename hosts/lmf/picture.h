@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -99,6 +100,8 @@ struct Picture {
     Metadata metadata;
     JpegStyle jpeg;
     const Codec *codec = nullptr; // of the file that it was read from
+    /// Asked, if set, by MakePicture whether a picture of so many bits is of any use, before its pixels are decoded.
+    std::function<bool(int bits, Report &report)> accepts;
     int fileBits = 0;             // a channel, where the file has more than the bitmap can; else 0
     int readWidth = 0, readHeight = 0;
 };
@@ -121,7 +124,7 @@ void FillRow(const Picture &picture, Layout layout, Order order, int y, uint8_t 
 /// Splits rows that a decoder gave with alpha: `samples` is 2 (grey, alpha) or 4 (blue, green, red, alpha).
 void SplitAlphaRow(Picture &picture, int y, int samples, const uint8_t *row);
 
-/// Makes the image and, if `alpha`, the plane beside it.
+/// Makes the image and, if `alpha`, the plane beside it. Fails where the picture is not accepted.
 [[nodiscard]] bool MakePicture(Picture &picture, int width, int height, int bits, bool alpha, Report &report);
 
 /// Fails when a size from a file's header is not positive or beyond the limits.

@@ -35,7 +35,7 @@ void AddWritingOptions(CLI::App &app, Encoding &encoding, Treatment &treatment) 
         ->type_name("S");
     app.add_flag("--progressive", encoding.progressive, "Write JPEG in scans from coarse to fine");
     app.add_flag("--lossless", encoding.lossless, "Write WebP without loss");
-    app.add_option("--compression", encoding.compression, "How hard PNG tries to be small, 0 to 9 (default: 3)")
+    app.add_option("--compression", encoding.compression, "How hard PNG tries to be small, 0 to 9 (default: 4)")
         ->check(CLI::Range(0, 9))
         ->type_name("N");
     app.add_flag("--strip", encoding.strip, "Leave metadata out, but for color profile and orientation");

@@ -17,6 +17,7 @@ constexpr size_t kMostFaults = 20; // that are named of one file
 
 struct Assigned {
     const Json *setting;
+    std::string typed; // the name, as it was typed
     std::string stored;
 };
 
@@ -29,12 +30,13 @@ public:
     bool Assign(const std::string &assignment, Report &report) {
         const size_t equals = assignment.find('=');
         if (equals == std::string::npos) return report.Fail("\"" + assignment + "\" is not of the form KEY=VALUE");
-        const FoundSetting found = FindSetting(filter, assignment.substr(0, equals), report);
+        const std::string name = assignment.substr(0, equals);
+        const FoundSetting found = FindSetting(filter, name, report);
         if (!found.setting) return false;
         const Manner manner = found.byKey ? Manner::kStored : Manner::kMeant;
         std::string stored;
         if (!ParseValue(*found.setting, assignment.substr(equals + 1), manner, stored, report)) return false;
-        assigned.push_back({found.setting, stored});
+        assigned.push_back({found.setting, name, stored});
         values[KeyOf(*found.setting)] = stored;
         return true;
     }
@@ -45,9 +47,9 @@ public:
         for (const Assigned &one : assigned)
             if (!IsOff(one)) SwitchOn(*one.setting, typed);
         for (const Assigned &one : assigned) {
-            if (one.setting->contains("replacedBy")) WarnOfIdle(*one.setting, report);
+            if (one.setting->contains("replacedBy")) WarnOfIdle(one, report);
             for (const Json &need : NeedsOf(*one.setting))
-                if (!IsMet(need) && !IsOff(one)) WarnOfNeed(*one.setting, need, report);
+                if (!IsMet(need) && !IsOff(one)) WarnOfNeed(one, need, report);
         }
     }
 
@@ -68,8 +70,8 @@ public:
             if (setting.value("unit", "") == "seed" && value == values.end() && !file.values.count(key))
                 step.seed = &setting;
             if (setting.contains("within") && value != values.end())
-                step.places.push_back(
-                    {key, NameOf(setting), std::strtoll(value->second.c_str(), nullptr, 10), setting["within"] == "width"});
+                step.places.push_back({key, NameOf(setting), std::strtoll(value->second.c_str(), nullptr, 10),
+                                       setting["within"] == "width"});
         }
         return step;
     }
@@ -116,21 +118,18 @@ private:
         }
     }
 
-    void WarnOfIdle(const Json &setting, Report &report) const {
-        const std::string used = setting["replacedBy"];
+    void WarnOfIdle(const Assigned &one, Report &report) const {
+        const std::string used = (*one.setting)["replacedBy"];
         for (const Json &borrowed : filter["borrows"])
             if (borrowed["key"] == used)
-                report.Warn(FilterName() + ": " + NameOf(setting) + " has no effect; the filter works with " +
+                report.Warn(FilterName() + ": " + one.typed + " has no effect; the filter works with " +
                             NameOf(borrowed) + " (" + used + ")");
     }
 
-    void WarnOfNeed(const Json &setting, const Json &need, Report &report) const {
+    void WarnOfNeed(const Assigned &one, const Json &need, Report &report) const {
         const Json &other = SettingOf(need);
-        const int64_t value = ValueOf(other);
-        std::string held = other["type"] == "boolean" ? value != 0 ? "on" : "off" : std::to_string(value);
-        for (const Json &entry : other.contains("entries") ? other["entries"] : Json::array())
-            if (entry["value"] == value) held = "\"" + entry["name"].get<std::string>() + "\"";
-        report.Warn(FilterName() + ": " + NameOf(setting) + " has no effect while " + NameOf(other) + " is " + held);
+        report.Warn(FilterName() + ": " + one.typed + " has no effect while " + NameOf(other) + " is " +
+                    ValueName(other, ValueOf(other)));
     }
 
     std::string FilterName() const { return filter["name"]; }
@@ -167,7 +166,7 @@ int MakeSteps(const SettingsRequest &request, std::vector<Step> &steps, Report &
     SettingsFile file;
     if (const int code = ReadBeginning(request.fromFile, file); code != kDone) return code;
     if (!request.paper.empty() && !ParseColor(request.paper, file.values["PaperColor"], report)) {
-        Complain("--paper: " + report.error);
+        Complain("--paper: " + Printable(report.error));
         return kUsage;
     }
     for (const StepRequest &asked : request.steps) {

@@ -1,4 +1,5 @@
-// The settings of a run: what was typed and what a settings file says, as the lines that the library takes for one call.
+// The settings of a run: what was typed and what a settings file says, as the lines that the library takes for one
+// call.
 #pragma once
 
 #include <cstdint>
@@ -48,7 +49,8 @@ struct Grain {
 };
 
 /// Makes the steps of a request. What the request gets wrong is complained of, all of it for a settings file; what it
-/// sets in vain goes into the warnings of `report`. Gives kDone, kUsage or, for a file that cannot be read, kUnreadable.
+/// sets in vain goes into the warnings of `report`. Gives kDone, kUsage or, for a file that cannot be read,
+/// kUnreadable.
 [[nodiscard]] int MakeSteps(const SettingsRequest &request, std::vector<Step> &steps, Report &report);
 
 /// Gives the lines of a step for one picture; a place outside the picture is held to it with a warning.

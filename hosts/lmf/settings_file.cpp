@@ -65,9 +65,9 @@ std::string TakeLine(std::string_view line, const std::map<std::string_view, Kno
         for (const auto &[name, of] : keys) names.emplace_back(name);
         return "there is no key \"" + key + "\"" + Suggestion(key, names);
     }
-    const std::string_view value =
-        known->second.isText ? line.substr(std::min(line.find_first_not_of(" =", equals), line.size()))
-                             : Trimmed(line.substr(equals + 1));
+    const std::string_view value = known->second.isText
+                                       ? line.substr(std::min(line.find_first_not_of(" =", equals), line.size()))
+                                       : Trimmed(line.substr(equals + 1));
     const std::string fault = FaultOfValue(key, known->second, value);
     if (fault.empty()) file.values[key] = value;
     return fault;

@@ -532,6 +532,6 @@ constexpr unsigned kHolds = kHoldsExif | kHoldsXmp | kHoldsIptc | kHoldsDensity;
 
 } // namespace
 
-const Codec kTiff = {"TIFF", ";tif;tiff;", 0x7FFFFFFF, kHolds, 0, Recognises, Read, Write};
+const Codec kTiff = {"TIFF", ";tif;tiff;", 0x7FFFFFFF, kHolds, kObeysLossless, Recognises, Read, Write};
 
 } // namespace lmf::host

@@ -9,9 +9,9 @@ namespace lmf::host {
 
 namespace {
 
-constexpr size_t kLongestLine = 258;  // the library reads lines of up to 259 bytes, line end included
-constexpr size_t kMostDigits = 12;    // of a number in a unit, so that its steps fit 64 bits
-constexpr int64_t kFullCircle = 360;  // degrees
+constexpr size_t kLongestLine = 258; // the library reads lines of up to 259 bytes, line end included
+constexpr size_t kMostDigits = 12;   // of a number in a unit, so that its steps fit 64 bits
+constexpr int64_t kFullCircle = 360; // degrees
 
 // The characters that code page 1252 has at 0x80 to 0x9F; 0 marks the unused places.
 constexpr uint16_t kWindows1252[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
@@ -26,11 +26,11 @@ struct ColorName {
 
 // The basic colors of the web, and a few of its others.
 constexpr ColorName kColorNames[] = {
-    {"black", 0x000000},  {"silver", 0xC0C0C0}, {"gray", 0x808080},   {"grey", 0x808080},  {"white", 0xFFFFFF},
+    {"black", 0x000000},  {"silver", 0xC0C0C0}, {"gray", 0x808080},   {"grey", 0x808080},    {"white", 0xFFFFFF},
     {"maroon", 0x800000}, {"red", 0xFF0000},    {"purple", 0x800080}, {"fuchsia", 0xFF00FF}, {"magenta", 0xFF00FF},
-    {"green", 0x008000},  {"lime", 0x00FF00},   {"olive", 0x808000},  {"yellow", 0xFFFF00}, {"navy", 0x000080},
-    {"blue", 0x0000FF},   {"teal", 0x008080},   {"aqua", 0x00FFFF},   {"cyan", 0x00FFFF},  {"orange", 0xFFA500},
-    {"brown", 0xA52A2A},  {"pink", 0xFFC0CB},   {"gold", 0xFFD700},   {"beige", 0xF5F5DC}, {"ivory", 0xFFFFF0},
+    {"green", 0x008000},  {"lime", 0x00FF00},   {"olive", 0x808000},  {"yellow", 0xFFFF00},  {"navy", 0x000080},
+    {"blue", 0x0000FF},   {"teal", 0x008080},   {"aqua", 0x00FFFF},   {"cyan", 0x00FFFF},    {"orange", 0xFFA500},
+    {"brown", 0xA52A2A},  {"pink", 0xFFC0CB},   {"gold", 0xFFD700},   {"beige", 0xF5F5DC},   {"ivory", 0xFFFFF0},
 };
 
 std::optional<int64_t> ParseInteger(std::string_view text, int base = 10) {
@@ -45,7 +45,7 @@ std::optional<int64_t> StoredColor(std::string_view text) {
     std::optional<int64_t> rgb;
     for (const ColorName &color : kColorNames)
         if (EqualInAnyCase(text, color.name)) rgb = color.rgb;
-    if (!text.empty() && text[0] == '#') text.remove_prefix(1);
+    if (text.starts_with('#')) text.remove_prefix(1);
     if (!rgb && text.size() == 6 && text.find_first_not_of("0123456789abcdefABCDEF") == std::string_view::npos)
         rgb = ParseInteger(text, 16);
     if (!rgb) return std::nullopt;
@@ -177,9 +177,9 @@ bool ParseMeantNumber(const Json &setting, const std::string &given, std::string
         return true;
     }
     const bool stepped = number && !exact;
-    return report.Fail(setting["short"].get<std::string>() + " cannot be \"" + given + "\". Legal: " + RangeText(setting) +
-                       (stepped ? " in steps of " + Fraction(1, ScaleOf(setting)) : "") + " (" +
-                       StoredText(setting) + ")");
+    return report.Fail(
+        setting["short"].get<std::string>() + " cannot be \"" + given + "\". Legal: " + RangeText(setting) +
+        (stepped ? " in steps of " + Fraction(1, ScaleOf(setting)) : "") + " (" + StoredText(setting) + ")");
 }
 
 bool ParseStoredNumber(const Json &setting, const std::string &given, std::string &stored, Report &report) {
@@ -190,7 +190,8 @@ bool ParseStoredNumber(const Json &setting, const std::string &given, std::strin
     }
     std::string text = setting["key"].get<std::string>() + " cannot be \"" + given + "\". Legal: the stored integer, " +
                        setting["min"].dump() + " to " + setting["max"].dump();
-    if (setting["type"] == "integer") text += "; " + setting["short"].get<std::string>() + " takes " + RangeText(setting);
+    if (setting["type"] == "integer")
+        text += "; " + setting["short"].get<std::string>() + " takes " + RangeText(setting);
     return report.Fail(text);
 }
 
@@ -254,7 +255,7 @@ namespace {
 std::string UnitText(const Json &setting) {
     // A seed counts nothing: it is a number to remember.
     const std::string unit = setting.value("unit", "");
-    return unit.empty() || unit == "seed" ? "" : " " + unit;
+    return unit.empty() || unit == "seed" ? std::string() : std::string(1, ' ').append(unit);
 }
 
 std::string ShownText(const Json &setting, const char *member) {
@@ -263,6 +264,14 @@ std::string ShownText(const Json &setting, const char *member) {
 
 } // namespace
 
+std::string ValueName(const Json &setting, int64_t stored) {
+    if (setting["type"] == "boolean") return stored != 0 ? "on" : "off";
+    std::string name = std::to_string(stored);
+    for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array())
+        if (entry["value"] == stored) name.assign(1, '"').append(entry["name"].get<std::string>()).append(1, '"');
+    return name;
+}
+
 std::string DefaultText(const Json &setting) {
     if (setting.contains("start")) return setting["start"];
     const Json &value = setting["default"];
@@ -270,9 +279,7 @@ std::string DefaultText(const Json &setting) {
     if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
     if (setting["type"] == "color") return ColorText(value.get<int64_t>());
     if (setting["type"] == "integer") return ShownText(setting, "default") + UnitText(setting);
-    for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array())
-        if (entry["value"] == value) return entry["name"];
-    return value.dump();
+    return ValueName(setting, value.get<int64_t>());
 }
 
 std::string RangeText(const Json &setting) {
@@ -281,13 +288,17 @@ std::string RangeText(const Json &setting) {
     if (type == "color") return "#RRGGBB, or a name such as white";
     if (type != "integer") return "";
     if (setting["max"] == INT_MAX) return ShownText(setting, "min") + UnitText(setting) + " or more";
-    return ShownText(setting, "min") + " to " + ShownText(setting, "max") + UnitText(setting);
+    const std::string text = ShownText(setting, "min") + " to " + ShownText(setting, "max") + UnitText(setting);
+    return IsCircle(setting) ? text + ", or any other angle" : text;
 }
 
 std::string StoredText(const Json &setting) {
-    std::string text = setting["key"].get<std::string>() + "=";
-    if (!setting.contains("min") || setting["type"] == "color") return text + "...";
-    return text + setting["min"].dump() + " to " + setting["max"].dump() + ", default " + setting["default"].dump();
+    const std::string key = setting["key"], type = setting["type"];
+    if (type == "text" || type == "font") return key;
+    if (type == "color") return key + "=blue * 65536 + green * 256 + red";
+    if (type == "boolean") return key + "=1 or 0";
+    return key + "=" + setting["min"].dump() + " to " + setting["max"].dump() + ", default " +
+           setting["default"].dump();
 }
 
 } // namespace lmf::host

@@ -27,7 +27,10 @@ std::string MeantText(const Json &setting, int64_t stored);
 /// Gives a stored number as the filter's page displays it.
 std::string DisplayedText(const Json &setting, int64_t stored);
 
-/// Gives the default as a person says it, with its unit: "4.0 pixels", "South", "#102030".
+/// Gives a stored value of a boolean or a choice as a person says it: on, off, "South".
+std::string ValueName(const Json &setting, int64_t stored);
+
+/// Gives the default as a person says it, with its unit: 4.0 pixels, "South", #102030.
 std::string DefaultText(const Json &setting);
 
 /// Gives what a person may say: "1.0 to 99.0 pixels"; empty where the type tells.
