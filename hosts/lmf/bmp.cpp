@@ -262,8 +262,7 @@ bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, co
         if (alpha) FillRow(picture, Layout::kColorAlpha, Order::kBgr, y, row.data());
         written = std::fwrite(alpha ? row.data() : image.Row(y), 1, stride, file) == stride;
     }
-    if (withProfile)
-        written = written && std::fwrite(icc.data(), 1, icc.size(), file) == icc.size();
+    if (withProfile) written = written && std::fwrite(icc.data(), 1, icc.size(), file) == icc.size();
     return written || report.Fail("the file could not be written");
 }
 

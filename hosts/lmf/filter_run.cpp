@@ -8,14 +8,37 @@ namespace lmf::host {
 namespace {
 
 // What these make of a pixel hangs on no pixel beside it, or they look at hidden pixels on purpose.
-constexpr std::string_view kKeepsToPixels[] = {
-    "Add Alpha",          "Bayer Dither",    "Black Threshold",   "Channels",        "Color and Intensity",
-    "Contrast and Brightness", "Convert to 256 Colors", "Convert to Grey", "Convert to Mono", "Convert to RGB",
-    "Crop",               "Equalize",        "Flip",              "Gamma",           "Hue Saturation Brightness",
-    "Invert Channels",    "Invert Colors",   "Moonlight",         "Normalize",       "Photo Fine-tune",
-    "Posterize",          "Remove Alpha",    "Sepia",             "Sigmoidal Contrast", "Solarize",
-    "Split channels",     "Stitch",          "Tile",              "Trim",            "White Balance",
-    "White Threshold"};
+constexpr std::string_view kKeepsToPixels[] = {"Add Alpha",
+                                               "Bayer Dither",
+                                               "Black Threshold",
+                                               "Channels",
+                                               "Color and Intensity",
+                                               "Contrast and Brightness",
+                                               "Convert to 256 Colors",
+                                               "Convert to Grey",
+                                               "Convert to Mono",
+                                               "Convert to RGB",
+                                               "Crop",
+                                               "Equalize",
+                                               "Flip",
+                                               "Gamma",
+                                               "Hue Saturation Brightness",
+                                               "Invert Channels",
+                                               "Invert Colors",
+                                               "Moonlight",
+                                               "Normalize",
+                                               "Photo Fine-tune",
+                                               "Posterize",
+                                               "Remove Alpha",
+                                               "Sepia",
+                                               "Sigmoidal Contrast",
+                                               "Solarize",
+                                               "Split channels",
+                                               "Stitch",
+                                               "Tile",
+                                               "Trim",
+                                               "White Balance",
+                                               "White Threshold"};
 
 // These leave ground that the picture does not cover, and fill it with the paper.
 constexpr std::string_view kUncovers[] = {"Matt", "Rotate", "Shear"};
@@ -24,6 +47,14 @@ template <size_t N>
 bool IsOneOf(const std::string_view (&names)[N], const Json &filter) {
     return std::find(std::begin(names), std::end(names), filter["name"].get_ref<const std::string &>()) !=
            std::end(names);
+}
+
+// Whether the filter does what it is asked for on such a picture. By dimensions, Resize has no way but its windows,
+// which mix colours, and gives pictures of indices back as they are.
+bool Takes(const Json &filter, const FilterCall &call, const std::string &mode) {
+    const bool indices = mode == "palette" || mode == "mono";
+    const bool byDimensions = call.lines.find("FilterResizeByDim = 1") != std::string::npos;
+    return Accepts(filter, mode) && !(filter["name"] == "Resize" && indices && byDimensions);
 }
 
 bool RaiseToColor(Picture &picture, Report &report) {
@@ -105,7 +136,8 @@ FilterOutcome RunOnNothing(const Library &library, FilterCall call, Picture &pic
     const FilterOutcome outcome = ApplyFilter(library, call, picture, report);
     if (!outcome.done || !ground.image || !ApplyFilter(library, call, ground, report).done) return outcome;
     const Bitmap &image = picture.image;
-    if (ground.image.width != image.width || ground.image.height != image.height || (image.bits != 24 && !HasGreyRamp(image)))
+    if (ground.image.width != image.width || ground.image.height != image.height ||
+        (image.bits != 24 && !HasGreyRamp(image)))
         return outcome;
     const int bytes = image.bits / 8;
     for (int y = 0; y < image.height; ++y) {
@@ -154,8 +186,8 @@ FilterOutcome RunTrim(const Library &library, const FilterCall &call, Picture &p
 
 FilterOutcome RunAsIs(const Library &library, const Json &filter, const FilterCall &call, const Treatment &treatment,
                       Picture &picture, Report &report) {
-    const bool transparent = treatment.paper == Paper::kTransparent ||
-                             (treatment.paper == Paper::kByPicture && picture.alpha);
+    const bool transparent =
+        treatment.paper == Paper::kTransparent || (treatment.paper == Paper::kByPicture && picture.alpha);
     if (transparent && IsOneOf(kUncovers, filter)) return RunOnNothing(library, call, picture, report);
     if (picture.alpha && filter["name"] == "Trim") return RunTrim(library, call, picture, report);
     return ApplyFilter(library, call, picture, report);
@@ -217,7 +249,9 @@ FilterOutcome RunFilter(const Library &library, const Json &filter, const Filter
                         Picture &picture, Report &report) {
     const std::string name = filter["name"];
     const std::string mode = ModeName(picture.image);
-    if (!Accepts(filter, mode) && Accepts(filter, "true color") && !treatment.strictDepth) {
+    const bool taken = Takes(filter, call, mode);
+    if (!taken && treatment.strictDepth && Accepts(filter, mode)) return {false, LMF_ERROR_UNSUPPORTED};
+    if (!taken && !treatment.strictDepth && Accepts(filter, "true color")) {
         report.Warn("the " + mode + " picture becomes true color, since " + name + " takes no " + mode);
         if (!RaiseToColor(picture, report)) return OutOfMemory();
     }

@@ -334,7 +334,7 @@ bool Encode(JpegWriter &writer, std::FILE *file, const Picture &picture, const M
 Bytes ResourcesOf(const Bytes &iptc) {
     if (iptc.empty()) return {};
     const uint32_t size = uint32_t(iptc.size());
-    Bytes out = {'8', 'B', 'I', 'M', 4, 4, 0, 0, uint8_t(size >> 24), uint8_t(size >> 16), uint8_t(size >> 8),
+    Bytes out = {'8',          'B', 'I', 'M', 4, 4, 0, 0, uint8_t(size >> 24), uint8_t(size >> 16), uint8_t(size >> 8),
                  uint8_t(size)};
     out.insert(out.end(), iptc.begin(), iptc.end());
     if (size & 1) out.push_back(0);
@@ -369,6 +369,7 @@ constexpr unsigned kHolds = kHoldsExif | kHoldsXmp | kHoldsIptc | kHoldsComment 
 
 } // namespace
 
-const Codec kJpeg = {"JPEG", ";jpg;jpeg;jpe;jfif;", JPEG_MAX_DIMENSION, kHolds, kObeysQuality | kObeysJpeg, Recognises, Read, Write};
+const Codec kJpeg = {
+    "JPEG", ";jpg;jpeg;jpe;jfif;", JPEG_MAX_DIMENSION, kHolds, kObeysQuality | kObeysJpeg, Recognises, Read, Write};
 
 } // namespace lmf::host

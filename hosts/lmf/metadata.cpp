@@ -21,13 +21,13 @@ const MetadataModule *Module(Report &report) {
         void *entry = library ? dlsym(library, "LmfMetadataModule") : nullptr;
         return entry ? reinterpret_cast<decltype(&LmfMetadataModule)>(entry)() : nullptr;
     }();
-    if (!module) report.Warn("../lib/liblmf_metadata.so cannot be loaded: metadata is left out");
+    if (!module) report.Warn("../lib/liblmf_metadata.so cannot be loaded, so metadata is left out");
     return module;
 }
 
-// What Exiv2 says is about data that it could not make out.
+// What Exiv2 says is about data that it could not make out, and has left out.
 void PassOn(const MetadataModule::Complaints &complaints, Report &report) {
-    for (const std::string &complaint : complaints) report.Warn("metadata is left out: " + complaint);
+    for (const std::string &complaint : complaints) report.Warn("metadata: " + complaint);
 }
 
 bool IsExif(ByteView block) {

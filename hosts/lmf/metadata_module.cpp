@@ -91,8 +91,7 @@ void EncodeExif(const Exiv2::ExifData &data, Exiv2::ByteOrder order, Bytes &exif
 void ChangeExif(Metadata &metadata, const MetadataChange &change, Complaints &complaints) {
     Exiv2::ExifData data;
     Exiv2::ByteOrder order = Exiv2::littleEndian;
-    if (!metadata.exif.empty())
-        order = Exiv2::ExifParser::decode(data, metadata.exif.data(), SizeOf(metadata.exif));
+    if (!metadata.exif.empty()) order = Exiv2::ExifParser::decode(data, metadata.exif.data(), SizeOf(metadata.exif));
     if (order == Exiv2::invalidByteOrder) order = Exiv2::littleEndian;
     const size_t before = metadata.exif.size();
     if (change.onlyOrientation) {
@@ -216,13 +215,11 @@ bool AddToTiff(Bytes &file, const Metadata &metadata, Complaints &complaints) {
         Exiv2::IptcData iptc;
         Exiv2::XmpData xmp;
         const Exiv2::ByteOrder order = Exiv2::TiffParser::decode(data, iptc, xmp, file.data(), SizeOf(file));
-        if (!metadata.exif.empty())
-            Exiv2::ExifParser::decode(added, metadata.exif.data(), SizeOf(metadata.exif));
+        if (!metadata.exif.empty()) Exiv2::ExifParser::decode(added, metadata.exif.data(), SizeOf(metadata.exif));
         for (const Exiv2::Exifdatum &datum : added)
             if (data.findKey(Exiv2::ExifKey(datum.key())) == data.end()) data.add(datum);
         if (!metadata.iptc.empty()) Exiv2::IptcParser::decode(iptc, metadata.iptc.data(), SizeOf(metadata.iptc));
-        if (!metadata.xmp.empty())
-            Exiv2::XmpParser::decode(xmp, std::string(metadata.xmp.begin(), metadata.xmp.end()));
+        if (!metadata.xmp.empty()) Exiv2::XmpParser::decode(xmp, std::string(metadata.xmp.begin(), metadata.xmp.end()));
         Exiv2::MemIo made;
         if (Exiv2::TiffParser::encode(made, file.data(), SizeOf(file), order, data, iptc, xmp) == Exiv2::wmIntrusive) {
             made.open();

@@ -9,11 +9,11 @@ namespace lmf::host {
 /// What to change in metadata.
 struct MetadataChange {
     Described picture;
-    bool upright = false;           // the pixels were turned as the orientation tells
-    bool onlyOrientation = false;   // drop all other EXIF data
-    bool densityIntoExif = false;   // the format tells the density nowhere else
-    bool iptcIntoXmp = false;       // the format has no place for IPTC
-    bool colorTagsIntoIcc = false;  // the format has no place for gamma and primaries
+    bool upright = false;          // the pixels were turned as the orientation tells
+    bool onlyOrientation = false;  // drop all other EXIF data
+    bool densityIntoExif = false;  // the format tells the density nowhere else
+    bool iptcIntoXmp = false;      // the format has no place for IPTC
+    bool colorTagsIntoIcc = false; // the format has no place for gamma and primaries
 };
 
 /// The module's functions. Texts in `complaints` are about data that was left out. None of them throws anything but

@@ -88,10 +88,10 @@ struct Codec;
 
 /// How a JPEG file was compressed.
 struct JpegStyle {
-    int quality = 0;             // nearest step of the usual scale; 0: there was no such file
-    int tables = 0;              // 1, or 2 with one for the colours
-    uint16_t steps[2][64] = {};  // the tables, in natural order
-    int across = 1, down = 1;    // pixels to a sample of colour
+    int quality = 0;            // nearest step of the usual scale; 0: there was no such file
+    int tables = 0;             // 1, or 2 with one for the colours
+    uint16_t steps[2][64] = {}; // the tables, in natural order
+    int across = 1, down = 1;   // pixels to a sample of colour
 };
 
 struct Picture {
@@ -102,7 +102,7 @@ struct Picture {
     const Codec *codec = nullptr; // of the file that it was read from
     /// Asked, if set, by MakePicture whether a picture of so many bits is of any use, before its pixels are decoded.
     std::function<bool(int bits, Report &report)> accepts;
-    int fileBits = 0;             // a channel, where the file has more than the bitmap can; else 0
+    int fileBits = 0; // a channel, where the file has more than the bitmap can; else 0
     int readWidth = 0, readHeight = 0;
 };
 

@@ -22,8 +22,8 @@ void AddWritingOptions(CLI::App &app, Encoding &encoding, Treatment &treatment) 
     app.add_option_function<std::string>(
            "--quality",
            [&encoding](const std::string &text) {
-               const bool number = !text.empty() && text.size() <= 3 &&
-                                   text.find_first_not_of("0123456789") == std::string::npos;
+               const bool number =
+                   !text.empty() && text.size() <= 3 && text.find_first_not_of("0123456789") == std::string::npos;
                encoding.quality = number ? std::stoi(text) : 0;
                if ((number || text != "keep") && (encoding.quality < 1 || encoding.quality > 100))
                    throw CLI::ValidationError("--quality", "takes keep, or 1 to 100");

@@ -13,7 +13,7 @@ namespace lmf::host {
 namespace {
 
 constexpr size_t kMostWarnings = 4;
-constexpr int kUsualCompression = 4; // a third of the time of zlib's own 6, for a twentieth more bytes
+constexpr int kUsualCompression = 4;       // a third of the time of zlib's own 6, for a twentieth more bytes
 constexpr size_t kLongestChunk = 64 << 20; // also of a profile when it is unpacked
 constexpr size_t kLongestText = 16 << 20;  // unpacked
 constexpr png_byte kOwnChunks[] = "tEXt\0zTXt\0iTXt\0acTL"; // five bytes each

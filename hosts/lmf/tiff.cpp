@@ -418,8 +418,8 @@ bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report)
     ReadMetadata(tiff.get(), file, metadata, report);
     InkConverter inks;
     if (shape.photometric == PHOTOMETRIC_SEPARATED) {
-        const bool exact = HasInkRows(tiff.get(), shape) && !metadata.icc.empty() &&
-                           inks.Open(metadata.icc, false, report);
+        const bool exact =
+            HasInkRows(tiff.get(), shape) && !metadata.icc.empty() && inks.Open(metadata.icc, false, report);
         report.Warn(exact ? "the inks (CMYK) become sRGB colors, by the file's profile"
                           : "the inks (CMYK) become colors without a profile that tells them exactly");
         metadata.icc.clear();

@@ -143,7 +143,8 @@ bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, co
     ByteView output{encoder.output.mem, encoder.output.size};
     MuxData whole;
     if (withProfile || !metadata.exif.empty() || !metadata.xmp.empty()) {
-        if (!Assemble(encoder.output, metadata, withProfile, whole)) return report.Fail("WebP cannot hold the metadata");
+        if (!Assemble(encoder.output, metadata, withProfile, whole))
+            return report.Fail("WebP cannot hold the metadata");
         output = {whole.data.bytes, whole.data.size};
     }
     if (std::fwrite(output.data(), 1, output.size(), file) != output.size())
@@ -155,6 +156,7 @@ constexpr unsigned kHolds = kHoldsExif | kHoldsXmp;
 
 } // namespace
 
-const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, kHolds, kObeysQuality | kObeysLossless, Recognises, Read, Write};
+const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, kHolds, kObeysQuality | kObeysLossless, Recognises,
+                     Read,   Write};
 
 } // namespace lmf::host
