@@ -534,6 +534,7 @@ TEST_F(LmfPictures, SmallFilesCostLittle) {
                                              {TIFFTAG_TILELENGTH, 16384},
                                              {TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE}};
     for (const auto &[tag, value] : tags) TIFFSetField(tiff, tag, value);
+    TIFFWriteRawTile(tiff, 0, packed.data(), 100);
     TIFFClose(tiff);
 
     ExpectSilence(Invert({kPhotograph, "scans.jpg", "--progressive"}));
@@ -605,6 +606,17 @@ TEST_F(LmfPictures, PicturesOfFewColorsAreRaisedForFiltersThatTakeNoLess) {
         arguments.push_back("--strict-depth");
         Expect(3, Run(arguments), "Unsupported function");
     }
+}
+
+TEST_F(LmfPictures, OutputsFollowLinksAndTellWhatTheyPart) {
+    WritePng(In("in.png"), MakePng(kGrey, 8));
+    std::filesystem::create_symlink("target.png", In("dangling.png"));
+    ExpectSilence(Invert({"in.png", "dangling.png"}));
+    EXPECT_TRUE(std::filesystem::is_symlink(In("dangling.png")) && std::filesystem::exists(In("target.png")));
+    std::filesystem::create_symlink("loop.png", In("loop.png"));
+    Expect(4, Invert({"in.png", "loop.png"}), "symbolic links");
+    std::filesystem::create_hard_link(In("target.png"), In("second.png"));
+    Expect(0, Invert({"in.png", "target.png"}), "the file's other names keep the old picture");
 }
 
 } // namespace lmf::testing
