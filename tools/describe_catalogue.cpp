@@ -141,7 +141,8 @@ void AddNeeds(Json &setting, const Filter &filter, const PageControl &control) {
     for (const EnableRule &rule : filter.rules)
         if (rule.control == control.id) AddNeed(setting, rule, ControlOf(filter, rule.when));
     for (const EffectRule &effect : kEffectRules)
-        if (effect.setting == control.number) AddNeed(setting, effect.rule, ControlOf(filter, effect.rule.when));
+        if (effect.setting == control.number && effect.text == control.text)
+            AddNeed(setting, effect.rule, ControlOf(filter, effect.rule.when));
 }
 
 /// One control becomes one setting, but for the radio buttons: each adds its entry to the setting that they share.
@@ -166,10 +167,10 @@ bool AddControl(Json &settings, const Filter &filter, const PageControl &control
         setting["stored"] = !IsKeyless(*parameter);
         if (control.number) {
             AddNumber(setting, control, isBool);
-            AddNeeds(setting, filter, control);
         } else {
             setting["default"] = setting["restore"] = kFactorySettings.*control.text;
         }
+        AddNeeds(setting, filter, control);
         settings.push_back(std::move(setting));
         known = &settings.back();
     }

@@ -9,8 +9,9 @@ namespace lmf {
 
 /// A setting that does nothing unless another one has some value, on a page that leaves its control usable.
 struct EffectRule {
-    NumberField setting;
-    EnableRule rule; ///< its control is not used
+    NumberField setting; ///< null where `text` is one
+    EnableRule rule;     ///< its control is not used
+    TextMember text = nullptr;
 };
 
 inline constexpr EffectRule kEffectRules[] = {
@@ -33,6 +34,8 @@ inline constexpr EffectRule kEffectRules[] = {
     {&P::FilterTrimSize, EnabledAt(0, &P::FilterTrimMode, 1)},
     {&P::FilterTrimPercent, EnabledAt(0, &P::FilterTrimMode, 2)},
     {&P::FilterWaterEnergy, EnabledWhileOn(0, &P::FilterWaterDissipate)},
+    {nullptr, EnabledWhileOn(0, &P::FilterWatermarkImageUse), &P::FilterWatermarkImagePath},
+    {nullptr, EnabledWhileOff(0, &P::FilterWatermarkImageUse), &P::FilterWatermarkString},
 };
 
 /// A setting of a page that its filter passes over in favour of another page's.

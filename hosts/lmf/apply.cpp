@@ -97,7 +97,8 @@ bool MayTake(const Job &job, int bits, Report &report) {
 // Runs the steps over the picture, each over what the one before it made.
 bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &report) {
     for (const Step &step : job.steps) {
-        const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, ClockFor(step, grain)};
+        const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
+                                 ClockFor(step, grain)};
         const FilterOutcome filtered = RunFilter(job.library, *step.filter, call, job.treatment, picture, report);
         if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture));
     }

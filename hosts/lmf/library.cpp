@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "files.h"
+#include "picture_loader.h"
 
 namespace lmf::host {
 
@@ -71,9 +72,11 @@ FilterOutcome ApplyFilter(const Library &library, const FilterCall &call, Pictur
     LmfHandle second = picture.alpha.block;
     LmfExtendedHooks extended = {};
     extended.size = sizeof extended;
+    extended.hooks.loadPicture = LoadPicture;
     extended.settings = call.lines.c_str();
     extended.clipboard = call.clipboard->block;
-    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, kRunFlags, nullptr, nullptr,
+    PictureLoader loader = {*call.limits, report};
+    const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, kRunFlags, nullptr, nullptr,
                                                 0, 0, &extended.hooks);
     if (!done) return {false, extended.errorCode == LMF_ERROR_OK ? int(LMF_ERROR_LIBRARY) : extended.errorCode};
     Bitmap result;

@@ -33,6 +33,7 @@ const char *ErrorText(int code);
 struct FilterCall {
     std::string lines;                // settings, "CurrentFilter" among them
     const Bitmap *clipboard;          // plays the part of the clipboard's picture unless it is empty
+    const Limits *limits;             // of picture files that the library asks for
     std::optional<int64_t> clockSeed; // stands for the clock, by which the library seeds its random numbers
 };
 

@@ -129,6 +129,27 @@ TEST(ExtendedCall, TellsWhyNothingWasDone) {
         LMF_ERROR_INFORMATION);
 }
 
+TEST(ExtendedCall, WidePicturesAreNotMixedUp) {
+    const LockedDib wide = RandomPicture(6000, 9, kModeTrueColor, 3);
+    const LockedDib right(DibCropRect(wide, 5000, 0, 6000, 9));
+    const ExtendedRun whole(LMF_FILTER_AVERAGE, kExtendedRun, wide, LockedDib()),
+        part(LMF_FILTER_AVERAGE, kExtendedRun, right, LockedDib());
+    const ExtendedRun old(LMF_FILTER_AVERAGE, LMF_RUN_DIRECT, wide, LockedDib());
+    ASSERT_TRUE(whole.done && part.done && old.done);
+    const LockedDib of(DibCropRect(DibReadLock(whole.picture).view, 5002, 0, 6000, 9));
+    EXPECT_TRUE(SamePicture(of, LockedDib(DibCropRect(DibReadLock(part.picture).view, 2, 0, 1000, 9))));
+    EXPECT_FALSE(SamePicture(DibReadLock(old.picture).view, DibReadLock(whole.picture).view)) << "hosts know it so";
+}
+
+TEST(ExtendedCall, OtherDepthsAreRefused) {
+    LockedDib odd = RandomPicture(4, 4, kModeTrueColor, 4);
+    odd.View().bottom[14 - 40] = 16;
+    const ExtendedRun run(LMF_FILTER_INVERT_COLORS, kExtendedRun, odd, LockedDib());
+    EXPECT_EQ(run.done, 0u);
+    EXPECT_EQ(run.extended.errorCode, LMF_ERROR_FORMAT);
+    EXPECT_EQ(ExtendedRun(LMF_FILTER_INVERT_COLORS, LMF_RUN_DIRECT, odd, LockedDib()).done, 1u);
+}
+
 TEST_F(ClipboardProgram, AFilePlaysItsPart) {
     PngFile white;
     white.width = white.height = 4;

@@ -140,6 +140,7 @@ TEST_F(LmfSettings, ValuesSwitchOnWhatTheyNeedOrAreSaidToDoNothing) {
         {"Convert to Mono", {"Threshold=99"}, "FilterConvertToMonoDither", "0", ""},
         {"Torn Edges", {"Shadow=off"}, "FilterTornAlpha", "(none)", ""},
         {"Reflection", {"Gradient start=9"}, "FilterReflectionGrad", "1", ""},
+        {"Watermark", {"Image=logo.png"}, "FilterWatermarkImageUse", "1", ""},
         {"Sharpen", {"Radius=9"}, "FilterSharpenWidth", "9", "Radius has no effect; the filter works with EmbossWidth"},
         {"Unsharp Mask",
          {"Depth=9"},

@@ -58,6 +58,10 @@ bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const Tex
     return Module()->drawRun(font, run, x, y, ink, surface, clip);
 }
 
+bool RunBounds(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, TextRect *bounds) {
+    return Module()->runBounds(font, run, x, y, ink, bounds);
+}
+
 void ForEachFontFamily(void (*take)(void *user, const char *family), void *user) {
     if (Module() != nullptr) Module()->forEachFontFamily(take, user);
 }
