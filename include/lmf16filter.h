@@ -40,13 +40,18 @@ enum {
     LMF_RUN_SCALE_DIALOG = 64, /* the dialog grows to its parent's size */
     LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
     LMF_RUN_FRAMELOOM = 256,   /* the animation host Frameloom */
-    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: `hooks`, where given, points to an LmfExtendedHooks; wide
-                                  pictures (see below) */
+    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: an extended call (see below) */
 };
 
-/* Wide pictures: Average and Edge Enhancement count byte offsets in 16 bits, as hosts know them, so that in pictures
- * of 24 bits and more than 3640 pixels of width (8 bits: 16383) their results mix rows. In calls with
- * LMF_RUN_EXTENDED, and in the windows, they don't. */
+/* An extended call has LMF_RUN_EXTENDED beside LMF_RUN_DIRECT. What differs from other direct calls:
+ * - `hooks`, where given, points to an LmfExtendedHooks.
+ * - What a window would ask for is done without one: filters that need faces look for them, and Social Media takes its
+ *   destination by number from a list; it fails with _OPEN without a list and with _CORRUPTED for a destination that is
+ *   not there or has no size.
+ * - Average and Edge Enhancement count whole byte offsets, as in the windows. In other calls these are numbers of 16
+ *   bits, as hosts know them, which mix the rows of pictures of 24 bits that are wider than 3640 pixels (of 8 bits:
+ *   16383).
+ * - Pictures of unknown depth are refused. */
 
 /* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code
  * (an LMF_ERROR_) at this byte offset and touches nothing else of it. */
@@ -224,6 +229,8 @@ typedef struct LmfExtendedHooks {
     const char *settings; /* in: lines "Key = value" as in a settings file, which they outdo for this call only; also
                              keys that no file keeps, such as FilterCropLeft; may be null */
     LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
+    const char *destinations; /* in: the file with the list from which Social Media takes its destination; null: the
+                                 user's list, or else the library's own */
 } LmfExtendedHooks;
 
 /* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */

@@ -259,6 +259,7 @@ Json DescribeFilter(int32_t row, const Json &categories, std::set<std::string> &
     filter["alpha"] = DescribeAlpha(entry.flags);
     filter["needsAlpha"] = (entry.flags & FilterNeedsSecond) != 0;
     filter["needsClipboard"] = (entry.flags & FilterNeedsClipboard) != 0;
+    filter["needsFaceFinder"] = entry.filter->hooks.FilterPrepare != nullptr;
     filter["available"] = entry.filter->FilterKernel != nullptr;
     filter["flags"] = entry.flags;
     filter["itemId"] = entry.itemId;

@@ -8,6 +8,7 @@
 #include <map>
 #include <new>
 
+#include "destinations.h"
 #include "files.h"
 #include "progress.h"
 
@@ -77,11 +78,18 @@ std::string DescribeMode(const Json &filter, const char *mode, int errorCode) {
            mode + ")";
 }
 
-std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
+std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture,
+                            const Library &library) {
     const char *mode = ModeName(picture.image);
     if (!Accepts(filter, mode)) return DescribeMode(filter, mode, outcome.errorCode);
     const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
-    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)" : text;
+    if (filter["needsFaceFinder"] && !FileExists(library.finderFolder + "libcv_x64.so"))
+        return NameOf(filter) + ": the face finder is not installed; run scripts/setup --faces, then build again";
+    if (filter["needsFaceFinder"])
+        return text + " (or a face finder that cannot work: its cascades belong into " +
+               Printable(library.finderFolder) + ")";
+    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)"
+                                                  : text + DestinationAdvice(filter, outcome.errorCode);
 }
 
 // Whether the first filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors
@@ -98,9 +106,9 @@ bool MayTake(const Job &job, int bits, Report &report) {
 bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &report) {
     for (const Step &step : job.steps) {
         const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
-                                 ClockFor(step, grain)};
+                                 job.destinations, ClockFor(step, grain)};
         const FilterOutcome filtered = RunFilter(job.library, *step.filter, call, job.treatment, picture, report);
-        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture));
+        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture, job.library));
     }
     return true;
 }
@@ -255,6 +263,11 @@ int Apply(const ApplyRequest &request) {
     if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
         Complain(Printable(request.folder) + ": " + report.error);
         return kUnwritable;
+    }
+    for (const Step &step : job.steps) {
+        if (FindDestinations(*step.filter, job.destinations, report)) continue;
+        Complain(report.error);
+        return kFilterFailed;
     }
     CleanUpOnSignals();
     if (!job.library.Load(request.library, report)) {

@@ -35,6 +35,7 @@ struct Job {
     Library library;
     Bitmap clipboard;
     const Codec *codec = nullptr; // of the outputs; null: by their names
+    std::string destinations;     // file of the list that one of the steps needs, or empty
     Limits limits;
     Encoding encoding;
     Treatment treatment;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
+#include "destinations.h"
+
 namespace lmf::host {
 
 namespace {
@@ -95,7 +97,7 @@ std::vector<const Json *> SettingsOf(const Json &filter) {
 } // namespace
 
 const Json &Catalogue() {
-    static const Json kCatalogue = Json::parse(kDocument);
+    static const Json kCatalogue = WithDestinations(Json::parse(kDocument));
     return kCatalogue;
 }
 

@@ -53,6 +53,10 @@ bool Library::Load(std::string path, Report &report) {
     if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());
     doImageFilter = reinterpret_cast<decltype(doImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
     if (!doImageFilter) return report.Fail(path + " is not the filter library");
+    if (char *file = realpath(path.c_str(), nullptr)) {
+        finderFolder = std::string(file, std::string_view(file).rfind('/')) + "/cv/";
+        std::free(file);
+    }
     return true;
 }
 
@@ -75,6 +79,7 @@ FilterOutcome ApplyFilter(const Library &library, const FilterCall &call, Pictur
     extended.hooks.loadPicture = LoadPicture;
     extended.settings = call.lines.c_str();
     extended.clipboard = call.clipboard->block;
+    extended.destinations = call.destinations.empty() ? nullptr : call.destinations.c_str();
     PictureLoader loader = {*call.limits, report};
     const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, kRunFlags, nullptr, nullptr,
                                                 0, 0, &extended.hooks);

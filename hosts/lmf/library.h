@@ -13,6 +13,7 @@ namespace lmf::host {
 /// The loaded library. It stays loaded until the program ends.
 struct Library {
     decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
+    std::string finderFolder; // where the library looks for the face finder, with a closing slash
 
     /// Loads it from `path`; an empty path means the environment's LMF_LIBRARY or, without it, the `lib` folder
     /// beside this program's own. From then on the library finds no settings files: a run depends on nothing but what
@@ -34,6 +35,7 @@ struct FilterCall {
     std::string lines;                // settings, "CurrentFilter" among them
     const Bitmap *clipboard;          // plays the part of the clipboard's picture unless it is empty
     const Limits *limits;             // of picture files that the library asks for
+    std::string destinations;         // the file with the list for Social Media, or empty
     std::optional<int64_t> clockSeed; // stands for the clock, by which the library seeds its random numbers
 };
 

@@ -43,4 +43,14 @@ bool SameIgnoringCase(const char *a, const char *b) {
     return LowerCase(*a) == LowerCase(*b);
 }
 
+bool LineReader::Next(char *line, size_t room) {
+    if (rest.empty()) return false;
+    const std::string_view most = rest.substr(0, room - 1);
+    const size_t length = std::min(most.find('\n'), most.size() - 1) + 1;
+    most.copy(line, length);
+    line[length] = '\0';
+    rest.remove_prefix(length);
+    return true;
+}
+
 } // namespace lmf

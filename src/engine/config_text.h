@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "common/text.h"
 #include "engine/settings.h"
 #include "platform/memory.h"
 
@@ -14,16 +15,6 @@ namespace lmf {
 /// Buffer of one line. A longer line goes on as a further line, so writers keep below it.
 inline constexpr size_t kLineSize = 260;
 using Line = char[kLineSize];
-
-/// Gives a text line by line.
-struct LineReader {
-    std::string_view rest;
-
-    /// Copies the next line with its end, zero-terminated. What doesn't fit is left for the next line.
-    /// @param room  of `line`, at least 2
-    /// @return false at the end of the text
-    [[nodiscard]] bool Next(char *line, size_t room);
-};
 
 /// Collects lines in memory.
 struct LineWriter {

@@ -9,6 +9,7 @@
 #include "engine/apply.h"
 #include "engine/catalogue.h"
 #include "engine/config_text.h"
+#include "engine/destinations_file.h"
 #include "engine/settings_files.h"
 #include "platform/system.h"
 
@@ -87,6 +88,8 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
     context.ditherBrightness = Settings.DitherBrightness;
     context.ditherContrast = Settings.DitherContrast;
     context.hostReserved = hostReserved;
+    std::memcpy(context.faceCascade, Settings.FaceDetectCascade, kTextSize);
+    std::memcpy(context.eyesCascade, Settings.FaceEyesDetectCascade, kTextSize);
     if (!DibInfo(source, &context.width, &context.height, nullptr, nullptr)) return false;
     context.resultWidth = context.width;
     context.resultHeight = context.height;
@@ -102,9 +105,14 @@ bool HasKnownDepth(DibHandle picture) {
 
 /// Until there is a window to open, only the direct path can run a filter.
 uint32_t Run(uint32_t runFlags, FilterContext &context) {
-    if (runFlags & LMF_RUN_DIRECT) return ApplyFilterDirect(&context);
-    context.errorCode = LMF_ERROR_UNSUPPORTED;
-    return 0;
+    if (!(runFlags & LMF_RUN_DIRECT)) {
+        context.errorCode = LMF_ERROR_UNSUPPORTED;
+        return 0;
+    }
+    if (!(runFlags & LMF_RUN_EXTENDED)) return ApplyFilterDirect(&context);
+    // What a window would ask for.
+    context.errorCode = ChooseDestination(context);
+    return context.errorCode == LMF_ERROR_OK ? ApplyFilterPrepared(&context) : 0;
 }
 
 constexpr uint32_t kExtendedFlags = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
@@ -135,6 +143,10 @@ struct ExtendedCall {
     LmfLoadPicture LoadPicture(const HostHooks *hooks) const {
         constexpr size_t kEnd = offsetof(HostHooks, loadPicture) + sizeof(LmfLoadPicture);
         return hooks != nullptr && (record == nullptr || Reaches(kEnd)) ? hooks->loadPicture : nullptr;
+    }
+    const char *Destinations() const {
+        constexpr size_t kEnd = offsetof(LmfExtendedHooks, destinations) + sizeof(const char *);
+        return Reaches(kEnd) ? record->destinations : nullptr;
     }
     void SetErrorCode(int32_t code) const {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, errorCode) + sizeof(int32_t);
@@ -189,6 +201,7 @@ uint64_t DoImageFilter(const HostCall &call) {
     OwningContext context;
     const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
     context.clipboard = extended.Clipboard();
+    context.destinations = extended.Destinations();
     context.loadPicture = extended.LoadPicture(call.hooks);
     if (!kValidationState ||
         !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved)) {

@@ -24,6 +24,8 @@ struct FilterContext : FilterParameters {
     bool runsOnSecond;                 ///< the kernel runs on `second`, after it ran on `source`
     DibHandle clipboard;               ///< plays the part of the clipboard: a picture of the host, or null
     int32_t resultWidth, resultHeight; ///< of `result`, pixels
+    const char *destinations;          ///< file of the host with the list for Social Media; null: the user's
+    int32_t destinationWidth, destinationDepth; ///< that Social Media makes, pixels; 0 while none is chosen
     Color paperColor;
     ByteOffsets byteOffsets; ///< of the 5 x 5 windows: whole in windows and in extended calls
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion
@@ -31,6 +33,10 @@ struct FilterContext : FilterParameters {
     int32_t errorCode;                        ///< an LMF_ERROR_
     DibHandle auxImage; ///< owned: a further picture that a kernel leaves behind; freed before every run
     int32_t hostReserved;
+    /// The names of the cascade files, as the general settings have them.
+    SettingText faceCascade, eyesCascade;
+    BlockHandle FaceDetectList; ///< what FilterPrepare of Face Detection found (a FaceList), until its last phase
+    BlockHandle RedeyeList;     ///< the same of Red-eye Reduction
 };
 
 /// Makes `made`, which may be null for none, the second picture of the result.

@@ -4,45 +4,21 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <optional>
 
 #include "common/text.h"
 #include "engine/config_text.h"
+#include "engine/text_file.h"
 #include "platform/files.h"
 
 namespace lmf {
 
 namespace {
 
-/// A settings file, read whole. One that is too long fails, and so does any where memory is short.
-struct SettingsText {
-    static constexpr uint64_t kLargest = uint64_t{1} << 20;
-    FileState state = FileState::kFailed;
-    std::optional<BlockArray<char>> bytes;
-    size_t size = 0;
-
-    explicit SettingsText(const char *name) {
-        char path[kPathSize];
-        if (!FindSettingsFile(name, path)) return;
-        const InputFile file(path);
-        state = file.state;
-        if (state != FileState::kOpen) return;
-        state = FileState::kFailed;
-        if (file.size > kLargest) return;
-        bytes.emplace(file.size + 1); // an empty file needs a block too
-        if (!*bytes || !file.Read(bytes->data)) return;
-        state = FileState::kOpen;
-        size = file.size;
-    }
-    bool Failed() const { return state == FileState::kFailed; }
-    bool Exists() const { return state == FileState::kOpen; }
-    std::string_view Bytes() const { return size == 0 ? std::string_view() : std::string_view(bytes->data, size); }
-    /// The bytes without the mark of their encoding that some editors put before them.
-    std::string_view Text() const {
-        constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-        return Bytes().substr(Bytes().starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    }
-};
+/// A settings file, read whole.
+TextFile SettingsText(const char *name) {
+    char path[kPathSize];
+    return TextFile(FindSettingsFile(name, path) ? path : nullptr);
+}
 
 /// Keeps other hosts from changing the settings files while this one reads, changes and writes them. A holder that
 /// doesn't let go within the time (a process that was stopped, a file server that is away) must not stop its fellows:
@@ -118,7 +94,7 @@ void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
 }
 
 /// Makes ready a backup of a file: another name for it, since no writer touches a file that stands, or else a copy.
-bool BackUp(const char *name, const SettingsText &file, const char *backup, PendingFile *pending) {
+bool BackUp(const char *name, const TextFile &file, const char *backup, PendingFile *pending) {
     char from[kPathSize], to[kPathSize];
     return FindSettingsFile(name, from) && FindSettingsFile(backup, to) &&
            (pending->Link(to, from) || pending->Write(to, file.Bytes(), from));
@@ -126,11 +102,11 @@ bool BackUp(const char *name, const SettingsText &file, const char *backup, Pend
 
 /// Moves the generations of a file by one: the first backup becomes the second, and the present file the first. Either
 /// both move or none: with the first alone in the second's place, the older would be lost and nothing gained.
-void RotateBackups(const char *name, const SettingsText &present) {
+void RotateBackups(const char *name, const TextFile &present) {
     char first[kPathSize], second[kPathSize + 10];
     std::snprintf(first, sizeof first, "Backup of %s", name);
     std::snprintf(second, sizeof second, "Backup of %s", first);
-    const SettingsText oldFirst(first);
+    const TextFile oldFirst = SettingsText(first);
     PendingFile newFirst, newSecond;
     if (oldFirst.Failed()) return;
     if (oldFirst.Exists() && !BackUp(first, oldFirst, second, &newSecond)) return;
@@ -142,7 +118,7 @@ void RotateBackups(const char *name, const SettingsText &present) {
 } // namespace
 
 FoundSettings ReadSettings(uint32_t runFlags) {
-    const SettingsText file(SettingsFilesFor(runFlags).ini);
+    const TextFile file = SettingsText(SettingsFilesFor(runFlags).ini);
     ReadConfigLines(file.Text(), ConfigTable);
     return {Settings, !file.Failed()};
 }
@@ -151,7 +127,7 @@ void WriteSettings(uint32_t runFlags, const FoundSettings &found) {
     if (!found.mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).ini;
     const SettingsLock lock;
-    const SettingsText present(name);
+    const TextFile present = SettingsText(name);
     if (present.Failed()) return;
     TakeOthersChanges(present.Text(), found.values);
     LineWriter out(kHeadingLines + kConfigRows);
@@ -212,7 +188,7 @@ void ReadEnableLines(std::string_view text) {
 }
 
 FoundSwitches ReadEnableFile(uint32_t runFlags) {
-    const SettingsText file(SettingsFilesFor(runFlags).enable);
+    const TextFile file = SettingsText(SettingsFilesFor(runFlags).enable);
     ReadEnableLines(file.Text());
     return {EnabledBits(), !file.Failed()};
 }
@@ -221,7 +197,7 @@ void WriteEnableFile(uint32_t runFlags, const FoundSwitches *found) {
     if (found != nullptr && !found->mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).enable;
     const SettingsLock lock;
-    const SettingsText present(name);
+    const TextFile present = SettingsText(name);
     if (present.Failed()) return;
     if (found != nullptr) {
         const auto mine = EnabledBits(), changed = mine ^ found->enabled;

@@ -42,6 +42,13 @@ bool AppendSettingsFolder(FilePath *path) {
     return true;
 }
 
+/// Adds the file's name to that of its folder. @return false where something was cut
+bool Finish(FilePath &path, const char *name, char (&out)[kPathSize]) {
+    Append(&path, name);
+    std::memcpy(out, path.text, kPathSize);
+    return path.whole;
+}
+
 } // namespace
 
 bool SettingsFolder(char (&out)[kPathSize]) {
@@ -53,27 +60,35 @@ bool SettingsFolder(char (&out)[kPathSize]) {
 
 bool FindSettingsFile(const char *name, char (&out)[kPathSize]) {
     FilePath path;
+    return AppendSettingsFolder(&path) && Finish(path, name, out);
+}
+
+bool FindProductFile(const char *name, char (&out)[kPathSize]) {
+    FilePath path;
     if (!AppendSettingsFolder(&path)) return false;
-    Append(&path, name);
-    std::memcpy(out, path.text, kPathSize);
-    return path.whole;
+    AppendFolder(&path, kProductFolder);
+    return Finish(path, name, out);
+}
+
+bool FindModuleFile(const char *name, char (&out)[kPathSize]) {
+    FilePath path;
+    if (*ModuleFolder() == '\0') return false;
+    AppendFolder(&path, ModuleFolder());
+    return Finish(path, name, out);
 }
 
 const char *SettingsFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) Append(&path, name);
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindSettingsFile(name, path);
+    return path;
 }
 
 const char *ProductFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) {
-        AppendFolder(&path, kProductFolder);
-        Append(&path, name);
-    }
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindProductFile(name, path);
+    return path;
 }
 
 const char *DocumentsFile(const char *name) {
@@ -88,13 +103,10 @@ const char *DocumentsFile(const char *name) {
 }
 
 const char *ModuleFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (*ModuleFolder() != '\0') {
-        AppendFolder(&path, ModuleFolder());
-        Append(&path, name);
-    }
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindModuleFile(name, path);
+    return path;
 }
 
 const SettingsFileSet &SettingsFilesFor(uint32_t runFlags) {

@@ -21,9 +21,11 @@ inline constexpr size_t kPathSize = 261;
 [[nodiscard]] const char *DocumentsFile(const char *name);
 [[nodiscard]] const char *ModuleFile(const char *name);
 
-/// The path of a settings file that is to be opened.
+/// The path of a file that is to be opened, in the same places.
 /// @return false where there is no such path, or it is too long: a cut one would name another file
 [[nodiscard]] bool FindSettingsFile(const char *name, char (&out)[kPathSize]);
+[[nodiscard]] bool FindProductFile(const char *name, char (&out)[kPathSize]);
+[[nodiscard]] bool FindModuleFile(const char *name, char (&out)[kPathSize]);
 
 /// Names of the files of one kind of host.
 struct SettingsFileSet {

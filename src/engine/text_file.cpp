@@ -1,0 +1,23 @@
+#include "engine/text_file.h"
+
+namespace lmf {
+
+TextFile::TextFile(const char *path) {
+    if (path == nullptr) return;
+    const InputFile file(path);
+    state = file.state;
+    if (state != FileState::kOpen) return;
+    state = FileState::kFailed;
+    if (file.size > kLargest) return;
+    bytes.emplace(file.size + 1); // an empty file needs a block too
+    if (!*bytes || !file.Read(bytes->data)) return;
+    state = FileState::kOpen;
+    size = file.size;
+}
+
+std::string_view TextFile::Text() const {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    return Bytes().substr(Bytes().starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+}
+
+} // namespace lmf
