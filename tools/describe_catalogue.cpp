@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 
 #include "engine/catalogue.h"
+#include "engine/document.h"
 
 namespace lmf {
 namespace {
@@ -109,6 +110,7 @@ bool AddControl(Json &settings, const PageControl &control) {
         setting["help"] = control.help;
         setting["control"] = NameOf(control.kind);
         setting["id"] = control.id;
+        if (const auto kind = DocumentKindOf(control)) setting["document"] = kDocumentKinds[static_cast<size_t>(*kind)];
         setting["stored"] = !IsKeyless(*parameter);
         if (control.number) {
             AddNumber(setting, control, isBool);

@@ -1,7 +1,9 @@
 // Small readings of text that must come out the same on every system and in every locale.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 namespace lmf {
 
@@ -14,5 +16,22 @@ namespace lmf {
 
 /// Are the two texts the same, with the letters A to Z and a to z taken as equal?
 [[nodiscard]] bool SameIgnoringCase(const char *a, const char *b);
+/// Does the text begin with these letters, in the same sense?
+[[nodiscard]] bool StartsIgnoringCase(const char *text, std::string_view start);
+
+/// The first character of `text` with a code above 32, bytes from 128 up among them.
+[[nodiscard]] const char *SkipToText(const char *text);
+/// Ends a line before its first line feed or carriage return.
+void CutLineEnd(char *line);
+
+/// Gives a text line by line.
+struct LineReader {
+    std::string_view rest;
+
+    /// Copies the next line with its end, zero-terminated. What doesn't fit is left for the next line.
+    /// @param room  of `line`, at least 2
+    /// @return false at the end of the text
+    [[nodiscard]] bool Next(char *line, size_t room);
+};
 
 } // namespace lmf

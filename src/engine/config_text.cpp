@@ -6,23 +6,12 @@
 #include <cstring>
 
 #include "common/random.h"
-#include "common/text.h"
 #include "platform/files.h"
 #include "platform/system.h"
 
 namespace lmf {
 
-bool LineReader::Next(char *line, size_t room) {
-    if (rest.empty()) return false;
-    const std::string_view most = rest.substr(0, room - 1);
-    const size_t length = std::min(most.find('\n'), most.size() - 1) + 1;
-    most.copy(line, length);
-    line[length] = '\0';
-    rest.remove_prefix(length);
-    return true;
-}
-
-LineWriter::LineWriter(size_t lines) : room(lines * kLineSize), bytes(room), whole(bool{bytes}) {}
+LineWriter::LineWriter(size_t lines, size_t lineSize) : room(lines * lineSize + 1), bytes(room), whole(bool{bytes}) {}
 
 void LineWriter::Add(const char *format, ...) {
     if (!whole) return;

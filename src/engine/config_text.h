@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "common/text.h"
 #include "engine/settings.h"
 #include "platform/memory.h"
 
@@ -15,20 +16,10 @@ namespace lmf {
 inline constexpr size_t kLineSize = 260;
 using Line = char[kLineSize];
 
-/// Gives a text line by line.
-struct LineReader {
-    std::string_view rest;
-
-    /// Copies the next line with its end, zero-terminated. What doesn't fit is left for the next line.
-    /// @param room  of `line`, at least 2
-    /// @return false at the end of the text
-    [[nodiscard]] bool Next(char *line, size_t room);
-};
-
 /// Collects lines in memory.
 struct LineWriter {
-    /// Makes room for so many lines of less than kLineSize characters.
-    explicit LineWriter(size_t lines);
+    /// Makes room for so many lines of less than `lineSize` characters.
+    explicit LineWriter(size_t lines, size_t lineSize = kLineSize);
 
     /// Adds a line and its end, printed as by `printf`.
     __attribute__((format(printf, 2, 3))) void Add(const char *format, ...);

@@ -4,60 +4,19 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <optional>
 
 #include "common/text.h"
 #include "engine/config_text.h"
-#include "platform/files.h"
+#include "engine/text_file.h"
 
 namespace lmf {
 
 namespace {
 
-/// A settings file, read whole. One that is too long fails, and so does any where memory is short.
-struct SettingsText {
-    static constexpr uint64_t kLargest = uint64_t{1} << 20;
-    FileState state = FileState::kFailed;
-    std::optional<BlockArray<char>> bytes;
-    size_t size = 0;
-
-    explicit SettingsText(const char *name) {
-        char path[kPathSize];
-        if (!FindSettingsFile(name, path)) return;
-        const InputFile file(path);
-        state = file.state;
-        if (state != FileState::kOpen) return;
-        state = FileState::kFailed;
-        if (file.size > kLargest) return;
-        bytes.emplace(file.size + 1); // an empty file needs a block too
-        if (!*bytes || !file.Read(bytes->data)) return;
-        state = FileState::kOpen;
-        size = file.size;
-    }
-    bool Failed() const { return state == FileState::kFailed; }
-    bool Exists() const { return state == FileState::kOpen; }
-    std::string_view Bytes() const { return size == 0 ? std::string_view() : std::string_view(bytes->data, size); }
-    /// The bytes without the mark of their encoding that some editors put before them.
-    std::string_view Text() const {
-        constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-        return Bytes().substr(Bytes().starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    }
-};
-
-/// Keeps other hosts from changing the settings files while this one reads, changes and writes them. A holder that
-/// doesn't let go within the time (a process that was stopped, a file server that is away) must not stop its fellows:
-/// they then write without the lock, as where it can't be made. The files stay whole even so, but what another saves
-/// in the same moment can be lost. Each wait in vain halves the next, so that a batch of calls doesn't wait for long.
-struct SettingsLock {
-    static constexpr int kLongestWait = 5000;
-    static inline int wait = kLongestWait;
-    char path[kPathSize] = "";
-    FileLock lock;
-
-    SettingsLock() : lock(FindSettingsFile("LmfFiltr.lock", path) ? path : "", wait) {
-        wait = lock.busy ? wait / 2 : kLongestWait;
-    }
-};
+TextFile ReadText(const char *name) {
+    char path[kPathSize];
+    return TextFile(FindSettingsFile(name, path) ? path : nullptr);
+}
 
 /// Writes what is to take the place of a settings file.
 bool WritePending(const char *name, std::string_view text, PendingFile *file) {
@@ -83,10 +42,9 @@ void WriteHeading(LineWriter &out, const char *title, const char *section) {
 
 constexpr size_t kHeadingLines = 5;
 
-/// Writes a text in the place of a settings file, unless what stands there can't be read.
 void ReplaceFile(const char *name, const LineWriter &text) {
-    PendingFile file;
-    if (text.Whole() && WritePending(name, text.Text(), &file) && file.TakePlace()) file.SyncFolder();
+    char path[kPathSize];
+    if (text.Whole() && FindSettingsFile(name, path)) ReplaceTextFile(path, text.Text());
 }
 
 // The ini file.
@@ -117,20 +75,18 @@ void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
     }
 }
 
-/// Makes ready a backup of a file: another name for it, since no writer touches a file that stands, or else a copy.
-bool BackUp(const char *name, const SettingsText &file, const char *backup, PendingFile *pending) {
+bool BackUp(const char *name, const TextFile &file, const char *backup, PendingFile *pending) {
     char from[kPathSize], to[kPathSize];
-    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) &&
-           (pending->Link(to, from) || pending->Write(to, file.Bytes(), from));
+    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) && BackUpFile(from, file, to, pending);
 }
 
 /// Moves the generations of a file by one: the first backup becomes the second, and the present file the first. Either
 /// both move or none: with the first alone in the second's place, the older would be lost and nothing gained.
-void RotateBackups(const char *name, const SettingsText &present) {
+void RotateBackups(const char *name, const TextFile &present) {
     char first[kPathSize], second[kPathSize + 10];
     std::snprintf(first, sizeof first, "Backup of %s", name);
     std::snprintf(second, sizeof second, "Backup of %s", first);
-    const SettingsText oldFirst(first);
+    const TextFile oldFirst = ReadText(first);
     PendingFile newFirst, newSecond;
     if (oldFirst.Failed()) return;
     if (oldFirst.Exists() && !BackUp(first, oldFirst, second, &newSecond)) return;
@@ -142,7 +98,7 @@ void RotateBackups(const char *name, const SettingsText &present) {
 } // namespace
 
 FoundSettings ReadSettings(uint32_t runFlags) {
-    const SettingsText file(SettingsFilesFor(runFlags).ini);
+    const TextFile file = ReadText(SettingsFilesFor(runFlags).ini);
     ReadConfigLines(file.Text(), ConfigTable);
     return {Settings, !file.Failed()};
 }
@@ -151,7 +107,7 @@ void WriteSettings(uint32_t runFlags, const FoundSettings &found) {
     if (!found.mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).ini;
     const SettingsLock lock;
-    const SettingsText present(name);
+    const TextFile present = ReadText(name);
     if (present.Failed()) return;
     TakeOthersChanges(present.Text(), found.values);
     LineWriter out(kHeadingLines + kConfigRows);
@@ -199,7 +155,7 @@ void ReadEnableLines(std::string_view text) {
     LineReader lines{text};
     Line line;
     while (lines.Next(line, kLineSize)) {
-        line[std::strcspn(line, "\r\n")] = '\0';
+        CutLineEnd(line);
         if (line[0] == ';') continue;
         const char *value = std::strchr(line, '=');
         if (value == nullptr) continue;
@@ -212,7 +168,7 @@ void ReadEnableLines(std::string_view text) {
 }
 
 FoundSwitches ReadEnableFile(uint32_t runFlags) {
-    const SettingsText file(SettingsFilesFor(runFlags).enable);
+    const TextFile file = ReadText(SettingsFilesFor(runFlags).enable);
     ReadEnableLines(file.Text());
     return {EnabledBits(), !file.Failed()};
 }
@@ -221,7 +177,7 @@ void WriteEnableFile(uint32_t runFlags, const FoundSwitches *found) {
     if (found != nullptr && !found->mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).enable;
     const SettingsLock lock;
-    const SettingsText present(name);
+    const TextFile present = ReadText(name);
     if (present.Failed()) return;
     if (found != nullptr) {
         const auto mine = EnabledBits(), changed = mine ^ found->enabled;
@@ -247,7 +203,7 @@ void ReadListLines(std::string_view text, RecentFilterSink sink, void *target) {
     LineReader lines{text};
     Line line;
     while (lines.Next(line, kLineSize)) {
-        line[std::strcspn(line, "\r\n")] = '\0';
+        CutLineEnd(line);
         char *comma = std::strchr(line, ',');
         if (comma == nullptr || comma == line) continue;
         const char *number = SkipBlanks(comma + 1);
@@ -259,14 +215,14 @@ void ReadListLines(std::string_view text, RecentFilterSink sink, void *target) {
 }
 
 void ReadListFile(uint32_t runFlags, RecentFilterSink sink, void *target) {
-    ReadListLines(SettingsText(SettingsFilesFor(runFlags).list).Text(), sink, target);
+    ReadListLines(ReadText(SettingsFilesFor(runFlags).list).Text(), sink, target);
 }
 
 void WriteListFile(uint32_t runFlags, std::span<const RecentFilter> recent) {
     if (recent.empty() || Settings.RememberFilterSave == 0) return;
     const char *name = SettingsFilesFor(runFlags).list;
     const SettingsLock lock;
-    if (SettingsText(name).Failed()) return;
+    if (ReadText(name).Failed()) return;
     LineWriter out(2 * recent.size());
     for (const RecentFilter &filter : recent) out.Add("%s,%d", filter.name, static_cast<int>(filter.time));
     ReplaceFile(name, out);

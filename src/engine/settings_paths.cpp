@@ -11,7 +11,6 @@ namespace lmf {
 namespace {
 
 constexpr const char *kMakerFolder = "Quillon Works";
-constexpr const char *kProductFolder = "Lumenfold Studio 16";
 
 struct FilePath {
     char text[kPathSize] = "";
@@ -32,6 +31,11 @@ void AppendFolder(FilePath *path, const char *folder) {
     const size_t length = std::strlen(path->text);
     const char separator[] = {kPathSeparator, '\0'};
     if (length == 0 || path->text[length - 1] != kPathSeparator) Append(path, separator);
+}
+
+bool Give(const FilePath &path, char (&out)[kPathSize]) {
+    std::memcpy(out, path.text, kPathSize);
+    return path.whole;
 }
 
 bool AppendSettingsFolder(FilePath *path) {
@@ -55,8 +59,33 @@ bool FindSettingsFile(const char *name, char (&out)[kPathSize]) {
     FilePath path;
     if (!AppendSettingsFolder(&path)) return false;
     Append(&path, name);
-    std::memcpy(out, path.text, kPathSize);
-    return path.whole;
+    return Give(path, out);
+}
+
+bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]) {
+    FilePath path;
+    if (!AppendSettingsFolder(&path)) return false;
+    AppendFolder(&path, folder);
+    Append(&path, name);
+    return Give(path, out);
+}
+
+bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name, char (&out)[kPathSize]) {
+    FilePath path;
+    char documents[kFolderSize];
+    if (!UserDocumentsFolder(documents)) return false;
+    AppendFolder(&path, documents);
+    for (const char *folder : folders) AppendFolder(&path, folder);
+    Append(&path, name);
+    return Give(path, out);
+}
+
+bool FindModuleFile(const char *name, char (&out)[kPathSize]) {
+    FilePath path;
+    if (*ModuleFolder() == '\0') return false;
+    AppendFolder(&path, ModuleFolder());
+    Append(&path, name);
+    return Give(path, out);
 }
 
 const char *SettingsFile(const char *name) {

@@ -4,8 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 namespace lmf {
+
+/// The product's folder beside the settings files.
+inline constexpr const char *kProductFolder = "Lumenfold Studio 16";
 
 /// Room of a path: 260 characters and a terminator. What is longer is cut.
 inline constexpr size_t kPathSize = 261;
@@ -24,6 +28,12 @@ inline constexpr size_t kPathSize = 261;
 /// The path of a settings file that is to be opened.
 /// @return false where there is no such path, or it is too long: a cut one would name another file
 [[nodiscard]] bool FindSettingsFile(const char *name, char (&out)[kPathSize]);
+/// The same of a file in a folder beside the settings files, in a folder among the user's documents, and beside the
+/// library's own file.
+[[nodiscard]] bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]);
+[[nodiscard]] bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name,
+                                     char (&out)[kPathSize]);
+[[nodiscard]] bool FindModuleFile(const char *name, char (&out)[kPathSize]);
 
 /// Names of the files of one kind of host.
 struct SettingsFileSet {
