@@ -1,20 +1,28 @@
 // What each filter costs, in nanoseconds a pixel and in "copies". One copy is a memcpy of the same picture into memory
 // fresh from malloc, measured in turn with the filter, so that a ratio means the same on a busy machine. The kernel is
-// timed, and the exported call with all that it does around the kernel.
+// timed, and the exported call with all that it does around the kernel. With --memory it tells the memory that each
+// kernel takes at its peak instead, in pictures.
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <malloc.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 
 #include "engine/apply.h"
+#include "engine/destinations_file.h"
 #include "engine/do_image_filter.h"
+#include "lmf16finder.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -26,6 +34,7 @@ struct Options {
     std::string size = "4000x3000";
     int repetitions = 7;
     bool onlyGrey = false;
+    bool memory = false;
     bool json = false;
 };
 
@@ -98,6 +107,24 @@ bool SetParameter(const std::string &assignment) {
     return true;
 }
 
+/// Two faces and their eyes, spread over a picture of this size.
+BlockHandle MakeFaceList(int32_t width, int32_t height) {
+    struct {
+        FaceList head;
+        FaceRecord records[6];
+    } list = {{2, 4, {}}, {}};
+    for (int32_t i = 0; i < 6; i++) {
+        const int32_t side = i < 2 ? height / 3 : height / 16, step = width / 8;
+        list.records[i] = {step * (i + 1), step, step * (i + 1) + side, step + side, {}};
+    }
+    const BlockHandle block = BlockAlloc(sizeof list);
+    if (void *bytes = BlockLock(block)) {
+        std::memcpy(bytes, &list, sizeof list);
+        BlockUnlock(block);
+    }
+    return block;
+}
+
 struct Measurement {
     double nsPerPixel; ///< of the kernel; negative when it failed
     double copies;     ///< of the kernel
@@ -119,7 +146,7 @@ bool Call(int32_t row, DibHandle picture, DibHandle second, DibHandle clipboard)
     return true;
 }
 
-/// Times the kernel and the exported call in turn with copies.
+/// Times the kernel and the exported call in turn with copies. A call that would look for faces is left out.
 Measurement Measure(int32_t row, const LockedDib &picture, DibHandle second, FilterContext &context, int repetitions) {
     std::vector<double> runs, calls, copies;
     for (int i = 0; i < repetitions; i++) {
@@ -129,6 +156,10 @@ Measurement Measure(int32_t row, const LockedDib &picture, DibHandle second, Fil
         if (result == nullptr) return {-1, -1, -1};
         BlockFree(result);
         FreePictures(context);
+        if (FilterCatalogue[row].filter->hooks.FilterPrepare != nullptr) {
+            calls.push_back(runs.back());
+            continue;
+        }
         bool called = false;
         calls.push_back(Nanoseconds([&] { called = Call(row, picture.owner.handle, second, context.clipboard); }));
         if (!called) return {-1, -1, -1};
@@ -164,6 +195,76 @@ bool IsWanted(const Options &options, const FilterEntry &entry) {
                                                   [&](const auto &name) { return SameName(name, entry.name); });
 }
 
+/// A context for a run of this row, as the direct path fills it.
+FilterContext MakeContext(int32_t row, ImageMode mode, const LockedDib &picture, DibHandle second) {
+    const FilterEntry &entry = FilterCatalogue[row];
+    FilterContext context{};
+    context.mode = mode;
+    context.width = picture.View().width;
+    context.height = picture.View().height;
+    context.source = picture.owner.handle;
+    if (entry.flags & FilterNeedsSecond) context.second = second;
+    if (entry.flags & FilterNeedsClipboard) context.clipboard = picture.owner.handle;
+    context.paperColor = static_cast<Color>(Settings.PaperColor);
+    LoadAllSettings(context);
+    return context;
+}
+
+double PixelBytes(const ReadView &picture) {
+    return static_cast<double>(picture.stride) * picture.height;
+}
+
+/// Bytes of this process that are in memory now.
+double ResidentBytes() {
+    std::ifstream statm("/proc/self/statm");
+    double size = 0, resident = 0;
+    statm >> size >> resident;
+    return resident * static_cast<double>(sysconf(_SC_PAGESIZE));
+}
+
+/// Runs the kernel once in a process of its own.
+/// @return what it took at its peak, its result included, in pictures of the size of its result, or of its source where
+/// that is larger; negative when it failed
+double PeakPictures(int32_t row, const LockedDib &picture, FilterContext &context) {
+    int pipe[2];
+    double peak = -1;
+    if (::pipe(pipe) != 0) return peak;
+    const pid_t child = fork();
+    if (child == 0) {
+        const double before = ResidentBytes();
+        rusage usage{};
+        const LockedDib result(RunFilter(row, picture, context.mode, context));
+        if (result && getrusage(RUSAGE_SELF, &usage) == 0)
+            peak = std::max(static_cast<double>(usage.ru_maxrss) * 1024 - before, 0.0) /
+                   std::max(PixelBytes(picture), PixelBytes(result));
+        _exit(write(pipe[1], &peak, sizeof peak) == sizeof peak ? 0 : 1);
+    }
+    close(pipe[1]);
+    if (child > 0) {
+        if (read(pipe[0], &peak, sizeof peak) != sizeof peak) peak = -1;
+        waitpid(child, nullptr, 0);
+    }
+    close(pipe[0]);
+    return peak;
+}
+
+/// @return false when a filter failed.
+bool MeasureMemory(const Options &options, int32_t width, int32_t height, ImageMode mode) {
+    const LockedDib picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
+    if (!picture || !alpha) return false;
+    bool good = true;
+    for (int32_t row = 0; row < kFilterCount; row++) {
+        const FilterEntry &entry = FilterCatalogue[row];
+        if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
+        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle);
+        const double peak = PeakPictures(row, picture, context);
+        good = good && peak >= 0;
+        std::printf("%-28s %-6s %8.2f pictures\n", entry.name, mode == kModeGrey ? "grey" : "color", peak);
+        std::fflush(stdout);
+    }
+    return good;
+}
+
 /// @return false when a setting or a filter failed.
 bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode mode, bool *first) {
     const LockedDib picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
@@ -171,19 +272,15 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
         std::fprintf(stderr, "lmf_bench: no memory for a picture of %s\n", options.size.c_str());
         return false;
     }
+    const BlockOwner faces(MakeFaceList(width, height));
     bool good = true;
     for (int32_t row = 0; row < kFilterCount; row++) {
         const FilterEntry &entry = FilterCatalogue[row];
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
-        FilterContext context{};
-        context.mode = mode;
-        context.width = width;
-        context.height = height;
-        context.source = picture.owner.handle;
-        if (entry.flags & FilterNeedsSecond) context.second = alpha.owner.handle;
-        if (entry.flags & FilterNeedsClipboard) context.clipboard = picture.owner.handle;
-        context.paperColor = static_cast<Color>(Settings.PaperColor);
-        LoadAllSettings(context);
+        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle);
+        context.filterIndex = row;
+        context.FaceDetectList = context.RedeyeList = faces.handle;
+        (void)ChooseDestination(context);
         const Measurement measured = Measure(row, picture, context.second, context, options.repetitions);
         const char *depth = mode == kModeGrey ? "grey" : "color";
         if (measured.copies < 0) {
@@ -218,10 +315,12 @@ int main(int argc, char **argv) {
         ->check(CLI::Range(5, 1000))
         ->capture_default_str();
     app.add_flag("--grey", options.onlyGrey, "only the 8-bit grey picture");
+    app.add_flag("--memory", options.memory, "the memory that each kernel takes at its peak, beside the source");
     app.add_flag("--json", options.json, "an array of results");
     CLI11_PARSE(app, argc, argv);
 
-    // No folder of settings: the factory values count, and what --set changes.
+    // No folder of settings: the factory values count, and what --set changes. What lies beside the library lies here.
+    KeepModuleFolder(nullptr);
     setenv("XDG_CONFIG_HOME", "/nonexistent", 1);
     if (!std::all_of(options.filters.begin(), options.filters.end(), CheckName) ||
         !std::all_of(options.settings.begin(), options.settings.end(), SetParameter))
@@ -235,6 +334,10 @@ int main(int argc, char **argv) {
     }
     // Freed memory must go back to the system, or a copy would not be into fresh pages.
     mallopt(M_MMAP_THRESHOLD, 1 << 16);
+    if (options.memory) {
+        const bool color = options.onlyGrey || MeasureMemory(options, width, height, kModeTrueColor);
+        return MeasureMemory(options, width, height, kModeGrey) && color ? 0 : 1;
+    }
     bool first = true;
     if (options.json) std::printf("[\n");
     const bool color = options.onlyGrey || BenchMode(options, width, height, kModeTrueColor, &first);

@@ -7,7 +7,7 @@
  *        4     4  biWidth in pixels, positive
  *        8     4  biHeight in pixels, positive: rows run from the bottom of the picture to the top
  *       12     2  biPlanes, 1
- *       14     2  biBitCount: 1, 4, 8, 24 or 32
+ *       14     2  biBitCount: 1, 4, 8, 24 or 32; others read as white, and extended calls refuse them
  *       16     4  biCompression, 0
  *       20     4  biSizeImage: row stride times height; the stride is ((width * bits + 31) / 32) * 4 bytes
  *       24     8  biXPelsPerMeter, biYPelsPerMeter, 0
@@ -40,8 +40,18 @@ enum {
     LMF_RUN_SCALE_DIALOG = 64, /* the dialog grows to its parent's size */
     LMF_RUN_REELSMITH = 128,   /* the animation host Reelsmith */
     LMF_RUN_FRAMELOOM = 256,   /* the animation host Frameloom */
-    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: `hooks`, where given, points to an LmfExtendedHooks */
+    LMF_RUN_EXTENDED = 512     /* with LMF_RUN_DIRECT: an extended call (see below) */
 };
+
+/* An extended call has LMF_RUN_EXTENDED beside LMF_RUN_DIRECT. What differs from other direct calls:
+ * - `hooks`, where given, points to an LmfExtendedHooks.
+ * - What a window would ask for is done without one: filters that need faces look for them, and Social Media takes its
+ *   destination by number from a list; it fails with _OPEN without a list and with _CORRUPTED for a destination that is
+ *   not there or has no size.
+ * - Average and Edge Enhancement count whole byte offsets, as in the windows. In other calls these are numbers of 16
+ *   bits, as hosts know them, which mix the rows of pictures of 24 bits that are wider than 3640 pixels (of 8 bits:
+ *   16383).
+ * - Pictures of unknown depth are refused. */
 
 /* In a batch call (LMF_RUN_BATCH), `hostRecord` is the host's own block; the library writes the 32-bit error code
  * (an LMF_ERROR_) at this byte offset and touches nothing else of it. */
@@ -155,8 +165,8 @@ enum { LMF_FILTERS(LMF_FILTER_ENUMERATOR) LMF_FILTER_COUNT };
 #define LMF_FILTER_LAST 0xFFFFFFFFu
 
 /* Error codes and their texts in order: X(ENUMERATOR, "text"). The filter path sets LMF_ERROR_OK, _CANCELLED,
- * _UNSUPPORTED and _MEMORY, and to extended hooks also _INFORMATION for a null argument and _UNSUITABLE for a source
- * that cannot be read; the rest are shared with hosts. */
+ * _UNSUPPORTED and _MEMORY, and to extended hooks also _INFORMATION for a null argument, _UNSUITABLE for a source
+ * that cannot be read and _FORMAT for one of another depth than above; the rest are shared with hosts. */
 #define LMF_ERRORS(X)                                                                                                  \
     X(OK, "Ok")                                                                                                        \
     X(OPEN, "Error opening file")                                                                                      \
@@ -196,10 +206,15 @@ typedef struct HostRecord {
     const HostRestrictions *restrictions; /* may be null */
 } HostRecord;
 
-/* Lets the host choose the picture file that the Watermark filter draws. */
+/* Gives the library a picture file of the user's as a new block, which the library frees, or null where that fails. The
+ * Watermark filter prints it: with 32 bits a pixel by its alpha, with 24 as it is. Other depths should be widened,
+ * since their indexes would be taken for reds. `owner` is that of the call. */
+typedef LmfHandle (*LmfLoadPicture)(void *owner, const char *path);
+
+/* What the host does for single filters. */
 typedef struct HostHooks {
     uint64_t reserved0;
-    void (*choosePicture)(void); /* the host's file chooser; may be null */
+    LmfLoadPicture loadPicture; /* may be null */
     uint64_t reserved1;
     char folder[261];    /* zero-terminated */
     char extension[261]; /* zero-terminated */
@@ -214,6 +229,8 @@ typedef struct LmfExtendedHooks {
     const char *settings; /* in: lines "Key = value" as in a settings file, which they outdo for this call only; also
                              keys that no file keeps, such as FilterCropLeft; may be null */
     LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
+    const char *destinations; /* in: the file with the list from which Social Media takes its destination; null: the
+                                 user's list, or else the library's own */
 } LmfExtendedHooks;
 
 /* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */

@@ -1,32 +1,20 @@
 #include "apply.h"
 
+#include <unistd.h>
+
 #include <chrono>
-#include <cstdio>
+#include <cstdlib>
+#include <ctime>
 #include <map>
 #include <new>
 
-#include "library.h"
+#include "destinations.h"
+#include "files.h"
 #include "progress.h"
 
 namespace lmf::host {
 
 namespace {
-
-struct Task {
-    std::string input;
-    std::string output;
-};
-
-struct TaskOutcome {
-    ExitCode code = kDone;
-    bool skipped = false;
-    std::string error;
-    std::vector<std::string> warnings;
-    int width = 0;
-    int height = 0;
-    int bits = 0;
-    double filterSeconds = 0;
-};
 
 std::string OutputName(const std::string &input, const std::string &extension) {
     std::string name = BaseName(input);
@@ -36,19 +24,32 @@ std::string OutputName(const std::string &input, const std::string &extension) {
     return name + "." + extension;
 }
 
-// Pairs inputs with outputs, and finds fault with what cannot be meant.
-bool PlanTasks(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
-    if (request.folder.empty()) {
-        if (!CodecForName(request.output))
-            return report.Fail("the name \"" + Printable(request.output) +
-                               "\" does not end in .png, .jpg, .tif, .webp or .bmp");
-        tasks.push_back({request.inputs[0], request.output});
-        return true;
-    }
+// The clock as the library reads it.
+int64_t StartTime() {
+    const char *epoch = std::getenv("SOURCE_DATE_EPOCH");
+    return epoch && *epoch ? std::strtoll(epoch, nullptr, 10) : int64_t{std::time(nullptr)};
+}
+
+// One input and one output, each a file or a standard stream.
+bool PlanOne(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
+    const bool toStream = request.output == kStandardStream;
+    if (!toStream && request.extension.empty() && !CodecForName(request.output))
+        return report.Fail("the name \"" + Printable(request.output) +
+                           "\" does not end in .png, .jpg, .tif, .webp or .bmp; --format names another format");
+    if (toStream && request.json) return report.Fail("--json and the picture would both go to standard output");
+    if (toStream && isatty(STDOUT_FILENO))
+        return report.Fail("a picture is nothing to show on a terminal: send standard output to a file or a program");
+    tasks.push_back({request.inputs[0], request.output, {}});
+    return true;
+}
+
+// Many inputs into one folder. Finds fault with what cannot be meant.
+bool PlanMany(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
     std::map<std::string, std::string> writers;
     const std::string folder = request.folder + (request.folder.ends_with('/') ? "" : "/");
     for (const std::string &input : request.inputs) {
-        const Task task = {input, folder + OutputName(input, request.extension)};
+        if (input == kStandardStream) return report.Fail("standard input has no name for --out-dir; give IN and OUT");
+        const Task task = {input, folder + OutputName(input, request.extension), {}};
         const auto [place, fresh] = writers.emplace(task.output, input);
         if (!fresh)
             return report.Fail(Printable(place->second) + " and " + Printable(input) + " would both be written to " +
@@ -58,60 +59,84 @@ bool PlanTasks(const ApplyRequest &request, std::vector<Task> &tasks, Report &re
     return true;
 }
 
-std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture) {
-    const std::string name = filter["name"];
-    const std::string text = name + ": " + ErrorText(outcome.errorCode);
-    const char *mode = ModeName(picture.image);
-    if (!Accepts(filter, mode)) return text + " (it takes " + AcceptedModes(filter) + "; this picture is " + mode + ")";
-    if (!filter["available"]) return text + " (this version cannot run it)";
-    if (filter["needsAlpha"] && !picture.alpha) return text + " (it takes pictures with alpha)";
-    return text;
+bool PlanTasks(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
+    if (!(request.folder.empty() ? PlanOne(request, tasks, report) : PlanMany(request, tasks, report))) return false;
+    const Grain grain = {request.seed, tasks.size() > 1, StartTime(), 0};
+    for (size_t i = 0; i < tasks.size(); ++i) {
+        tasks[i].grain = grain;
+        tasks[i].grain.index = int64_t(i);
+    }
+    return true;
 }
 
-TaskOutcome RunTask(const ApplyRequest &request, const Library &library, const Bitmap &clipboard, const Task &task) {
-    TaskOutcome outcome;
-    Report report;
-    Picture picture;
-    const auto finish = [&](ExitCode code, const std::string &error) {
-        outcome.code = code;
-        outcome.error = error;
-        outcome.warnings = report.warnings;
-        return outcome;
-    };
-    if (request.skipExisting && FileExists(task.output)) {
-        outcome.skipped = true;
-        return outcome;
+std::string NameOf(const Json &filter) {
+    return filter["name"];
+}
+
+std::string DescribeMode(const Json &filter, const char *mode, int errorCode) {
+    return NameOf(filter) + ": " + ErrorText(errorCode) + " (it takes " + AcceptedModes(filter) + "; this picture is " +
+           mode + ")";
+}
+
+std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, const Picture &picture,
+                            const Library &library) {
+    const char *mode = ModeName(picture.image);
+    if (!Accepts(filter, mode)) return DescribeMode(filter, mode, outcome.errorCode);
+    const std::string text = NameOf(filter) + ": " + ErrorText(outcome.errorCode);
+    if (filter["needsFaceFinder"] && !FileExists(library.finderFolder + "libcv_x64.so"))
+        return NameOf(filter) + ": the face finder is not installed; run scripts/setup --faces, then build again";
+    if (filter["needsFaceFinder"])
+        return text + " (or a face finder that cannot work: its cascades belong into " +
+               Printable(library.finderFolder) + ")";
+    return filter["needsAlpha"] && !picture.alpha ? text + " (it takes pictures with alpha)"
+                                                  : text + DestinationAdvice(filter, outcome.errorCode);
+}
+
+// Whether the filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors tell.
+bool MayTake(const Json &filter, int bits, Report &report) {
+    const char *mode = bits > 8 ? "true color" : bits == 1 ? "mono" : "palette";
+    return bits == 8 || Accepts(filter, mode) || report.Fail(DescribeMode(filter, mode, LMF_ERROR_UNSUPPORTED));
+}
+
+// Runs the steps over the picture, each over what the one before it made.
+bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &report) {
+    for (const Step &step : job.steps) {
+        const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
+                                 job.destinations, ClockFor(step, grain)};
+        const FilterOutcome filtered = ApplyFilter(job.library, call, picture, report);
+        if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture, job.library));
     }
-    if (!ReadPicture(task.input, request.limits, picture, report)) return finish(kUnreadable, report.error);
+    return true;
+}
+
+ExitCode RunTask(const Job &job, const Task &task, TaskOutcome &outcome, Report &report) {
+    Picture picture;
+    if (job.skipExisting && FileExists(task.output)) {
+        outcome.skipped = true;
+        return kDone;
+    }
+    bool taken = true;
+    picture.accepts = [&](int bits, Report &why) { return taken = MayTake(*job.steps[0].filter, bits, why); };
+    if (!ReadPicture(task.input, job.limits, picture, report)) return taken ? kUnreadable : kFilterFailed;
     const auto start = std::chrono::steady_clock::now();
-    const FilterOutcome filtered = ApplyFilter(library, picture, clipboard, report);
+    const bool filtered = RunSteps(job, task.grain, picture, report);
     outcome.filterSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    if (!filtered.done) return finish(kFilterFailed, DescribeFailure(*request.settings.filter, filtered, picture));
+    if (!filtered) return kFilterFailed;
     outcome.width = picture.image.width;
     outcome.height = picture.image.height;
     outcome.bits = picture.image.bits;
-    if (!WritePicture(task.output, picture, request.encoding, report))
-        return finish(kUnwritable, Printable(task.output) + ": " + report.error);
-    return finish(kDone, "");
+    if (WritePicture(task.output, job.codec, picture, job.encoding, report)) return kDone;
+    const bool toStream = task.output == kStandardStream;
+    report.error = (toStream ? "standard output" : Printable(task.output)) + ": " + report.error;
+    return kUnwritable;
 }
 
-// Memory may also end in a codec or a container; then one picture has failed, and not the program.
-TaskOutcome RunTaskSafely(const ApplyRequest &request, const Library &library, const Bitmap &clipboard,
-                          const Task &task) {
-    try {
-        return RunTask(request, library, clipboard, task);
-    } catch (const std::bad_alloc &) {
-        TaskOutcome outcome;
-        outcome.code = kUnreadable;
-        outcome.error = "memory is too short for the picture";
-        return outcome;
-    }
-}
-
-Json Describe(const Task &task, const TaskOutcome &outcome) {
+Json Describe(const Job &job, const Task &task, const TaskOutcome &outcome) {
     Json entry;
     entry["input"] = task.input;
     entry["output"] = task.output;
+    entry["filters"] = Json::array();
+    for (const Step &step : job.steps) entry["filters"].push_back((*step.filter)["name"]);
     entry["status"] = outcome.skipped ? "skipped" : outcome.code == kDone ? "done" : "failed";
     if (outcome.width > 0) {
         entry["width"] = outcome.width;
@@ -125,11 +150,12 @@ Json Describe(const Task &task, const TaskOutcome &outcome) {
     return entry;
 }
 
-void Tell(const Task &task, const TaskOutcome &outcome, const Progress &progress) {
-    if (outcome.error.empty() && outcome.warnings.empty()) return;
+void Tell(const Task &task, const TaskOutcome &outcome, bool quiet, const Progress &progress) {
+    if (outcome.error.empty() && (outcome.warnings.empty() || quiet)) return;
     progress.Clear();
-    const std::string input = Printable(task.input) + ": ";
-    for (const std::string &warning : outcome.warnings) Complain(input + "warning: " + warning);
+    const std::string input = (task.input == kStandardStream ? "standard input" : Printable(task.input)) + ": ";
+    if (!quiet)
+        for (const std::string &warning : outcome.warnings) Complain(input + "warning: " + warning);
     if (!outcome.error.empty()) Complain(input + outcome.error);
 }
 
@@ -141,27 +167,24 @@ void SumUp(size_t total, size_t failed, size_t skipped) {
 }
 
 // Runs all tasks, whatever becomes of each.
-int RunTasks(const ApplyRequest &request, const Library &library, const Bitmap &clipboard,
-             const std::vector<Task> &tasks) {
-    Json document;
-    document["filter"] = (*request.settings.filter)["name"];
-    document["pictures"] = Json::array();
+int RunTasks(const ApplyRequest &request, const Job &job, const std::vector<Task> &tasks) {
     int exitCode = kDone;
     size_t failed = 0;
     size_t skipped = 0;
-    const Progress progress(tasks.size());
+    const Progress progress(request.quiet ? 0 : tasks.size());
     for (size_t i = 0; i < tasks.size(); ++i) {
         progress.Show(i, BaseName(tasks[i].input));
-        const TaskOutcome outcome = RunTaskSafely(request, library, clipboard, tasks[i]);
-        Tell(tasks[i], outcome, progress);
+        const TaskOutcome outcome = RunTask(job, tasks[i]);
+        Tell(tasks[i], outcome, request.quiet, progress);
         if (exitCode == kDone) exitCode = outcome.code;
         failed += outcome.code != kDone;
         skipped += outcome.skipped;
-        document["pictures"].push_back(Describe(tasks[i], outcome));
+        // At once, so that a program that reads the lines knows how far the run is, and an interrupted one has told.
+        if (request.json)
+            PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
     }
     progress.Clear();
-    if (tasks.size() > 1) SumUp(tasks.size(), failed, skipped);
-    if (request.json) std::printf("%s\n", document.dump(1, ' ', false, Json::error_handler_t::replace).c_str());
+    if (tasks.size() > 1 && !request.quiet) SumUp(tasks.size(), failed, skipped);
     return exitCode;
 }
 
@@ -176,50 +199,75 @@ bool ReadClipboard(const ApplyRequest &request, Bitmap &clipboard) {
         return false;
     }
     if (picture.alpha) report.Warn("the alpha is left out, since a clipboard holds none");
-    for (const std::string &warning : report.warnings) Complain(name + "warning: " + warning);
+    if (!request.quiet)
+        for (const std::string &warning : report.warnings) Complain(name + "warning: " + warning);
     clipboard = std::move(picture.image);
+    return true;
+}
+
+// Whether all filters of the request can run at all. Tested before anything is read. What a library can do that is not
+// the program's own shows only when it runs.
+bool CanRun(const ApplyRequest &request, Report &report) {
+    const bool ownLibrary = request.library.empty() && !std::getenv("LMF_LIBRARY");
+    for (const StepRequest &step : request.settings.steps) {
+        const Json &filter = *step.filter;
+        if (ownLibrary && !filter["available"])
+            return report.Fail(NameOf(filter) + " is not in this version, which cannot run it");
+        if (filter["needsClipboard"] && request.clipboard.empty())
+            return report.Fail(NameOf(filter) + " needs a second picture: give it with --clipboard PICTURE");
+    }
     return true;
 }
 
 } // namespace
 
-void Complain(const std::string &message) {
-    std::fprintf(stderr, "lmf: %s\n", message.c_str());
+// Memory may also end in a codec or a container; then one picture has failed, and not the program.
+TaskOutcome RunTask(const Job &job, const Task &task) {
+    TaskOutcome outcome;
+    Report report;
+    try {
+        outcome.code = RunTask(job, task, outcome, report);
+        outcome.error = report.error;
+        outcome.warnings = report.warnings;
+    } catch (const std::bad_alloc &) {
+        outcome = {};
+        outcome.code = kUnreadable;
+        outcome.error = "memory is too short for the picture";
+    }
+    return outcome;
 }
 
 int Apply(const ApplyRequest &request) {
     Report report;
     std::vector<Task> tasks;
-    std::string ini;
-    bool unreadable = false;
-    if (!PlanTasks(request, tasks, report)) {
+    Job job;
+    job.limits = request.limits;
+    job.encoding = request.encoding;
+    job.skipExisting = request.skipExisting;
+    if (!request.extension.empty()) job.codec = CodecForName("x." + request.extension);
+    if (!CanRun(request, report) || !PlanTasks(request, tasks, report)) {
         Complain(report.error);
         return kUsage;
     }
-    if (!MakeIni(request.settings, ini, unreadable, report)) {
-        Complain((unreadable ? Printable(request.settings.fromFile) + ": " : "") + report.error);
-        return unreadable ? kUnreadable : kUsage;
-    }
-    if (request.clipboard.empty() && (*request.settings.filter)["needsClipboard"]) {
-        Complain((*request.settings.filter)["name"].get<std::string>() +
-                 " needs a second picture: give it with --clipboard PICTURE");
-        return kUsage;
-    }
-    Bitmap clipboard;
-    if (!ReadClipboard(request, clipboard)) return kUnreadable;
+    if (const int code = MakeSteps(request.settings, job.steps, report); code != kDone) return code;
+    if (!request.quiet)
+        for (const std::string &warning : report.warnings) Complain(Printable("warning: " + warning));
+    if (!ReadClipboard(request, job.clipboard)) return kUnreadable;
     if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
         Complain(Printable(request.folder) + ": " + report.error);
         return kUnwritable;
     }
-    CleanUpOnSignals();
-    PrivateFolder privateFolder;
-    Library library;
-    if (!privateFolder.Make(report) || !InstallIni(privateFolder, ini, report) ||
-        !library.Load(request.library, report)) {
+    for (const Step &step : job.steps) {
+        if (FindDestinations(*step.filter, job.destinations, report)) continue;
         Complain(report.error);
         return kFilterFailed;
     }
-    return RunTasks(request, library, clipboard, tasks);
+    CleanUpOnSignals();
+    if (!job.library.Load(request.library, report)) {
+        Complain(report.error);
+        return kFilterFailed;
+    }
+    return RunTasks(request, job, tasks);
 }
 
 } // namespace lmf::host

@@ -1,6 +1,9 @@
 #include "catalogue.h"
 
 #include <algorithm>
+#include <iterator>
+
+#include "destinations.h"
 
 namespace lmf::host {
 
@@ -68,27 +71,6 @@ std::vector<std::string> ClosestNames(std::string_view wanted, const std::vector
     return closest;
 }
 
-// The part that all keys of the filter begin with, so that "FilterGaussianRadius" can be given as "Radius".
-// It ends where a word of each key begins, so that something is left of every key.
-std::string CommonPrefix(const Json &filter) {
-    const Json &settings = filter["settings"];
-    std::string prefix = settings.empty() ? "" : settings[0]["key"].get<std::string>();
-    const auto opens = [&](const Json &setting) {
-        const auto &key = setting["key"].get_ref<const std::string &>();
-        return prefix.size() < key.size() && key.starts_with(prefix) && StartsWord(key[prefix.size()]);
-    };
-    while (!prefix.empty() && !std::all_of(settings.begin(), settings.end(), opens)) prefix.pop_back();
-    return prefix;
-}
-
-// The keys as whoever wrote `wanted` writes them: whole, or without what they all begin with.
-std::vector<std::string> NamesLike(std::string_view wanted, std::vector<std::string> keys, const std::string &prefix) {
-    constexpr std::string_view kStart = "Filter";
-    if (EqualInAnyCase(wanted.substr(0, kStart.size()), kStart)) return keys;
-    for (std::string &key : keys) key.erase(0, prefix.size());
-    return keys;
-}
-
 // Whether `key` ends in `wanted`, and that is where a word begins.
 bool EndsInWords(const std::string &key, std::string_view wanted) {
     if (wanted.empty() || wanted.size() >= key.size()) return false;
@@ -96,10 +78,26 @@ bool EndsInWords(const std::string &key, std::string_view wanted) {
     return StartsWord(key[start]) && EqualInAnyCase(std::string_view(key).substr(start), wanted);
 }
 
+// Whether `wanted` (normalized) is what stands beside the control, with or without the unit in brackets behind it.
+bool IsLabel(const Json &setting, const std::string &wanted) {
+    const std::string label = LabelOf(setting);
+    return Normalized(label) == wanted || Normalized(label.substr(0, label.find('('))) == wanted;
+}
+
+// The settings by which a name may mean one, the own ones before those of other filters.
+std::vector<const Json *> SettingsOf(const Json &filter) {
+    std::vector<const Json *> settings;
+    for (const char *list : {"settings", "borrows"}) {
+        if (!filter.contains(list)) continue;
+        for (const Json &setting : filter[list]) settings.push_back(&setting);
+    }
+    return settings;
+}
+
 } // namespace
 
 const Json &Catalogue() {
-    static const Json kCatalogue = Json::parse(kDocument);
+    static const Json kCatalogue = WithDestinations(Json::parse(kDocument));
     return kCatalogue;
 }
 
@@ -107,44 +105,64 @@ bool EqualInAnyCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
+std::string Normalized(std::string_view text) {
+    std::string normalized;
+    for (const char c : text) {
+        const bool counts = (c >= '0' && c <= '9') || (Lower(c) >= 'a' && Lower(c) <= 'z') || (c & 0x80) != 0;
+        if (counts) normalized += Lower(c);
+    }
+    return normalized;
+}
+
 const Json *FindFilter(std::string_view name) {
-    for (const Json &filter : Catalogue()["filters"])
-        if (EqualInAnyCase(filter["name"].get_ref<const std::string &>(), name)) return &filter;
+    const std::string wanted = Normalized(name);
+    const Json &filters = Catalogue()["filters"];
+    for (const Json &filter : filters)
+        if (Normalized(filter["name"].get_ref<const std::string &>()) == wanted) return &filter;
+    for (const Json &filter : filters)
+        for (const Json &synonym : filter["synonyms"])
+            if (Normalized(synonym.get_ref<const std::string &>()) == wanted) return &filter;
     return nullptr;
 }
 
-const Json *FindSetting(const Json &filter, std::string_view key, Report &report) {
-    const auto &name = filter["name"].get_ref<const std::string &>();
-    std::vector<std::string> keys;
+std::string LabelOf(const Json &setting) {
+    return setting.value("name", setting["label"].get<std::string>());
+}
+
+FoundSetting FindSetting(const Json &filter, std::string_view name, Report &report) {
+    const std::string wanted = Normalized(name);
+    const std::vector<const Json *> settings = SettingsOf(filter);
     std::vector<const Json *> matches;
-    const Json *exact = nullptr; // without the filter's own prefix
-    const std::string prefix = CommonPrefix(filter);
-    for (const Json &setting : filter["settings"]) {
-        const auto &candidate = setting["key"].get_ref<const std::string &>();
-        if (EqualInAnyCase(candidate, key)) return &setting;
-        if (EndsInWords(candidate, key)) {
-            matches.push_back(&setting);
-            if (candidate.size() == prefix.size() + key.size()) exact = &setting;
-        }
-        keys.push_back(candidate);
+    const auto select = [&](const auto &fits) {
+        if (!matches.empty() || wanted.empty()) return;
+        std::copy_if(settings.begin(), settings.end(), std::back_inserter(matches),
+                     [&](const Json *setting) { return fits(*setting); });
+    };
+    select([&](const Json &setting) { return Normalized(setting["key"].get_ref<const std::string &>()) == wanted; });
+    const bool byKey = !matches.empty();
+    select([&](const Json &setting) { return Normalized(setting["short"].get_ref<const std::string &>()) == wanted; });
+    select([&](const Json &setting) { return !setting.contains("from") && IsLabel(setting, wanted); });
+    select([&](const Json &setting) { return EndsInWords(setting["key"].get_ref<const std::string &>(), name); });
+    if (matches.size() == 1) return {matches[0], byKey};
+
+    const auto &filterName = filter["name"].get_ref<const std::string &>();
+    const std::string given(name);
+    if (settings.empty()) {
+        report.error = filterName + " has no settings";
+        return {};
     }
-    if (exact) return exact;
-    if (matches.size() == 1) return matches[0];
-    const std::string given(key);
-    if (keys.empty()) {
-        report.error = name + " has no settings";
-        return nullptr;
-    }
+    // The names as whoever wrote `name` writes them: whole keys, or what is left of them.
+    const char *member = wanted.starts_with("filter") ? "key" : "short";
+    std::vector<std::string> names;
     std::string list;
-    for (const std::string &candidate : keys) list.append(list.empty() ? "" : ", ").append(candidate);
-    if (matches.empty()) {
-        report.error = name + " has no setting \"" + given + "\"" + Suggestion(key, NamesLike(key, keys, prefix)) +
-                       " Its settings: " + list;
-    } else {
-        report.error = name + " has several settings that end in \"" + given + "\":";
-        for (const Json *match : matches) report.error.append(" ").append((*match)["key"]);
+    for (const Json *setting : matches.empty() ? settings : matches) {
+        names.push_back((*setting)[member]);
+        list.append(list.empty() ? "" : ", ").append(names.back());
     }
-    return nullptr;
+    report.error = matches.empty() ? filterName + " has no setting \"" + given + "\"" + Suggestion(name, names) +
+                                         " Its settings: " + list
+                                   : filterName + " has several settings that end in \"" + given + "\": " + list;
+    return {};
 }
 
 bool Accepts(const Json &filter, std::string_view mode) {

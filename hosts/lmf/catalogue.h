@@ -17,12 +17,23 @@ using Json = nlohmann::ordered_json;
 /// Gives the whole document; docs/catalogue-json.md describes it.
 const Json &Catalogue();
 
-/// Finds a filter by its name, in any case; null if there is none.
+/// Gives the letters and digits of a text, the letters A to Z in lower case: what counts of a name.
+std::string Normalized(std::string_view text);
+
+/// Finds a filter by its name or one of its synonyms, where case, blanks and signs don't count; null if there is none.
 const Json *FindFilter(std::string_view name);
 
-/// Finds a setting of a filter by its key or by its key without "Filter" and the filter's own prefix, in any case.
-/// Null, with the reason in `report`, if none or several match.
-const Json *FindSetting(const Json &filter, std::string_view key, Report &report);
+/// Gives what stands beside a setting's control, or what tells it from another one with the same label.
+std::string LabelOf(const Json &setting);
+
+struct FoundSetting {
+    const Json *setting = nullptr;
+    bool byKey = false; // by its whole key, as in a settings file
+};
+
+/// Finds a setting of a filter by its key, its short name, its label or an ending of whole words that only one key has.
+/// Case, blanks and signs don't count. Null, with the reason in `report`, if none or several match.
+FoundSetting FindSetting(const Json &filter, std::string_view name, Report &report);
 
 /// Whether the filter runs on pictures of this mode (see ModeName).
 [[nodiscard]] bool Accepts(const Json &filter, std::string_view mode);

@@ -1,8 +1,7 @@
 #include "files.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <ftw.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -20,36 +19,15 @@ namespace {
 constexpr size_t kStartBytes = 64;
 constexpr size_t kLargestFile = size_t{4} << 30;
 
-// What a signal handler has to remove. Plain arrays, since nothing else may be touched there.
+// What a signal handler has to remove. A plain array, since nothing else may be touched there.
 char gOpenOutput[PATH_MAX];
-char gPrivateFolder[PATH_MAX];
 
 void Remember(char (&slot)[PATH_MAX], const std::string &path) {
     if (path.size() < sizeof slot) std::memcpy(slot, path.c_str(), path.size() + 1);
 }
 
-// Removes the files of a folder, with only such calls as are safe in a handler.
-void RemoveFiles(int folder) {
-    alignas(dirent64) char entries[4096];
-    ssize_t size = 0;
-    while ((size = getdents64(folder, entries, sizeof entries)) > 0) {
-        for (ssize_t at = 0; at < size;) {
-            const auto *entry = reinterpret_cast<const dirent64 *>(entries + at);
-            unlinkat(folder, entry->d_name, 0);
-            at += entry->d_reclen;
-        }
-    }
-}
-
 void OnSignal(int signal) {
     if (gOpenOutput[0]) unlink(gOpenOutput);
-    if (gPrivateFolder[0]) {
-        const int folder = open(gPrivateFolder, O_RDONLY | O_DIRECTORY);
-        RemoveFiles(folder);
-        RemoveFiles(openat(folder, "Quillon Works", O_RDONLY | O_DIRECTORY));
-        unlinkat(folder, "Quillon Works", AT_REMOVEDIR);
-        rmdir(gPrivateFolder);
-    }
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
@@ -59,9 +37,18 @@ struct FileCloser {
     ~FileCloser() { std::fclose(file); }
 };
 
-int RemoveEntry(const char *path, const struct stat *, int, struct FTW *) {
-    (void)std::remove(path);
-    return 0;
+std::FILE *OpenInput(const std::string &path) {
+    return path == kStandardStream ? fdopen(dup(STDIN_FILENO), "rb") : std::fopen(path.c_str(), "rbe");
+}
+
+// Hands what a file holds to standard output.
+bool CopyToStandardOutput(std::FILE *file) {
+    char buffer[1 << 16];
+    std::rewind(file);
+    size_t got = 0;
+    while ((got = std::fread(buffer, 1, sizeof buffer, file)) > 0)
+        if (std::fwrite(buffer, 1, got, stdout) != got) return false;
+    return !std::ferror(file) && std::fflush(stdout) == 0;
 }
 
 } // namespace
@@ -71,7 +58,7 @@ std::string SystemError() {
 }
 
 bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report) {
-    std::FILE *file = std::fopen(path.c_str(), "rbe");
+    std::FILE *file = OpenInput(path);
     if (!file) return report.Fail(SystemError());
     const FileCloser closer{file};
     struct stat state;
@@ -104,6 +91,11 @@ OutputFile::~OutputFile() {
 
 bool OutputFile::Open(const std::string &path, Report &report) {
     target = path;
+    if (path == kStandardStream) {
+        const int descriptor = memfd_create("lmf", MFD_CLOEXEC);
+        file = descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
+        return file || report.Fail(SystemError());
+    }
     if (char *real = realpath(path.c_str(), nullptr)) {
         target = real;
         std::free(real);
@@ -138,31 +130,13 @@ bool OutputFile::Open(const std::string &path, Report &report) {
 
 bool OutputFile::Commit(Report &report) {
     const bool written = std::fflush(file) == 0 && !std::ferror(file);
+    if (target == kStandardStream) return (written && CopyToStandardOutput(file)) || report.Fail(SystemError());
     const bool closed = std::fclose(file) == 0;
     file = nullptr;
     if (!written || !closed) return report.Fail(SystemError());
     if (std::rename(temporary.c_str(), target.c_str()) != 0) return report.Fail(SystemError());
     temporary.clear();
     return true;
-}
-
-PrivateFolder::~PrivateFolder() {
-    if (path.empty()) return;
-    nftw(path.c_str(), RemoveEntry, 8, FTW_DEPTH | FTW_PHYS);
-    gPrivateFolder[0] = 0;
-}
-
-bool PrivateFolder::Make(Report &report) {
-    const char *base = std::getenv("TMPDIR");
-    std::error_code error;
-    path = std::filesystem::absolute(base && *base ? base : "/tmp", error).string() + "/lmf-XXXXXX";
-    if (mkdtemp(path.data())) {
-        Remember(gPrivateFolder, path);
-        return true;
-    }
-    const std::string folder = path;
-    path.clear();
-    return report.Fail("cannot make the folder " + folder + ": " + SystemError());
 }
 
 void CleanUpOnSignals() {

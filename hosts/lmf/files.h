@@ -4,17 +4,23 @@
 #include <cstdio>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "picture.h"
 
 namespace lmf::host {
 
-/// Reads a whole file. `recognise` sees its first bytes (at most 64) and ends the read by giving false.
+/// The name of standard input where something is read and of standard output where something is written.
+inline constexpr std::string_view kStandardStream = "-";
+
+/// Reads a whole file, or standard input. `recognise` sees its first bytes (at most 64) and ends the read by giving
+/// false.
 [[nodiscard]] bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes,
                             Report &report);
 
 /// A file that is written under another name beside its target and takes the target's place on Commit.
 /// Without Commit, nothing of it stays. The target's permissions and, for a symbolic link, the link are kept.
+/// What is to go to standard output is kept in memory and goes there on Commit.
 struct OutputFile {
     std::FILE *file = nullptr; // open for reading and writing
     std::string temporary;
@@ -31,20 +37,7 @@ struct OutputFile {
     [[nodiscard]] bool Commit(Report &report);
 };
 
-/// A folder of this run's own, removed with all that is in it.
-struct PrivateFolder {
-    std::string path; // absolute: the library passes over a settings folder that is not
-
-    PrivateFolder() = default;
-    PrivateFolder(const PrivateFolder &) = delete;
-    PrivateFolder &operator=(const PrivateFolder &) = delete;
-    ~PrivateFolder();
-
-    /// Makes the folder below TMPDIR, or below /tmp without one.
-    [[nodiscard]] bool Make(Report &report);
-};
-
-/// Makes an interrupt or a hang-up remove the open output and the private folder before the program ends.
+/// Makes an interrupt or a hang-up remove the open output before the program ends.
 void CleanUpOnSignals();
 
 /// Whether a file of this name exists, of whatever kind.

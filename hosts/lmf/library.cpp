@@ -3,21 +3,40 @@
 #include <dlfcn.h>
 
 #include <cstdlib>
-#include <cstring>
 
 #include "files.h"
+#include "picture_loader.h"
 
 namespace lmf::host {
 
 namespace {
 
-// The block of a batch host. The library writes the error code into it and leaves the rest alone.
-struct BatchRecord {
-    uint8_t before[LMF_BATCH_ERROR_OFFSET] = {};
-    int32_t errorCode = 0;
-    uint8_t after[64] = {};
+// Below this no folder can be, and so no settings file.
+constexpr char kNoFolder[] = "/dev/null";
+
+// Makes the library's clock stand still at a number, and lets it go on at the end of the scope.
+class StoppedClock {
+public:
+    explicit StoppedClock(const std::optional<int64_t> &seconds) : stopped(seconds.has_value()) {
+        if (!stopped) return;
+        if (const char *set = std::getenv(kName)) before = set;
+        setenv(kName, std::to_string(*seconds).c_str(), 1);
+    }
+    StoppedClock(const StoppedClock &) = delete;
+    StoppedClock &operator=(const StoppedClock &) = delete;
+    ~StoppedClock() {
+        if (!stopped) return;
+        if (before)
+            setenv(kName, before->c_str(), 1);
+        else
+            unsetenv(kName);
+    }
+
+private:
+    static constexpr char kName[] = "SOURCE_DATE_EPOCH";
+    bool stopped;
+    std::optional<std::string> before;
 };
-static_assert(offsetof(BatchRecord, errorCode) == LMF_BATCH_ERROR_OFFSET);
 
 int32_t Validate(void *, const char *) {
     return 1;
@@ -29,10 +48,15 @@ bool Library::Load(std::string path, Report &report) {
     const char *fromEnvironment = std::getenv("LMF_LIBRARY");
     if (path.empty() && fromEnvironment) path = fromEnvironment;
     if (path.empty()) path = ProgramFolder() + "/../lib/liblmf16filter.so";
+    setenv("XDG_CONFIG_HOME", kNoFolder, 1);
     void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());
     doImageFilter = reinterpret_cast<decltype(doImageFilter)>(dlsym(library, "LMF16FILTERDoImageFilter"));
     if (!doImageFilter) return report.Fail(path + " is not the filter library");
+    if (char *file = realpath(path.c_str(), nullptr)) {
+        finderFolder = std::string(file, std::string_view(file).rfind('/')) + "/cv/";
+        std::free(file);
+    }
     return true;
 }
 
@@ -45,17 +69,21 @@ const char *ErrorText(int code) {
     return code >= 0 && code < LMF_ERROR_COUNT ? kTexts[code] : kTexts[LMF_ERROR_LIBRARY];
 }
 
-FilterOutcome ApplyFilter(const Library &library, Picture &picture, const Bitmap &clipboard, Report &report) {
+FilterOutcome ApplyFilter(const Library &library, const FilterCall &call, Picture &picture, Report &report) {
+    constexpr uint32_t kRunFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | LMF_RUN_EXTENDED;
+    const StoppedClock clock(call.clockSeed);
     LmfHandle image = picture.image.block;
     LmfHandle second = picture.alpha.block;
-    BatchRecord record;
     LmfExtendedHooks extended = {};
     extended.size = sizeof extended;
-    extended.clipboard = clipboard.block;
-    const uint32_t runFlags = LMF_RUN_DIRECT | LMF_RUN_BATCH | (clipboard ? LMF_RUN_EXTENDED : 0);
-    const uint64_t done = library.doImageFilter(nullptr, &image, Validate, &second, 0, 0, runFlags, &record, nullptr, 0,
-                                                0, clipboard ? &extended.hooks : nullptr);
-    if (!done) return {false, record.errorCode == 0 ? LMF_ERROR_LIBRARY : record.errorCode};
+    extended.hooks.loadPicture = LoadPicture;
+    extended.settings = call.lines.c_str();
+    extended.clipboard = call.clipboard->block;
+    extended.destinations = call.destinations.empty() ? nullptr : call.destinations.c_str();
+    PictureLoader loader = {*call.limits, report};
+    const uint64_t done = library.doImageFilter(&loader, &image, Validate, &second, 0, 0, kRunFlags, nullptr, nullptr,
+                                                0, 0, &extended.hooks);
+    if (!done) return {false, extended.errorCode == LMF_ERROR_OK ? int(LMF_ERROR_LIBRARY) : extended.errorCode};
     Bitmap result;
     Bitmap resultAlpha;
     const bool sound = AdoptBitmap(result, image);

@@ -8,7 +8,9 @@
 
 #include "apply.h"
 #include "catalogue.h"
+#include "console.h"
 #include "exif.h"
+#include "listing.h"
 #include "progress.h"
 
 namespace lmf::host {
@@ -16,15 +18,6 @@ namespace lmf::host {
 namespace {
 
 using Arguments = std::vector<std::string>;
-
-void Print(const std::string &text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-}
-
-std::string Padded(std::string text, size_t width) {
-    text.resize(std::max(text.size() + 1, width), ' ');
-    return text;
-}
 
 // Points to the help of the command whose usage line is the app's name: "lmf apply FILTER IN OUT".
 std::string HelpHint(const CLI::App &app) {
@@ -66,10 +59,12 @@ bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exit
 
 void AddLimits(CLI::App &app, Limits &limits) {
     app.add_option("--max-side", limits.side, "Largest width or height to read, in pixels")
-        ->check(CLI::Range(int64_t{1}, int64_t{0x7FFFFFFF}))
+        ->check(CLI::Range(int64_t{1}, int64_t{0x7FFFFFFF}).description(""))
+        ->type_name("N")
         ->capture_default_str();
     app.add_option("--max-pixels", limits.pixels, "Largest number of pixels to read")
-        ->check(CLI::Range(int64_t{1}, int64_t{0xFFFFFFFF}))
+        ->check(CLI::Range(int64_t{1}, int64_t{0xFFFFFFFF}).description(""))
+        ->type_name("N")
         ->capture_default_str();
 }
 
@@ -79,115 +74,55 @@ const Json *RequireFilter(const std::string &name) {
     std::vector<std::string> names;
     for (const Json &filter : Catalogue()["filters"]) names.push_back(filter["name"]);
     Complain("there is no filter \"" + Printable(name) + "\"" + Suggestion(name, names) +
-             " \"lmf list\" names them all");
+             " \"lmf list\" names them, \"lmf list WORD\" looks for one");
     return nullptr;
 }
 
-int List(const Arguments &arguments) {
-    CLI::App app("Lists the filters, with the kinds of picture that each accepts.", "lmf list");
-    std::string category;
-    bool json = false;
-    app.add_option("--category", category, "Only the filters of this category");
-    app.add_flag("--json", json, "Print the catalogue document");
-    Arguments rest;
-    int exitCode = kDone;
-    if (!ParseOptions(app, arguments, rest, exitCode)) return exitCode;
-    if (!rest.empty()) {
-        Complain("lmf list takes options only");
-        return kUsage;
-    }
-    const Json &categories = Catalogue()["categories"];
-    const auto wanted = [&](const Json &name) {
-        return category.empty() || EqualInAnyCase(name.get_ref<const std::string &>(), category);
-    };
-    if (std::none_of(categories.begin(), categories.end(), wanted)) {
-        std::string all;
-        for (const Json &name : categories) all += (all.empty() ? "" : ", ") + name.get<std::string>();
-        Complain("there is no category \"" + Printable(category) + "\". The categories: " + all);
-        return kUsage;
-    }
+// Prints the catalogue document with the filters of one category, or of all.
+int PrintCatalogue(const std::string &category) {
     Json document = Catalogue();
     Json &filters = document["filters"];
-    for (size_t i = filters.size(); i-- > 0;)
-        if (!wanted(filters[i]["category"])) filters.erase(i);
-    if (json) {
-        Print(document.dump(1) + "\n");
-        return kDone;
-    }
-    Print(Padded("FILTER", 28) + Padded("CATEGORY", 14) + "ACCEPTS\n");
-    for (const Json &filter : filters)
-        Print(Padded(filter["name"], 28) + Padded(filter["category"], 14) + AcceptedModes(filter) +
-              (filter["available"] ? "" : " (not in this version)") + "\n");
+    for (size_t i = filters.size(); i-- > 0 && !category.empty();)
+        if (Normalized(filters[i]["category"].get<std::string>()) != Normalized(category)) filters.erase(i);
+    Print(document.dump(1) + "\n");
     return kDone;
 }
 
-// Gives value / steps with the decimals that the steps make out.
-std::string Fraction(int64_t value, int64_t steps) {
-    char text[32];
-    const int decimals = steps >= 100 ? 2 : steps > 1 ? 1 : 0;
-    std::snprintf(text, sizeof text, "%.*f", decimals, double(value) / double(steps));
-    return text;
-}
-
-// Gives a number as a control shows it.
-std::string ShownNumber(const Json &setting, int64_t value) {
-    const std::string shown = setting.value("shown", "plain");
-    if (shown == "hundredths") return Fraction(value, 100);
-    if (shown == "tenths") return Fraction(value, 10);
-    return std::to_string(value - setting.value("offset", int64_t{0}));
-}
-
-std::string ColorText(int64_t value) {
-    char text[8];
-    std::snprintf(text, sizeof text, "%02X%02X%02X", int(value & 0xFF), int(value >> 8 & 0xFF),
-                  int(value >> 16 & 0xFF));
-    return text;
-}
-
-// Gives what a number means to a person, "4.0 pixels", and what the filter's page shows where that differs.
-std::string MeaningOf(const Json &setting, int64_t value) {
-    const std::string plain = std::to_string(value), shown = ShownNumber(setting, value);
-    const std::string means =
-        Fraction(value - setting.value("offset", int64_t{0}), setting.value("perUnit", int64_t{1}));
-    std::string text;
-    // A seed counts nothing: it is a number to remember.
-    if (setting.contains("unit") && setting["unit"] != "seed") text = " " + setting["unit"].get<std::string>();
-    if (means != plain) text = " is " + means + text;
-    if (shown != means) text += " (shown as " + shown + ")";
-    return plain + text;
-}
-
-// Gives a value as it is written behind "KEY=", and what it means.
-std::string ValueText(const Json &setting, const Json &value) {
-    if (value.is_string()) return "\"" + value.get<std::string>() + "\"";
-    if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
-    const int64_t number = value.get<int64_t>();
-    if (setting["type"] == "color") return ColorText(number);
-    std::string text = MeaningOf(setting, number);
-    for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array())
-        if (entry["value"] == value) text += " (" + entry["name"].get<std::string>() + ")";
-    return text;
-}
-
-void PrintSetting(const Json &setting) {
-    const std::string label = setting.value("name", setting["label"].get<std::string>());
-    Print("\n" + setting["key"].get<std::string>() + (label.empty() ? "" : "  \"" + label + "\"") + "\n");
-    const auto line = [](const char *name, const std::string &text) { Print("  " + Padded(name, 10) + text + "\n"); };
-    const std::string help = setting["help"];
-    if (!help.empty()) Print("  " + help + "\n");
-    line("type", setting["type"].get<std::string>() + ", " +
-                     (setting["id"] == 0 ? "no control" : setting["control"].get<std::string>()));
-    if (setting.contains("entries")) {
-        for (const Json &entry : setting["entries"])
-            line(&entry == &setting["entries"][0] ? "entries" : "",
-                 std::to_string(entry["value"].get<int>()) + " " + entry["name"].get<std::string>());
-    } else if (setting.contains("min") && setting["type"] != "color") {
-        line("range", MeaningOf(setting, setting["min"].get<int64_t>()) + " to " +
-                          MeaningOf(setting, setting["max"].get<int64_t>()));
+int List(const Arguments &arguments) {
+    CLI::App app(
+        "Lists the filters and says what each does. With words, only those whose name, category, description or\n"
+        "other names have them all.",
+        "lmf list [WORD]...");
+    ListRequest request;
+    bool json = false;
+    app.add_option("--category", request.category, "Only the filters of this category")->type_name("NAME");
+    app.add_flag("--all", request.all, "Also the filters that this version cannot run");
+    app.add_flag("--json", json, "Print the catalogue document");
+    int exitCode = kDone;
+    if (!ParseOptions(app, arguments, request.words, exitCode)) return exitCode;
+    const Json &categories = Catalogue()["categories"];
+    std::string all;
+    bool known = request.category.empty();
+    for (const Json &name : categories) {
+        all += (all.empty() ? "" : ", ") + name.get<std::string>();
+        known |= Normalized(name.get<std::string>()) == Normalized(request.category);
     }
-    line("default", ValueText(setting, setting["default"]));
-    if (setting["restore"] != setting["default"]) line("restore", ValueText(setting, setting["restore"]));
-    if (!setting["stored"].get<bool>()) line("", "kept in no settings file; --set cannot reach it");
+    if (!known) {
+        Complain("there is no category \"" + Printable(request.category) + "\". The categories: " + all);
+        return kUsage;
+    }
+    if (json) {
+        if (request.words.empty()) return PrintCatalogue(request.category);
+        Complain("lmf list --json takes no words");
+        return kUsage;
+    }
+    const std::string text = ListText(request);
+    if (text.empty()) {
+        Complain(std::string("no filter has these words") + (request.all ? "" : "; --all looks at all 95"));
+        return kUsage;
+    }
+    Print(text);
+    return kDone;
 }
 
 int Show(const Arguments &arguments) {
@@ -207,11 +142,7 @@ int Show(const Arguments &arguments) {
         Print(filter->dump(1) + "\n");
         return kDone;
     }
-    Print((*filter)["name"].get<std::string>() + "\n  " + Padded("category", 10) +
-          (*filter)["category"].get<std::string>() + "\n  " + Padded("accepts", 10) + AcceptedModes(*filter) + "\n  " +
-          Padded("alpha", 10) + (*filter)["alpha"].get<std::string>() + "\n");
-    for (const Json &setting : (*filter)["settings"]) PrintSetting(setting);
-    if ((*filter)["settings"].empty()) Print("\nThis filter has no settings.\n");
+    Print(ShowText(*filter));
     return kDone;
 }
 
@@ -269,35 +200,69 @@ int Info(const Arguments &arguments) {
     return exitCode;
 }
 
-int ApplyCommand(const Arguments &arguments) {
-    CLI::App app("Applies a filter to a picture, or to many.\n"
-                 "The file name's ending picks the format: .png, .jpg, .tif, .webp or .bmp.",
-                 "lmf apply FILTER IN OUT | lmf apply FILTER --out-dir DIR IN...");
-    ApplyRequest request;
-    app.add_option("--set", request.settings.assignments, "A setting of the filter, as KEY=VALUE (see lmf show)")
-        ->type_name("KEY=VALUE")
-        ->allow_extra_args(false);
-    app.add_option("--paper", request.settings.paper, "The paper color")->type_name("RRGGBB");
+// The options of lmf apply. `names` takes those of the filters after the first; a setting belongs to the filter that
+// stands before it.
+void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
+    std::vector<StepRequest> &steps = request.settings.steps;
+    steps.resize(1);
+    app.add_option_function<std::string>(
+           "--set", [&steps](const std::string &text) { steps.back().assignments.push_back(text); },
+           "A setting of the filter before it (see lmf show)")
+        ->type_name("NAME=VALUE")
+        ->trigger_on_parse();
+    app.add_option_function<std::string>(
+           "--then",
+           [&steps, &names](const std::string &name) {
+               names.push_back(name);
+               steps.emplace_back();
+           },
+           "A further filter, run over the result of the one before it")
+        ->type_name("FILTER")
+        ->trigger_on_parse();
+    app.add_option("--paper", request.settings.paper, "The paper color, #RRGGBB or a name")->type_name("COLOR");
     app.add_option("--settings-from", request.settings.fromFile, "Begin with the settings of an ini file")
         ->type_name("FILE");
+    app.add_option("--seed", request.seed, "Where random numbers start: the same N gives the same grain")
+        ->check(CLI::Range(int64_t{0}, int64_t{0xFFFFFFFF}).description(""))
+        ->type_name("N");
     app.add_option("--clipboard", request.clipboard,
                    "A picture file that plays the part of the clipboard, for filters that take a second picture")
         ->type_name("PICTURE");
-    CLI::Option *folder =
-        app.add_option("--out-dir", request.folder, "Write all results into this folder")->type_name("DIR");
-    app.add_option("--format", request.extension, "With --out-dir: the ending of the results, such as png")
-        ->needs(folder);
+    app.add_option("--out-dir", request.folder, "Write all results into this folder")->type_name("DIR");
+    app.add_option("--format", request.extension, "Write png, jpg, tif, webp or bmp, whatever the name ends in")
+        ->type_name("FORMAT");
     app.add_flag("--skip-existing", request.skipExisting, "Leave pictures alone whose result is there already");
-    app.add_option("--quality", request.encoding.quality, "Quality of JPEG and WebP")
-        ->check(CLI::Range(1, 100))
+    app.add_option("--quality", request.encoding.quality, "Quality of JPEG and WebP, 1 to 100")
+        ->check(CLI::Range(1, 100).description(""))
+        ->type_name("N")
         ->capture_default_str();
     app.add_flag("--lossless", request.encoding.lossless, "Write WebP without loss");
     AddLimits(app, request.limits);
     app.add_option("--library", request.library, "The filter library, if not the one beside this program")
         ->type_name("FILE");
-    app.add_flag("--json", request.json, "Print what was done as JSON");
+    app.add_flag("--json", request.json, "Print a line of JSON for each picture when it is done");
+    app.add_flag("-q,--quiet", request.quiet, "Print errors only: no warnings, no bar, no sum");
     app.footer("Exit codes: 0 done, 1 wrong usage, 2 an input could not be read, 3 a filter failed,\n"
                "4 an output could not be written. With many pictures: that of the first that failed.");
+}
+
+// Finds the filters of a chain.
+bool FindSteps(ApplyRequest &request, const Arguments &names) {
+    for (size_t i = 0; i < names.size(); ++i) {
+        request.settings.steps[i].filter = RequireFilter(names[i]);
+        if (!request.settings.steps[i].filter) return false;
+    }
+    return true;
+}
+
+int ApplyCommand(const Arguments &arguments) {
+    CLI::App app("Applies a filter, or several one after the other, to a picture, or to many.\n"
+                 "The file name's ending picks the format: .png, .jpg, .tif, .webp or .bmp.\n"
+                 "As IN, - is standard input; as OUT it is standard output.",
+                 "lmf apply FILTER [--then FILTER]... IN OUT | lmf apply FILTER --out-dir DIR IN...");
+    ApplyRequest request;
+    Arguments names(1);
+    AddApplyOptions(app, request, names);
     Arguments rest;
     int exitCode = kDone;
     if (!ParseOptions(app, arguments, rest, exitCode)) return exitCode;
@@ -305,10 +270,10 @@ int ApplyCommand(const Arguments &arguments) {
         Complain("name a filter. See lmf apply --help");
         return kUsage;
     }
-    request.settings.filter = RequireFilter(rest[0]);
-    if (!request.settings.filter) return kUsage;
+    names[0] = rest[0];
+    if (!FindSteps(request, names)) return kUsage;
     request.inputs.assign(rest.begin() + 1, rest.end());
-    if (folder->count() == 0) {
+    if (app.count("--out-dir") == 0) {
         if (request.inputs.size() != 2) {
             Complain("give one input and one output, or --out-dir and any number of inputs");
             return kUsage;
@@ -358,12 +323,13 @@ constexpr Command kCommands[] = {
 
 int Usage(bool asked) {
     std::string text = "lmf applies the Lumenfold filters to picture files.\n\n"
-                       "  lmf apply FILTER IN OUT [--set KEY=VALUE]...\n"
+                       "  lmf apply FILTER [--set NAME=VALUE]... [--then FILTER [--set ...]]... IN OUT\n"
                        "  lmf apply FILTER --out-dir DIR IN...\n"
-                       "  lmf list [--category C] [--json]\n"
+                       "  lmf list [WORD]... [--category C] [--all] [--json]\n"
                        "  lmf show FILTER [--json]\n"
                        "  lmf info PICTURE...\n"
-                       "  lmf settings path\n\n"
+                       "  lmf settings path\n"
+                       "  lmf --version\n\n"
                        "Commands:\n";
     for (const Command &command : kCommands) text += "  " + Padded(command.name, 10) + command.summary + "\n";
     text += "\n\"lmf COMMAND --help\" tells more.\n";
@@ -374,6 +340,10 @@ int Usage(bool asked) {
 int Run(const Arguments &arguments) {
     if (arguments.empty()) return Usage(false);
     if (arguments[0] == "--help" || arguments[0] == "-h" || arguments[0] == "help") return Usage(true);
+    if (arguments[0] == "--version" || arguments[0] == "-V" || arguments[0] == "version") {
+        Print("lmf " LMF_VERSION "\n");
+        return kDone;
+    }
     std::vector<std::string> names;
     for (const Command &command : kCommands) {
         if (arguments[0] == command.name) return command.run(Arguments(arguments.begin() + 1, arguments.end()));
@@ -389,9 +359,6 @@ int Run(const Arguments &arguments) {
 } // namespace lmf::host
 
 int main(int count, char **arguments) {
-    const int exitCode = lmf::host::Run({arguments + 1, arguments + count});
     // Output that could not be printed, on a full disk say, is a failure too.
-    const bool printed = std::fflush(stdout) == 0 && !std::ferror(stdout);
-    if (!printed && exitCode == lmf::host::kDone) return lmf::host::kUnwritable;
-    return exitCode;
+    return lmf::host::FinishOutput(lmf::host::Run({arguments + 1, arguments + count}));
 }

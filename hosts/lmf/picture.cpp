@@ -190,6 +190,7 @@ void SplitAlphaRow(Picture &picture, int y, int samples, const uint8_t *row) {
 }
 
 bool MakePicture(Picture &picture, int width, int height, int bits, bool alpha, Report &report) {
+    if (picture.accepts && !picture.accepts(bits, report)) return false;
     if (!MakeBitmap(picture.image, width, height, bits, report)) return false;
     if (!alpha) return true;
     if (!MakeBitmap(picture.alpha, width, height, 8, report)) return false;
@@ -240,8 +241,9 @@ bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture
     return codec->read(file, limits, picture, report);
 }
 
-bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding, Report &report) {
-    const Codec *codec = CodecForName(path);
+bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture, const Encoding &encoding,
+                  Report &report) {
+    if (!codec) codec = CodecForName(path);
     if (!codec) codec = picture.codec;
     const int side = std::max(picture.image.width, picture.image.height);
     if (side > codec->longestSide)

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -91,6 +92,8 @@ struct Picture {
     Bytes icc;
     Bytes exif;                   // begins with its "II" or "MM"
     const Codec *codec = nullptr; // of the file that it was read from
+    /// Asked, if set, by MakePicture whether a picture of so many bits is of any use, before its pixels are decoded.
+    std::function<bool(int bits, Report &report)> accepts;
 };
 
 /// How a file lays out its pixels when it does not store the indices of a palette.
@@ -111,7 +114,7 @@ void FillRow(const Picture &picture, Layout layout, Order order, int y, uint8_t 
 /// Splits rows that a decoder gave with alpha: `samples` is 2 (grey, alpha) or 4 (blue, green, red, alpha).
 void SplitAlphaRow(Picture &picture, int y, int samples, const uint8_t *row);
 
-/// Makes the image and, if `alpha`, the plane beside it.
+/// Makes the image and, if `alpha`, the plane beside it. Fails where the picture is not accepted.
 [[nodiscard]] bool MakePicture(Picture &picture, int width, int height, int bits, bool alpha, Report &report);
 
 /// Fails when a size from a file's header is not positive or beyond the limits.
@@ -139,12 +142,12 @@ extern const Codec kBmp;
 /// Finds the format of a file name's extension, in any case; null if there is none.
 const Codec *CodecForName(const std::string &path);
 
-/// Reads a picture file of any format; the content decides which.
+/// Reads a picture file of any format; the content decides which. "-" is standard input.
 [[nodiscard]] bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture, Report &report);
 
-/// Writes beside `path` and renames, so that the file appears whole or not at all. The extension picks the format; a
-/// name without one takes the format that the picture was read from.
-[[nodiscard]] bool WritePicture(const std::string &path, const Picture &picture, const Encoding &encoding,
-                                Report &report);
+/// Writes beside `path` and renames, so that the file appears whole or not at all; "-" is standard output. Without a
+/// `codec` the extension picks the format; a name without one takes the format that the picture was read from.
+[[nodiscard]] bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture,
+                                const Encoding &encoding, Report &report);
 
 } // namespace lmf::host

@@ -1,36 +1,65 @@
-// The settings of a run: the library reads them from an ini file in the user's settings folder, and each run has a
-// folder of its own, so that it depends on nothing but what it was given.
+// The settings of a run: what was typed and what a settings file says, as the lines that the library takes for one
+// call.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "catalogue.h"
-#include "files.h"
 #include "picture.h"
 
 namespace lmf::host {
 
-struct SettingsRequest {
+/// One filter as it was asked for.
+struct StepRequest {
     const Json *filter = nullptr;
-    std::vector<std::string> assignments; // KEY=VALUE
-    std::string paper;                    // RRGGBB, or empty for the default
-    std::string fromFile;                 // an ini file to begin with, or empty
+    std::vector<std::string> assignments; // NAME=VALUE
 };
 
-/// Turns one KEY=VALUE into the key and the value as the ini file has it. Fails, naming what is legal, for a wrong
-/// key, a value that the setting cannot have, or a text that the file format cannot carry.
-[[nodiscard]] bool ParseAssignment(const Json &filter, const std::string &assignment, std::string &key,
-                                   std::string &value, Report &report);
+struct SettingsRequest {
+    std::vector<StepRequest> steps;
+    std::string paper;    // a color, or empty for the default
+    std::string fromFile; // a settings file to begin with, or empty
+};
 
-/// Gives the lines of the ini file: every default, then the lines of `fromFile`, then what was asked for.
-/// `unreadable` tells a file that cannot be read from a request that is wrong.
-[[nodiscard]] bool MakeIni(const SettingsRequest &request, std::string &ini, bool &unreadable, Report &report);
+/// A place in the picture, beyond whose end it is held to that.
+struct Place {
+    std::string key, name;
+    int64_t value = 0;
+    bool across = false; // along the width; else along the height
+};
 
-/// Writes the ini file into the private folder and makes the library look there. Call it before the library loads.
-[[nodiscard]] bool InstallIni(const PrivateFolder &folder, const std::string &ini, Report &report);
+/// One filter with its settings, ready to run.
+struct Step {
+    const Json *filter = nullptr;
+    std::string lines; // "Key = value" for all that is not the default
+    std::vector<Place> places;
+    const Json *seed = nullptr; // the setting of a seed, where nothing sets it
+    bool readsClock = false;    // for random numbers, and not for the date
+};
 
-/// Gives the ini file in which the library keeps the user's settings.
+/// Which random numbers a picture gets.
+struct Grain {
+    std::optional<int64_t> seed; // the same for all pictures
+    bool many = false;           // without a seed, each of several pictures gets numbers of its own
+    int64_t start = 0;           // clock at the start of the program, in seconds
+    int64_t index = 0;           // of the picture
+};
+
+/// Makes the steps of a request. What the request gets wrong is complained of, all of it for a settings file; what it
+/// sets in vain goes into the warnings of `report`. Gives kDone, kUsage or, for a file that cannot be read,
+/// kUnreadable.
+[[nodiscard]] int MakeSteps(const SettingsRequest &request, std::vector<Step> &steps, Report &report);
+
+/// Gives the lines of a step for one picture; a place outside the picture is held to it with a warning.
+std::string LinesFor(const Step &step, const Grain &grain, const Bitmap &image, Report &report);
+
+/// Gives the number in place of the clock with which the library seeds the step's random numbers, if it needs one.
+std::optional<int64_t> ClockFor(const Step &step, const Grain &grain);
+
+/// Gives the file in which the library keeps the user's settings.
 std::string UserIniPath();
 
 } // namespace lmf::host

@@ -49,7 +49,7 @@ bool HasGlobalColours() {
 
 bool ColourDatabasePath(char (&out)[kPathSize]) {
     return HasGlobalColours() ? FindSettingsFile(kGlobalName, out)
-                              : FindMakerFile(kProductFolder, Settings.ColourTableFile, out);
+                              : FindProductFile(Settings.ColourTableFile, out);
 }
 
 bool ReadColours(std::string_view text, ColourTable *table) {

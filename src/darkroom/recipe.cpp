@@ -5,6 +5,7 @@
 
 #include "darkroom/paper.h"
 #include "engine/apply.h"
+#include "engine/destinations_file.h"
 #include "image/core/dib_ops.h"
 #include "platform/system.h"
 
@@ -92,7 +93,14 @@ DibHandle RecipeRun(void *window, DibHandle picture, RecipeHandle recipe) {
     context.paperColor = DarkroomPaperColor;
     context.ditherBrightness = Settings.DitherBrightness;
     context.ditherContrast = Settings.DitherContrast;
+    context.byteOffsets = ByteOffsets::Whole;
+    std::memcpy(context.faceCascade, Settings.FaceDetectCascade, kTextSize);
+    std::memcpy(context.eyesCascade, Settings.FaceEyesDetectCascade, kTextSize);
+    (void)ChooseDestination(context); // without one the filter that needs it fails
+    const auto prepare = entry->filter->hooks.FilterPrepare;
+    if (prepare != nullptr) prepare(context, kPrepareListed);
     LockedDib result(RunFilter(context.filterIndex, lock.view, kModeTrueColor, context));
+    if (prepare != nullptr) prepare(context, kPrepareEnd);
     FreePictures(context);
     if (result && result.View().bits < 24) {
         LockedDib widened(DibToRgb(result));

@@ -56,15 +56,33 @@ int32_t ApplyFilter(FilterContext &context) {
     return context.errorCode;
 }
 
+namespace {
+
+/// Is there a row that takes such pictures?
+bool CanApply(const FilterContext &context) {
+    const bool isRow = context.filterIndex >= 0 && context.filterIndex < kFilterCount;
+    return isRow && FilterAccepts(FilterCatalogue[context.filterIndex], context.mode);
+}
+
+} // namespace
+
 uint32_t ApplyFilterDirect(FilterContext *context) {
-    const bool isRow = context->filterIndex >= 0 && context->filterIndex < kFilterCount;
-    if (!isRow || !FilterAccepts(FilterCatalogue[context->filterIndex], context->mode)) {
+    if (!CanApply(*context)) {
         BlockFree(context->auxImage);
         context->auxImage = nullptr;
         context->errorCode = LMF_ERROR_UNSUPPORTED;
         return 0;
     }
     return ApplyFilter(*context) == LMF_ERROR_OK;
+}
+
+uint32_t ApplyFilterPrepared(FilterContext *context) {
+    const auto prepare =
+        CanApply(*context) ? FilterCatalogue[context->filterIndex].filter->hooks.FilterPrepare : nullptr;
+    if (prepare != nullptr) prepare(*context, kPrepareSelected);
+    const uint32_t done = ApplyFilterDirect(context);
+    if (prepare != nullptr) prepare(*context, kPrepareEnd);
+    return done;
 }
 
 } // namespace lmf

@@ -21,4 +21,8 @@ int32_t ApplyFilter(FilterContext &context);
 /// @return 1, or 0 with the reason in errorCode
 uint32_t ApplyFilterDirect(FilterContext *context);
 
+/// ApplyFilterDirect for a filter that may have to look at the source first: its FilterPrepare is called before and
+/// after the run, as if it had been chosen in a window that is now closed.
+uint32_t ApplyFilterPrepared(FilterContext *context);
+
 } // namespace lmf

@@ -9,6 +9,7 @@
 #include "engine/apply.h"
 #include "engine/catalogue.h"
 #include "engine/config_text.h"
+#include "engine/destinations_file.h"
 #include "engine/settings_files.h"
 #include "platform/system.h"
 
@@ -87,6 +88,8 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
     context.ditherBrightness = Settings.DitherBrightness;
     context.ditherContrast = Settings.DitherContrast;
     context.hostReserved = hostReserved;
+    std::memcpy(context.faceCascade, Settings.FaceDetectCascade, kTextSize);
+    std::memcpy(context.eyesCascade, Settings.FaceEyesDetectCascade, kTextSize);
     if (!DibInfo(source, &context.width, &context.height, nullptr, nullptr)) return false;
     context.resultWidth = context.width;
     context.resultHeight = context.height;
@@ -94,23 +97,37 @@ bool FillContext(FilterContext &context, void *owner, DibHandle source, DibHandl
     return true;
 }
 
-/// Until there is a window to open, only the direct path can run a filter.
-uint32_t Run(uint32_t runFlags, FilterContext &context) {
-    if (runFlags & LMF_RUN_DIRECT) return ApplyFilterDirect(&context);
-    context.errorCode = LMF_ERROR_UNSUPPORTED;
-    return 0;
+/// Depths that other calls take too, but read as white.
+bool HasKnownDepth(DibHandle picture) {
+    uint32_t bits = 0;
+    return DibInfo(picture, nullptr, nullptr, &bits, nullptr) && CanReadPixels(bits);
 }
 
-/// The record of an extended call as far as it goes; null for other calls.
+/// Until there is a window to open, only the direct path can run a filter.
+uint32_t Run(uint32_t runFlags, FilterContext &context) {
+    if (!(runFlags & LMF_RUN_DIRECT)) {
+        context.errorCode = LMF_ERROR_UNSUPPORTED;
+        return 0;
+    }
+    if (!(runFlags & LMF_RUN_EXTENDED)) return ApplyFilterDirect(&context);
+    // What a window would ask for.
+    context.errorCode = ChooseDestination(context);
+    return context.errorCode == LMF_ERROR_OK ? ApplyFilterPrepared(&context) : 0;
+}
+
+constexpr uint32_t kExtendedFlags = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
+
+/// An extended call's record as far as it goes; null where the host gives none, and for other calls.
 struct ExtendedCall {
+    bool isExtended;
     LmfExtendedHooks *record = nullptr;
 
-    explicit ExtendedCall(const HostCall &call) {
-        constexpr uint32_t kExtended = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
+    explicit ExtendedCall(const HostCall &call) : isExtended((call.runFlags & kExtendedFlags) == kExtendedFlags) {
         // The host knows that the library writes to a record of this kind.
-        if ((call.runFlags & kExtended) == kExtended && call.hooks != nullptr)
+        if (isExtended && call.hooks != nullptr)
             record = reinterpret_cast<LmfExtendedHooks *>(const_cast<HostHooks *>(call.hooks));
     }
+    explicit operator bool() const { return isExtended; }
     /// Does the record hold the bytes before this offset?
     bool Reaches(size_t end) const { return record != nullptr && record->size >= end; }
     /// Lines of settings; empty where there are none.
@@ -121,6 +138,15 @@ struct ExtendedCall {
     DibHandle Clipboard() const {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, clipboard) + sizeof(LmfHandle);
         return Reaches(kEnd) ? record->clipboard : nullptr;
+    }
+    /// The function of the host's hooks, whatever kind of call it is.
+    LmfLoadPicture LoadPicture(const HostHooks *hooks) const {
+        constexpr size_t kEnd = offsetof(HostHooks, loadPicture) + sizeof(LmfLoadPicture);
+        return hooks != nullptr && (record == nullptr || Reaches(kEnd)) ? hooks->loadPicture : nullptr;
+    }
+    const char *Destinations() const {
+        constexpr size_t kEnd = offsetof(LmfExtendedHooks, destinations) + sizeof(const char *);
+        return Reaches(kEnd) ? record->destinations : nullptr;
     }
     void SetErrorCode(int32_t code) const {
         constexpr size_t kEnd = offsetof(LmfExtendedHooks, errorCode) + sizeof(int32_t);
@@ -175,12 +201,21 @@ uint64_t DoImageFilter(const HostCall &call) {
     OwningContext context;
     const uint32_t startIndex = ReadHostRecord(record, call.runFlags);
     context.clipboard = extended.Clipboard();
+    context.destinations = extended.Destinations();
+    context.loadPicture = extended.LoadPicture(call.hooks);
     if (!kValidationState ||
         !FillContext(context, call.owner, *call.picture, *call.second, startIndex, call.hostReserved)) {
         extended.SetErrorCode(LMF_ERROR_UNSUITABLE);
         return 0;
     }
     if (call.callback == nullptr) return 0;
+    if (extended) {
+        if (!HasKnownDepth(context.source)) {
+            extended.SetErrorCode(LMF_ERROR_FORMAT);
+            return 0;
+        }
+        context.byteOffsets = ByteOffsets::Whole;
+    }
     settings.LoadKeyless(context);
 
     const uint32_t done = Run(call.runFlags, context);

@@ -14,10 +14,19 @@ namespace lmf {
 /// @return a new picture that the caller owns; null on failure, with everything released
 using FilterKernelFunction = DibHandle (*)(const ReadView &source, FilterContext &context);
 
+/// When FilterPrepare is called: bits of its `phase`.
+enum PreparePhase : uint32_t {
+    kPrepareListed = 1,   ///< the filter was entered in a list
+    kPrepareSelected = 2, ///< it was chosen, and may run from now on
+    kPrepareEnd = 4       ///< it will not run again: what the other phases made is freed
+};
+
 /// What few filters do beside what their table says.
 struct PageHooks {
     /// Sets what depends on the picture; called whenever the page's settings were loaded or restored.
     void (*startWithPicture)(FilterContext &context) = nullptr;
+    /// Does what several runs on the same source share; leaves it in the context, or nothing where it fails.
+    void (*FilterPrepare)(FilterContext &context, uint32_t phase) = nullptr;
 };
 
 /// A filter, as its source file ends with it.

@@ -33,17 +33,19 @@ void AppendFolder(FilePath *path, const char *folder) {
     if (length == 0 || path->text[length - 1] != kPathSeparator) Append(path, separator);
 }
 
-bool Give(const FilePath &path, char (&out)[kPathSize]) {
-    std::memcpy(out, path.text, kPathSize);
-    return path.whole;
-}
-
 bool AppendSettingsFolder(FilePath *path) {
     char folder[kFolderSize];
     if (!ApplicationDataFolder(folder)) return false;
     AppendFolder(path, folder);
     AppendFolder(path, kMakerFolder);
     return true;
+}
+
+/// Adds the file's name to that of its folder. @return false where something was cut
+bool Finish(FilePath &path, const char *name, char (&out)[kPathSize]) {
+    Append(&path, name);
+    std::memcpy(out, path.text, kPathSize);
+    return path.whole;
 }
 
 } // namespace
@@ -57,17 +59,18 @@ bool SettingsFolder(char (&out)[kPathSize]) {
 
 bool FindSettingsFile(const char *name, char (&out)[kPathSize]) {
     FilePath path;
-    if (!AppendSettingsFolder(&path)) return false;
-    Append(&path, name);
-    return Give(path, out);
+    return AppendSettingsFolder(&path) && Finish(path, name, out);
 }
 
 bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]) {
     FilePath path;
     if (!AppendSettingsFolder(&path)) return false;
     AppendFolder(&path, folder);
-    Append(&path, name);
-    return Give(path, out);
+    return Finish(path, name, out);
+}
+
+bool FindProductFile(const char *name, char (&out)[kPathSize]) {
+    return FindMakerFile(kProductFolder, name, out);
 }
 
 bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name, char (&out)[kPathSize]) {
@@ -76,33 +79,28 @@ bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *
     if (!UserDocumentsFolder(documents)) return false;
     AppendFolder(&path, documents);
     for (const char *folder : folders) AppendFolder(&path, folder);
-    Append(&path, name);
-    return Give(path, out);
+    return Finish(path, name, out);
 }
 
 bool FindModuleFile(const char *name, char (&out)[kPathSize]) {
     FilePath path;
     if (*ModuleFolder() == '\0') return false;
     AppendFolder(&path, ModuleFolder());
-    Append(&path, name);
-    return Give(path, out);
+    return Finish(path, name, out);
 }
 
 const char *SettingsFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) Append(&path, name);
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindSettingsFile(name, path);
+    return path;
 }
 
 const char *ProductFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (AppendSettingsFolder(&path)) {
-        AppendFolder(&path, kProductFolder);
-        Append(&path, name);
-    }
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindProductFile(name, path);
+    return path;
 }
 
 const char *DocumentsFile(const char *name) {
@@ -117,13 +115,10 @@ const char *DocumentsFile(const char *name) {
 }
 
 const char *ModuleFile(const char *name) {
-    static FilePath path;
-    path = {};
-    if (*ModuleFolder() != '\0') {
-        AppendFolder(&path, ModuleFolder());
-        Append(&path, name);
-    }
-    return path.text;
+    static char path[kPathSize];
+    path[0] = '\0';
+    (void)FindModuleFile(name, path);
+    return path;
 }
 
 const SettingsFileSet &SettingsFilesFor(uint32_t runFlags) {

@@ -25,15 +25,15 @@ inline constexpr size_t kPathSize = 261;
 [[nodiscard]] const char *DocumentsFile(const char *name);
 [[nodiscard]] const char *ModuleFile(const char *name);
 
-/// The path of a settings file that is to be opened.
+/// The path of a file that is to be opened, in the same places.
 /// @return false where there is no such path, or it is too long: a cut one would name another file
 [[nodiscard]] bool FindSettingsFile(const char *name, char (&out)[kPathSize]);
-/// The same of a file in a folder beside the settings files, in a folder among the user's documents, and beside the
-/// library's own file.
+[[nodiscard]] bool FindProductFile(const char *name, char (&out)[kPathSize]);
+[[nodiscard]] bool FindModuleFile(const char *name, char (&out)[kPathSize]);
+/// The same of a file in another folder beside the settings files, and in a folder among the user's documents.
 [[nodiscard]] bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]);
 [[nodiscard]] bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name,
                                      char (&out)[kPathSize]);
-[[nodiscard]] bool FindModuleFile(const char *name, char (&out)[kPathSize]);
 
 /// Names of the files of one kind of host.
 struct SettingsFileSet {

@@ -5,6 +5,7 @@
 // Sat and Bri recolour the softened parts and Blur softens them. Key line draws a line around the picture, in pixels.
 // The shadow has a margin, an offset, a softness and an opacity.
 #include "engine/filter.h"
+#include "overlays/social_compose.h"
 
 namespace lmf {
 
@@ -69,8 +70,41 @@ constexpr PageControl kPage[] = {
         .Help("Kept in the settings file; it changes nothing."),
 };
 
+DibHandle SocialMediaKernel(const ReadView &source, FilterContext &context) {
+    constexpr int32_t kMiddle = 50, kWhole = 100;
+    const SocialLayout layout = {
+        context.FilterSocialMediaDestination,
+        context.FilterSocialMediaProcess,
+        context.FilterSocialMediaColor1,
+        context.FilterSocialMediaColor2,
+        context.FilterSocialMediaGradientType,
+        context.FilterSocialMediaGradientAngle,
+        context.FilterSocialMediaGradientX,
+        context.FilterSocialMediaGradientY,
+        context.FilterSocialMediaKeylineEnable,
+        context.FilterSocialMediaKeylineSize,
+        context.FilterSocialMediaKeylineColor,
+        context.FilterSocialMediaHSBHue,
+        context.FilterSocialMediaHSBSat,
+        context.FilterSocialMediaHSBBri,
+        context.FilterSocialMediaBlur,
+        context.FilterSocialMediaFrameMargin,
+        context.FilterSocialMediaShadowEnable,
+        context.FilterSocialMediaShadowOffset,
+        context.FilterSocialMediaShadowSoftness,
+        context.FilterSocialMediaShadowOpacity,
+        context.FilterSocialMediaShadowColor,
+        kMiddle,
+        kMiddle,
+        kWhole,
+    };
+    // A call that chose no destination has one without an area, which cannot be made.
+    const SocialDestination destination = {"", context.destinationWidth, context.destinationDepth, 0, 0, 0};
+    return SocialCompose(source, layout, destination, layout.process);
+}
+
 } // namespace
 
-extern constexpr Filter kSocialMedia = MakeFilter<kPage>(nullptr);
+extern constexpr Filter kSocialMedia = MakeFilter<kPage>(SocialMediaKernel);
 
 } // namespace lmf

@@ -184,34 +184,68 @@ int64_t SingleLineTop(const TextRect &rect, int32_t fontHeight, uint32_t format)
     return rect.top;
 }
 
-} // namespace
-
-int32_t DrawTextPlain(const TextDrawing &drawing, const char *text, TextRect *rect, uint32_t format) {
-    const bool isMeasured = (format & kTextMeasure) != 0;
+/// Calls take(run, x, y), which gives false when memory is short, for each line of a plain text unless it is only
+/// measured.
+/// @return the number of lines, or 0 when memory is short
+template <typename Take>
+int64_t ForEachPlainLine(TextFont *font, const char *text, const TextRect &rect, uint32_t format, Take take) {
     const bool isSingleLine = (format & kTextSingleLine) != 0;
-    const int32_t fontHeight = FontHeight(drawing.font);
+    const int32_t fontHeight = FontHeight(font);
     Characters characters(text);
     if (!characters) return 0;
-    if (isSingleLine && (format & kTextEndEllipsis) != 0 && !CutToWidth(drawing.font, characters, WidthOf(*rect)))
-        return 0;
+    if (isSingleLine && (format & kTextEndEllipsis) != 0 && !CutToWidth(font, characters, WidthOf(rect))) return 0;
 
-    const int64_t top = isSingleLine ? SingleLineTop(*rect, fontHeight, format) : rect->top;
-    const TextRect clip = drawing.ink.penWidth > 0 ? WholeSurface(drawing.surface) : *rect;
-    const Wrap wrap = {WidthOf(*rect), isSingleLine, (format & kTextWordBreak) != 0, true};
-    Widths widths(drawing.font, characters.text, nullptr);
+    const int64_t top = isSingleLine ? SingleLineTop(rect, fontHeight, format) : rect.top;
+    const Wrap wrap = {WidthOf(rect), isSingleLine, (format & kTextWordBreak) != 0, true};
+    Widths widths(font, characters.text, nullptr);
     bool isShort = false;
     const int64_t lines =
         ForEachLine(widths, wrap, [&](const Line &line, int64_t number, std::u32string_view paragraph) {
+            if ((format & kTextMeasure) != 0) return;
             const std::u32string_view run = characters.text.substr(line.begin, line.end - line.begin);
-            if (isMeasured) return;
             const int64_t free = wrap.width - widths.Of(line.begin, line.end);
-            int64_t x = rect->left;
+            int64_t x = rect.left;
             if ((format & kTextCenter) != 0) x += free / 2;
             if ((format & kTextRight) != 0) x += free;
-            isShort |= !DrawAt(drawing, {run, paragraph}, x, top + number * fontHeight, clip);
+            isShort |= !take(TextRun{run, paragraph}, x, top + number * fontHeight);
         });
-    if (isShort || widths.isShort) return 0;
-    return Finish(lines * fontHeight, rect, isMeasured);
+    return isShort || widths.isShort ? 0 : lines;
+}
+
+TextRect Common(const TextRect &a, const TextRect &b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right), std::min(a.bottom, b.bottom)};
+}
+
+bool HasArea(const TextRect &rect) {
+    return rect.left < rect.right && rect.top < rect.bottom;
+}
+
+/// The smallest box that holds both.
+TextRect Hull(const TextRect &a, const TextRect &b) {
+    if (!HasArea(a)) return b;
+    if (!HasArea(b)) return a;
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right), std::max(a.bottom, b.bottom)};
+}
+
+} // namespace
+
+int32_t DrawTextPlain(const TextDrawing &drawing, const char *text, TextRect *rect, uint32_t format) {
+    const TextRect clip = drawing.ink.penWidth > 0 ? WholeSurface(drawing.surface) : *rect;
+    const int64_t lines =
+        ForEachPlainLine(drawing.font, text, *rect, format,
+                         [&](const TextRun &run, int64_t x, int64_t y) { return DrawAt(drawing, run, x, y, clip); });
+    return lines == 0 ? 0 : Finish(lines * FontHeight(drawing.font), rect, (format & kTextMeasure) != 0);
+}
+
+bool TextBounds(TextFont *font, const TextInk &ink, const char *text, const TextRect &rect, uint32_t format,
+                TextRect *bounds) {
+    *bounds = {};
+    return ForEachPlainLine(font, text, rect, format, [&](const TextRun &run, int64_t x, int64_t y) {
+               TextRect line;
+               if (!RunBounds(font, run, Limited(x), Limited(y), ink, &line)) return false;
+               *bounds = Hull(*bounds, ink.penWidth > 0 ? line : Common(line, rect));
+               return true;
+           }) != 0;
 }
 
 int32_t DrawTextSpaced(const TextDrawing &drawing, const char *text, TextRect *rect, uint32_t format,

@@ -37,8 +37,14 @@ struct TextDrawing {
 /// @return the height of the text in pixels, or 0 when memory is short
 [[nodiscard]] int32_t DrawTextPlain(const TextDrawing &drawing, const char *text, TextRect *rect, uint32_t format);
 
-/// The same with spacing, character by character: each moves the next one by its own width times `charPercent` / 100,
-/// and each line moves the next one by the font's height times `linePercent` / 100. 100 and 100 is DrawTextPlain.
+/// The pixels that DrawTextPlain would change on a surface that holds them all; without an area where it would draw
+/// nothing.
+/// @return false when memory is short
+[[nodiscard]] bool TextBounds(TextFont *font, const TextInk &ink, const char *text, const TextRect &rect,
+                              uint32_t format, TextRect *bounds);
+
+/// DrawTextPlain with spacing, character by character: each moves the next one by its own width times `charPercent` /
+/// 100, and each line moves the next one by the font's height times `linePercent` / 100. 100 and 100 is DrawTextPlain.
 ///
 /// Lines are always broken between words, but for a single line, and by carriage returns, whose line feed is skipped.
 /// The box neither cuts the text nor sets it in the middle or at the bottom, and there is no ellipsis. A text with

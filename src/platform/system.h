@@ -35,6 +35,18 @@ inline constexpr size_t kFolderSize = 4096;
 /// The folder of the user's documents, in the same way.
 [[nodiscard]] bool UserDocumentsFolder(char *out);
 
+/// Makes a folder the process's current one until the end of the scope. Where it cannot be entered, nothing changes.
+class CurrentFolder {
+public:
+    explicit CurrentFolder(const char *folder);
+    CurrentFolder(const CurrentFolder &) = delete;
+    CurrentFolder &operator=(const CurrentFolder &) = delete;
+    ~CurrentFolder();
+
+private:
+    intptr_t before; ///< what leads back
+};
+
 /// Keeps the folder of the library's own file. Called once, when the library is loaded.
 /// @param module  the system's handle of the library; ignored where the system needs none
 void KeepModuleFolder(void *module);

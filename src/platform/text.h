@@ -70,6 +70,12 @@ void CloseFont(TextFont *font);
 [[nodiscard]] bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink,
                            const TextSurface &surface, const TextRect &clip);
 
+/// The pixels that DrawRun would change with a surface and a clip that hold them all; without an area where it would
+/// draw nothing.
+/// @return false when memory is short
+[[nodiscard]] bool RunBounds(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink,
+                             TextRect *bounds);
+
 /// Calls `take` for each installed family, sorted by name.
 /// @param take  gets `user` and the name in UTF-8, which lasts for the call
 void ForEachFontFamily(void (*take)(void *user, const char *family), void *user);

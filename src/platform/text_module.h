@@ -13,6 +13,7 @@ struct TextModule {
     decltype(&FontHeight) fontHeight;
     decltype(&MeasureRun) measureRun;
     decltype(&DrawRun) drawRun;
+    decltype(&RunBounds) runBounds;
     decltype(&ForEachFontFamily) forEachFontFamily;
 };
 

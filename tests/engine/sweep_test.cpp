@@ -8,6 +8,7 @@
 #include "engine/catalogue.h"
 #include "engine/direct_run.h"
 #include "support/clipboard.h"
+#include "support/faces.h"
 
 namespace lmf::testing {
 
@@ -65,7 +66,14 @@ protected:
         EXPECT_EQ(LiveBlocks(), blocksBefore);
     }
     const FilterEntry &Entry() const { return FilterCatalogue[GetParam()]; }
+    /// A context as it is once a filter that looks for faces has found some.
+    FilterContext Prepared() const {
+        FilterContext context = MakeContext();
+        context.FaceDetectList = context.RedeyeList = faces.handle;
+        return context;
+    }
     const DibOwner clipboard{RandomPicture(6, 5, kModePalette, 13).Release()};
+    const BlockOwner faces{MakeFaceList({{1, 1, 6, 5}, {-3, 2, 90, 4}}, {{2, 2, 4, 3}, {INT32_MIN, 0, INT32_MAX, 9}})};
     int64_t blocksBefore = 0;
 };
 
@@ -79,7 +87,7 @@ TEST_P(Sweep, AFailedAllocationLeavesNothingBehind) {
         for (int64_t n = 0; failed && n < 4000; n++) {
             FailAllocationAfter(n);
             {
-                const DirectRun run(GetParam(), source, second);
+                const DirectRun run(GetParam(), source, second, Prepared());
                 failed = FailedAllocations() > 0;
                 FailAllocationAfter(-1);
                 if (run.good) ExpectGoodPicture(run.Result().view);
@@ -106,7 +114,7 @@ TEST_P(Sweep, TinyPicturesAndRandomSettings) {
             for (const LockedDib &second : seconds) {
                 for (const PageControl &control : Entry().filter->page)
                     if (control.number != nullptr) Settings.*control.number = RandomValue(control, &state);
-                FilterContext context = MakeContext();
+                FilterContext context = Prepared();
                 context.paperColor = TestRandom(&state) & 0xFFFFFF;
                 context.width = width;
                 context.height = height;
@@ -153,7 +161,7 @@ TEST_P(Sweep, LyingBlocksAreRefusedOrSurvived) {
         }
         for (const auto &[source, second] :
              {std::pair{block.handle, grey.owner.handle}, {good.owner.handle, block.handle}}) {
-            const DirectRun run(GetParam(), source, second);
+            const DirectRun run(GetParam(), source, second, Prepared());
             EXPECT_TRUE(!run.good || run.Result());
         }
     }

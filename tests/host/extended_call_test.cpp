@@ -2,6 +2,8 @@
 // `lmf --clipboard`, which uses them.
 #include <dlfcn.h>
 
+#include <filesystem>
+
 #include "host/lmf_program.h"
 #include "image/core/dib_ops.h"
 #include "lmf16filter.h"
@@ -11,9 +13,11 @@ namespace lmf::testing {
 
 namespace {
 
+namespace fs = std::filesystem;
+
 static_assert(offsetof(LmfExtendedHooks, size) == 552 && offsetof(LmfExtendedHooks, errorCode) == 556 &&
               offsetof(LmfExtendedHooks, settings) == 560 && offsetof(LmfExtendedHooks, clipboard) == 568 &&
-              sizeof(LmfExtendedHooks) == 576);
+              offsetof(LmfExtendedHooks, destinations) == 576 && sizeof(LmfExtendedHooks) == 584);
 
 int32_t Agree(void *, const char *) {
     return 1;
@@ -54,7 +58,7 @@ struct ExtendedRun {
 
 constexpr uint32_t kExtendedRun = LMF_RUN_DIRECT | LMF_RUN_EXTENDED;
 
-struct ClipboardProgram : LmfProgram {};
+struct ExtendedProgram : LmfProgram {};
 
 } // namespace
 
@@ -129,7 +133,73 @@ TEST(ExtendedCall, TellsWhyNothingWasDone) {
         LMF_ERROR_INFORMATION);
 }
 
-TEST_F(ClipboardProgram, AFilePlaysItsPart) {
+TEST(ExtendedCall, WidePicturesAreNotMixedUp) {
+    const LockedDib wide = RandomPicture(6000, 9, kModeTrueColor, 3);
+    const LockedDib right(DibCropRect(wide, 5000, 0, 6000, 9));
+    const ExtendedRun whole(LMF_FILTER_AVERAGE, kExtendedRun, wide, LockedDib()),
+        part(LMF_FILTER_AVERAGE, kExtendedRun, right, LockedDib());
+    const ExtendedRun old(LMF_FILTER_AVERAGE, LMF_RUN_DIRECT, wide, LockedDib());
+    ASSERT_TRUE(whole.done && part.done && old.done);
+    const LockedDib of(DibCropRect(DibReadLock(whole.picture).view, 5002, 0, 6000, 9));
+    EXPECT_TRUE(SamePicture(of, LockedDib(DibCropRect(DibReadLock(part.picture).view, 2, 0, 1000, 9))));
+    EXPECT_FALSE(SamePicture(DibReadLock(old.picture).view, DibReadLock(whole.picture).view)) << "hosts know it so";
+}
+
+TEST(ExtendedCall, OtherDepthsAreRefused) {
+    LockedDib odd = RandomPicture(4, 4, kModeTrueColor, 4);
+    odd.View().bottom[14 - 40] = 16;
+    const ExtendedRun run(LMF_FILTER_INVERT_COLORS, kExtendedRun, odd, LockedDib());
+    EXPECT_EQ(run.done, 0u);
+    EXPECT_EQ(run.extended.errorCode, LMF_ERROR_FORMAT);
+    EXPECT_EQ(ExtendedRun(LMF_FILTER_INVERT_COLORS, LMF_RUN_DIRECT, odd, LockedDib()).done, 1u);
+}
+
+TEST(ExtendedCall, SocialMediaTakesItsDestinationFromTheList) {
+    const LockedDib source = RandomPicture(9, 7, kModeTrueColor, 1), none;
+    const auto run = [&](uint32_t runFlags, const char *settings) {
+        const ExtendedRun made(LMF_FILTER_SOCIAL_MEDIA, runFlags, source, none, sizeof(LmfExtendedHooks), Agree,
+                               settings);
+        const int32_t width = made.done != 0 ? DibReadLock(made.picture).view.width : 0;
+        return std::pair{made.extended.errorCode, width};
+    };
+    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 4"), (std::pair<int32_t, int32_t>(LMF_ERROR_OK, 1500)));
+    EXPECT_EQ(run(kExtendedRun, "FilterSocialMediaDestination = 999"),
+              (std::pair<int32_t, int32_t>(LMF_ERROR_CORRUPTED, 0)));
+    EXPECT_EQ(run(LMF_RUN_DIRECT, nullptr), (std::pair<int32_t, int32_t>(-1, 0)))
+        << "without the flag only a dialog can choose";
+}
+
+TEST_F(ExtendedProgram, ADestinationHasANameAndANumber) {
+    PngFile color;
+    color.type = PNG_COLOR_TYPE_RGB;
+    color.samples.assign(48, 9);
+    WritePng(In("c.png"), color);
+    const auto apply = [&](const std::string &destination, const std::map<std::string, std::string> &environment = {}) {
+        return Run({"apply", "Social Media", "c.png", "o.png", "--set", "Destination=" + destination}, environment);
+    };
+    EXPECT_TRUE(Has(Run({"show", "Social Media"}).output, "4 Banner 1500 x 500\n"));
+    ExpectSilence(apply("banner 1500 X 500"));
+    EXPECT_EQ(ReadPng(In("o.png")).width, 1500);
+    ExpectSilence(apply("0"));
+    EXPECT_EQ(ReadPng(In("o.png")).width, 400);
+    Expect(1, apply("Banner 1500x500"), "did you mean \"Banner 1500 x 500\"?");
+    Expect(1, apply("999"), "Legal: 0 to ");
+
+    // The user's own list takes the place of ours, even where nothing can be made of it.
+    const std::map<std::string, std::string> own = {{"XDG_CONFIG_HOME", folder}};
+    const std::string place = In("Quillon Works/Lumenfold Studio 16");
+    fs::create_directories(place);
+    WriteText(place + "/SocialMediaDestinations.txt", "\nname=\"my own\" width=31 depth=17\nname=flat width=5\n");
+    ExpectSilence(apply("my own", own));
+    EXPECT_EQ(ReadPng(In("o.png")).width, 31);
+    Expect(3, apply("flat", own), "without width and depth");
+    fs::create_directory(place + "/MySocialMediaDestinations.txt");
+    Expect(3, apply("1", own), "MySocialMediaDestinations.txt: this is a folder");
+    EXPECT_TRUE(Has(Run({"show", "Social Media"}, own).output, "No list can be read: "));
+    fs::remove_all(In("Quillon Works"));
+}
+
+TEST_F(ExtendedProgram, AFilePlaysItsPart) {
     PngFile white;
     white.width = white.height = 4;
     white.samples.assign(16, 255);

@@ -4,18 +4,16 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
 #include "lmf16filter.h"
 
 #define FAKE __attribute__((visibility("default")))
 
-/* The settings that the run was given go where the tests can read them: into the file "seen.ini". */
-static void keep_settings(void) {
-    char name[4096];
-    snprintf(name, sizeof name, "%s/Quillon Works/LmfFiltrBatch.ini", getenv("XDG_CONFIG_HOME"));
-    remove("seen.ini");
-    if (link(name, "seen.ini") != 0) abort();
+/* The settings that the call was given go where the tests can read them: into the file "seen.ini". */
+static void keep_settings(const LmfExtendedHooks *given) {
+    FILE *seen = fopen("seen.ini", "w");
+    fprintf(seen, "\n%s", given->settings);
+    fclose(seen);
 }
 
 static LmfHandle copy_of(LmfHandle block) {
@@ -38,12 +36,12 @@ FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValid
                                        int32_t style, int32_t sliders, uint32_t flags, void *record, const char *path,
                                        uint32_t mask, int32_t reserved, const HostHooks *hooks) {
     const char *wish = getenv("LMF_FAKE");
-    (void)owner, (void)style, (void)sliders, (void)path, (void)mask, (void)reserved, (void)hooks;
-    keep_settings();
-    if (!callback || flags != (LMF_RUN_DIRECT | LMF_RUN_BATCH)) return 0;
+    (void)owner, (void)style, (void)sliders, (void)path, (void)mask, (void)reserved, (void)record;
+    if (!callback || flags != (LMF_RUN_DIRECT | LMF_RUN_BATCH | LMF_RUN_EXTENDED)) return 0;
+    LmfExtendedHooks *given = (LmfExtendedHooks *)hooks;
+    keep_settings(given);
     if (strncmp(wish, "fail:", 5) == 0) {
-        const int32_t code = atoi(wish + 5);
-        memcpy((char *)record + LMF_BATCH_ERROR_OFFSET, &code, sizeof code);
+        given->errorCode = atoi(wish + 5);
         return 0;
     }
     *picture = copy_of(*picture);
@@ -53,13 +51,7 @@ FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValid
         memcpy((char *)LmfBlockLock(*picture) + 4, &size, sizeof size);
         LmfBlockUnlock(*picture);
     }
-    if (strcmp(wish, "interrupt") == 0) {
-        /* In the middle of a save there is a file of some name in the settings folder. */
-        char name[4096];
-        snprintf(name, sizeof name, "%s/Quillon Works/unfinished", getenv("XDG_CONFIG_HOME"));
-        fclose(fopen(name, "w"));
-        raise(15);
-    }
+    if (strcmp(wish, "interrupt") == 0) raise(15);
     return 1;
 }
 

@@ -25,7 +25,7 @@
 static_assert(AT(HostRestrictions, restrictA, 8) && AT(HostRestrictions, restrictB, 12));
 static_assert(AT(HostRecord, filterIndex, 4) && AT(HostRecord, applyToDuplicate, 8) &&
               AT(HostRecord, restrictions, 16));
-static_assert(AT(HostHooks, choosePicture, 8) && AT(HostHooks, folder, 24) && AT(HostHooks, extension, 285));
+static_assert(AT(HostHooks, loadPicture, 8) && AT(HostHooks, folder, 24) && AT(HostHooks, extension, 285));
 static_assert(AT_BOTH(flags, 4) && AT_BOTH(owner, 8) && AT_BOTH(picture, 16) && AT_BOTH(result, 32) &&
               AT_BOTH(title, 40) && AT_BOTH(validation, 304) && AT_BOTH(view, 312) && AT_BOTH(saveAs, 320) &&
               AT_BOTH(buttonStyle, 328) && AT_BOTH(gradientSliders, 332) && AT_BOTH(browserPath, 344) &&

@@ -1,4 +1,4 @@
-// The built program at work: names of files, many pictures, exit codes, settings, and what it leaves behind.
+// The built program at work: names of files, many pictures, chains, streams, exit codes, and what it leaves behind.
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -13,30 +13,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct LmfApply : LmfProgram {
-    /// A small grey picture whose pixels are all `value`.
-    void MakeGrey(const std::string &name, uint8_t value = 40) {
-        PngFile file;
-        file.samples.assign(16, value);
-        WritePng(In(name), file);
-    }
-
-    /// Runs with the stand-in library, which then does what `wish` says.
-    ProgramRun RunFake(const std::string &wish, const std::string &filter, const Names &options = {}) {
-        Names arguments = {"apply", filter, "p.png", "out.png"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return Run(arguments, {{"LMF_LIBRARY", LMF_FAKE_LIBRARY_FILE}, {"LMF_FAKE", wish}});
-    }
-
-    /// Gives the value that the library would take for a key: that of the last line with it.
-    std::string SeenSetting(const std::string &key) {
-        const std::string text = ReadText(In("seen.ini"));
-        const size_t at = text.rfind("\n" + key + " = ");
-        if (at == std::string::npos) return "(none)";
-        const size_t start = at + key.size() + 4;
-        return text.substr(start, text.find('\n', start) - start);
-    }
-};
+struct LmfApply : LmfProgram {};
 
 } // namespace
 
@@ -82,7 +59,7 @@ TEST_F(LmfApply, ManyPicturesGoOnAfterABadOneAndSumUp) {
            "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)");
     const ProgramRun mixed = Invert({"--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
     Expect(2, mixed, "lmf: 2 of 4 pictures written, 2 failed");
-    EXPECT_TRUE(Has(mixed.output, "\"status\": \"failed\"") && Has(mixed.output, "\"exitCode\": 2"));
+    EXPECT_TRUE(Has(mixed.output, "\"status\":\"failed\"") && Has(mixed.output, "\"exitCode\":2"));
     EXPECT_EQ(ReadPng(In("out/a.png")).samples, Bytes(16, 254));
     MakeGrey("out/a.png", 77);
     fs::remove(In("out/c.png"));
@@ -105,7 +82,7 @@ TEST_F(LmfApply, TwoInputsWithOneOutputAreRefusedBeforeAnythingIsDone) {
 
 TEST_F(LmfApply, WrongUsageSaysWhatIsRight) {
     const std::pair<Names, std::string> cases[] = {
-        {{}, "lmf apply FILTER IN OUT"},
+        {{}, "lmf apply FILTER [--set"},
         {{"aply"}, "did you mean \"apply\"?"},
         {{"apply", "gausian blur", "a.png", "b.png"}, "did you mean \"Gaussian Blur\""},
         {{"apply", "Sepia", "a.png"}, "one input and one output"},
@@ -113,12 +90,22 @@ TEST_F(LmfApply, WrongUsageSaysWhatIsRight) {
         {{"apply", "Sepia", "a.png", "b.png", "--qualty", "5"}, "there is no option --qualty"},
         {{"apply", "Sepia", "a.png", "b.png", "--quality", "0"}, "--quality"},
         {{"apply", "Sepia", "--out-dir", "x", "--format", "gif", "a.png"}, "--format takes png"},
-        {{"apply", "Sepia", "a.png", "b.png", "--paper", "12345"}, "give it as RRGGBB"},
+        {{"apply", "Sepia", "a.png", "b.png", "--paper", "12345"}, "give it as #RRGGBB"},
+        {{"apply", "Sepia", "--then", "Swril", "a.png", "b.png"}, "did you mean \"Swirl\"?"},
+        {{"apply", "Sepia", "a.png", "b", "--then"}, "--then"},
+        {{"apply", "Sepia", "--json", "a.png", "-"}, "both go to standard output"},
+        {{"apply", "Sepia", "--out-dir", "x", "-"}, "no name for --out-dir"},
+        {{"apply", "Invert Colors", "--then", "Stitch", "a.png", "b.png"}, "--clipboard PICTURE"},
+        {{"list", "nosuchword"}, "no filter has these words"},
         {{"show", "Swril"}, "did you mean \"Swirl\"?"},
         {{"list", "--category", "Colour"}, "Artistic, Blur, Color"},
     };
     for (const auto &[arguments, message] : cases) Expect(1, Run(arguments), message);
     EXPECT_EQ(Run({"apply", "--help"}).exitCode, 0);
+    for (const FilterEntry &entry : FilterCatalogue) {
+        if (entry.filter->FilterKernel == nullptr)
+            Expect(1, Run({"apply", entry.name, "a.png", "b.png"}), "is not in this version, which cannot run it");
+    }
 }
 
 TEST_F(LmfApply, FailuresOfTheLibraryAreToldAndWriteNothing) {
@@ -143,100 +130,6 @@ TEST_F(LmfApply, AlphaOfAnotherSizeIsLeftOutWithAWarning) {
     EXPECT_EQ(ReadPng(In("out.png")).type, PNG_COLOR_TYPE_RGB);
 }
 
-TEST_F(LmfApply, SettingsReachTheLibraryAsItsFileHasThem) {
-    MakeGrey("p.png");
-    struct Case {
-        std::string filter, assignment, key, value;
-    };
-    const Case cases[] = {
-        {"Gaussian Blur", "FilterGaussianRadius=100", "FilterGaussianRadius", "100"},
-        {"gaussian blur", "filtergaussianradius=+990", "FilterGaussianRadius", "990"},
-        {"Gaussian Blur", "Radius=0.4", "FilterGaussianRadius", "40"},
-        {"Gaussian Blur", "radius=9.", "FilterGaussianRadius", "900"},
-        {"Hexagon", "Size=30", "FilterHexagonSize", "30"},
-        {"Hexagon", "LineSize=3", "FilterHexagonLineSize", "3"},
-        {"Caption", "Bold=yes", "FilterCaptionBold", "1"},
-        {"Caption", "Bold=False", "FilterCaptionBold", "0"},
-        {"Caption", "TextColor=#102030", "FilterCaptionTextColor", "3153936"},
-        {"Caption", "String=na\xc3\xafve \xe2\x82\xac = 5", "FilterCaptionString", "na\xefve \x80 = 5"},
-        {"Caption", "String=na\xefve", "FilterCaptionString", "na\xefve"},
-        {"Caption", "String=", "FilterCaptionString", ""},
-        {"Fade", "Edge=south", "FilterFadeEdge", "2"},
-        {"Fade", "Edge=3", "FilterFadeEdge", "3"},
-    };
-    for (const Case &c : cases) {
-        ExpectSilence(RunFake("", c.filter, {"--set", c.assignment}));
-        EXPECT_EQ(SeenSetting(c.key), c.value) << c.assignment;
-    }
-    RunFake("", "Sepia", {"--paper", "102030"});
-    EXPECT_EQ(SeenSetting("PaperColor"), "3153936");
-    EXPECT_EQ(SeenSetting("CurrentFilter"), "70");
-    EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "40") << "every key is stated, so that nothing is inherited";
-}
-
-TEST_F(LmfApply, WrongSettingsNameTheLegalOnes) {
-    MakeGrey("p.png");
-    struct Case {
-        std::string filter, assignment, message;
-    };
-    const Case cases[] = {
-        {"Gaussian Blur", "Radius", "not of the form KEY=VALUE"},
-        {"Gaussian Blur", "Radios=5", "did you mean \"Radius\"?"},
-        {"Gaussian Blur", "FilterGausianRadius=5", "did you mean \"FilterGaussianRadius\""},
-        {"Gaussian Blur", "xyz=5", "Its settings: FilterGaussianSigma, FilterGaussianRadius"},
-        {"Gaussian Blur", "Radius=9", "Legal: 10 to 990"},
-        {"Gaussian Blur", "Radius=991", "Legal: 10 to 990"},
-        {"Gaussian Blur", "Radius=0.123", "Legal: 10 to 990, or 0.10 to 9.90"},
-        {"Gaussian Blur", "Radius=4-5", "Legal: 10 to 990"},
-        {"Gaussian Blur", "Radius=99999999999999999999", "Legal: 10 to 990"},
-        {"Fade", "Edge=Suoth", "did you mean \"South\"?"},
-        {"Fade", "Edge=4", "\"North\", \"East\", \"South\", \"West\""},
-        {"Caption", "Bold=perhaps", "Legal: true, false"},
-        {"Caption", "TextColor=red", "a color as RRGGBB"},
-        {"Caption", "String=one\ntwo", "control characters"},
-        {"Caption", "String= padded", "cannot begin with a blank"},
-        {"Caption", "String=" + std::string(300, 'x'), "at most 236 characters"},
-        {"Caption", "String=\xd0\x96", "code page 1252"},
-        {"Waves", "FilterWavesIntensity=5", "no settings file keeps it"},
-        {"Social Media", "Size=5", "several settings that end in"},
-        {"Invert Colors", "Radius=5", "has no settings"},
-    };
-    for (const Case &c : cases) {
-        Expect(1, Run({"apply", c.filter, "p.png", "out.png", "--set", c.assignment}), c.message);
-    }
-    EXPECT_EQ(Files(), Names{"p.png"});
-}
-
-TEST_F(LmfApply, SettingsFileComesFirstAndAssignmentsWin) {
-    MakeGrey("p.png");
-    const std::string text = ";comment\nCurrentFilter = 3\nFilterGaussianRadius = 300\nFilterGaussianSigma = 33";
-    WriteText(In("mine.ini"), text);
-    ExpectSilence(RunFake("", "Gaussian Blur", {"--settings-from", "mine.ini", "--set", "FilterGaussianRadius=50"}));
-    EXPECT_EQ(SeenSetting("FilterGaussianRadius"), "50");
-    EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "33");
-    EXPECT_EQ(SeenSetting("CurrentFilter"), "31");
-    WriteText(In("marked.ini"), "\xEF\xBB\xBF"
-                                "FilterGaussianSigma = 34\n");
-    ExpectSilence(RunFake("", "Gaussian Blur", {"--settings-from", "marked.ini"}));
-    EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "34") << "after the mark that some editors begin a file with";
-    WriteText(In("long.ini"), std::string(1 << 20, ';'));
-    Expect(2, Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "long.ini"}),
-           "long.ini: the settings take more");
-    EXPECT_EQ(Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "missing.ini"}).exitCode, 2);
-    EXPECT_EQ(Run({"settings", "path"}, {{"XDG_CONFIG_HOME", "/c"}}).output, "/c/Quillon Works/LmfFiltr.ini\n");
-}
-
-// The library takes its defaults, and so another filter, where it does not accept the name of the settings folder.
-TEST_F(LmfApply, TheSettingsAreFoundUnderEveryTmpdirOrNothingRuns) {
-    MakeGrey("p.png", 10);
-    const std::string deep(240, 'x');
-    fs::create_directory(In(deep));
-    ExpectSilence(Run({"apply", "Invert Colors", "p.png", "o.png"}, {{"TMPDIR", "."}}));
-    EXPECT_EQ(ReadPng(In("o.png")).samples[0], 245);
-    Expect(3, Run({"apply", "Invert Colors", "p.png", "none.png"}, {{"TMPDIR", In(deep)}}), "TMPDIR");
-    EXPECT_FALSE(fs::exists(In("none.png")));
-}
-
 // The road through program, ini file and library gives what the kernel gives when it is called with the same values.
 TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     MakeGrey("a.png");
@@ -244,7 +137,7 @@ TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     file.width = file.height = 16;
     for (int i = 0; i < 256; i++) file.samples.push_back(uint8_t(i * i * 7));
     WritePng(In("b.png"), file);
-    Names arguments = {"apply", "Gaussian Blur", "--set", "Radius=200", "--set", "Sigma=60"};
+    Names arguments = {"apply", "Gaussian Blur", "--set", "Radius=20", "--set", "Sigma=6"};
     arguments.insert(arguments.end(), {"--out-dir", "out", "a.png", "b.png"});
     Expect(0, Run(arguments), "2 of 2 pictures written");
     FilterContext context = MakeContext();
@@ -253,6 +146,71 @@ TEST_F(LmfApply, ResultIsTheKernelsAndDoesNotDependOnTheOtherPictures) {
     const LockedDib source = MakePicture(16, 16, 8, {file.samples.begin(), file.samples.end()});
     const std::vector<uint32_t> expected = PixelsOf(RunKernel("Gaussian Blur", source, context));
     EXPECT_EQ(ReadPng(In("out/b.png")).samples, Bytes(expected.begin(), expected.end()));
+}
+
+// One decode and one encode: no JPEG lies between the filters, and each setting goes to the filter before it.
+TEST_F(LmfApply, ChainsAreWhatTheirFiltersAreOneByOne) {
+    ExpectSilence(Run({"apply", "Resize", kPhotograph, "a.png", "--set", "Horz=50"}));
+    ExpectSilence(Run({"apply", "Gaussian Blur", "a.png", "b.png", "--set", "Radius=3"}));
+    ExpectSilence(Run({"apply", "Emboss", "b.png", "c.png"}));
+    const ProgramRun chain = Run({"apply", "Resize", "--set", "Horz=50", "--then", "blur", "--set", "Radius=3",
+                                  "--then", "Emboss", kPhotograph, "chain.png", "--json"});
+    ExpectSilence(chain);
+    EXPECT_TRUE(ReadText(In("chain.png")) == ReadText(In("c.png")));
+    EXPECT_TRUE(Has(chain.output, R"("filters":["Resize","Gaussian Blur","Emboss"],"status":"done","width":226)"));
+    Expect(3, Run({"apply", "Convert to Mono", "--then", "Hexagon", kPhotograph, "no.png"}),
+           "Hexagon: Unsupported function (it takes true color; this picture is mono)");
+    Expect(1, Run({"apply", "Resize", "--then", "blur", "--set", "Horz=50", kPhotograph, "no.png"}),
+           "no setting \"Horz\"");
+    EXPECT_EQ(Files(), (Names{"a.png", "b.png", "c.png", "chain.png"}));
+}
+
+// The header is enough to see that a filter takes no such picture: this one has no pixels behind it.
+TEST_F(LmfApply, PicturesThatTheFilterDoesNotTakeAreNotDecoded) {
+    ExpectSilence(Run({"apply", "Flip", kPhotograph, "whole.bmp"}));
+    WriteText(In("header.bmp"), ReadText(In("whole.bmp")).substr(0, 1000));
+    Expect(3, Run({"apply", "Edge Trace and Fatten", "header.bmp", "o.png"}),
+           "Unsupported function (it takes mono; this picture is true color)");
+    EXPECT_EQ(Run({"apply", "Flip", "header.bmp", "o.png"}).exitCode, 2);
+}
+
+TEST_F(LmfApply, StandardStreamsAndFormats) {
+    MakeGrey("p.png");
+    WriteText(In("-"), "a file of this name is ./-");
+    ExpectSilence(Invert({"p.png", "file.png"}));
+    const std::string negative = ReadText(In("file.png"));
+    // What is printed goes into a file, and comes back from it as standard input.
+    const ProgramRun out = Invert({"p.png", "-"});
+    ExpectSilence(out);
+    EXPECT_TRUE(out.output == negative) << "in the format of the input";
+    input = In("p.png");
+    EXPECT_TRUE(Invert({"-", "-"}).output == negative);
+    EXPECT_EQ(Invert({"-", "-", "--format", "jpg"}).output.substr(0, 3), "\xFF\xD8\xFF");
+    ExpectSilence(Invert({"-", "named.png", "--format", "bmp"}));
+    EXPECT_EQ(ReadText(In("named.png")).substr(0, 2), "BM");
+    EXPECT_TRUE(Has(Run({"info", "-"}).output, "-: PNG, 4 x 4"));
+    input = In("-");
+    Expect(2, Invert({"-", "-"}), "standard input: this is not a PNG");
+}
+
+TEST_F(LmfApply, OutputThatCannotBePrintedIsTold) {
+    MakeGrey("p.png");
+    printed = "/dev/full";
+    for (const Names &arguments :
+         {Names{"list"}, Names{"show", "Sepia", "--json"}, Names{"--version"},
+          Names{"apply", "Invert Colors", "p.png", "o.png", "--json"}, Names{"apply", "Invert Colors", "p.png", "-"}})
+        Expect(4, Run(arguments), "standard output: No space left on device");
+}
+
+TEST_F(LmfApply, QuietLeavesErrorsOnly) {
+    MakeGrey("a.png");
+    MakeGrey("b.png");
+    WriteText(In("bad.png"), "no");
+    ExpectSilence(Invert({"-q", "--out-dir", "x", "a.png", "b.png"}));
+    ExpectSilence(Run({"apply", "Unsharp Mask", "-q", "--set", "Radius=9", "a.png", "o.png"}));
+    const ProgramRun mixed = Invert({"--quiet", "--out-dir", "x", "a.png", "bad.png"});
+    EXPECT_EQ(mixed.errors, "lmf: bad.png: this is not a PNG, JPEG, TIFF, WebP or BMP picture\n");
+    EXPECT_EQ(mixed.exitCode, 2);
 }
 
 } // namespace lmf::testing

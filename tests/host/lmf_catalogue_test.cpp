@@ -58,14 +58,61 @@ TEST_F(LmfCatalogue, ShowsAFilterForPeopleAndForPrograms) {
     const Json document = Json::parse(Run({"list", "--json"}).output);
     EXPECT_EQ(Json::parse(Run({"show", "gaussian BLUR", "--json"}).output), document["filters"][31]);
     const std::string text = Run({"show", "Gaussian Blur"}).output;
-    EXPECT_TRUE(Has(text, "FilterGaussianRadius  \"Radius:\"\n"));
-    EXPECT_TRUE(Has(text, "range     10 is 1.0 pixels (shown as 0.10) to 990 is 99.0 pixels (shown as 9.90)\n"));
-    EXPECT_TRUE(Has(text, "default   40 is 4.0 pixels (shown as 0.40)\n"));
-    EXPECT_TRUE(Has(Run({"show", "Fade"}).output, "2 South\n"));
-    EXPECT_TRUE(Has(Run({"show", "Swirl"}).output, "restore   2925"));
-    EXPECT_TRUE(Has(Run({"show", "Invert Colors"}).output, "no settings"));
-    EXPECT_EQ(CountLines({"list"}), size_t(kFilterCount) + 1);
-    EXPECT_EQ(CountLines({"list", "--category", "blur"}), 1u + 4u);
+    EXPECT_TRUE(Has(text, "\nRadius  \"Radius:\"\n"));
+    EXPECT_TRUE(Has(text, "range     1.0 to 99.0 pixels\n  default   4.0 pixels\n"));
+    EXPECT_TRUE(Has(text, "the slider of the window shows 0.40 for 4.0 pixels\n"));
+    EXPECT_TRUE(Has(text, "key       FilterGaussianRadius=10 to 990, default 40\n"));
+    const std::pair<const char *, const char *> parts[] = {
+        {"Fade", "2 South\n"},
+        {"Swirl", "range     -1440 to 1440 degrees\n  default   45 degrees\n"},
+        {"Rotate", "0 Left: Turns the picture to the left.\n            1 Right: Turns"},
+        {"Rotate", "range     0.0 to 359.9 degrees, or any other angle\n"},
+        {"Crop", "default   the picture's width less 1\n"},
+        {"Trim", "needs     Mode \"By size\"\n"},
+        {"Sharpen", "effect    none; give FilterEmbossWidth instead\n"},
+        {"Sharpen", "EmbossWidth  \"Radius:\"  (of Emboss)\n"},
+        {"Shadow", "default   #000000\n"},
+        {"Invert Colors", "no settings"},
+    };
+    for (const auto &[filter, part] : parts) EXPECT_TRUE(Has(Run({"show", filter}).output, part)) << part;
+}
+
+TEST_F(LmfCatalogue, ListsWhatRunsAndLooksForWords) {
+    const auto available = std::ranges::count_if(
+        FilterCatalogue, [](const FilterEntry &entry) { return entry.filter->FilterKernel != nullptr; });
+    EXPECT_EQ(CountLines({"list"}), size_t(available));
+    EXPECT_EQ(CountLines({"list", "--all"}), size_t(kFilterCount));
+    EXPECT_EQ(CountLines({"list", "--category", "BLUR"}), 4u);
+    EXPECT_EQ(Run({"list", "water", "frosted glass"}).output.substr(0, 11), "Water Drops");
+    for (const FilterEntry &entry : FilterCatalogue) {
+        if (entry.filter->FilterKernel != nullptr) continue;
+        EXPECT_TRUE(Has(Run({"show", entry.name}).output, "This version cannot run it."));
+        EXPECT_FALSE(Has(Run({"list"}).output, "\n" + std::string(entry.name) + " "));
+    }
+    EXPECT_EQ(Run({"--version"}).output.substr(0, 6), "lmf 0.");
+}
+
+// Case, blanks and signs don't count, and people have other names for many a filter.
+TEST_F(LmfCatalogue, NamesAreFoundAsPeopleWriteThem) {
+    const std::pair<const char *, const char *> names[] = {{"gaussian-blur", "Gaussian Blur"},
+                                                           {"GaussianBlur", "Gaussian Blur"},
+                                                           {" gaussian  blur", "Gaussian Blur"},
+                                                           {"hue_saturation_brightness", "Hue "},
+                                                           {"grayscale", "Convert to Grey"},
+                                                           {"black and white", "Convert to Grey"},
+                                                           {"negate", "Invert Colors"},
+                                                           {"sharpen", "Sharpen"},
+                                                           {"crop", "Crop"},
+                                                           {"vintage", "Sepia"},
+                                                           {"sepia-tone", "Sepia"},
+                                                           {"photo finetune", "Photo Fine-tune"}};
+    for (const auto &[typed, name] : names) EXPECT_TRUE(Run({"show", typed}).output.starts_with(name)) << typed;
+    const Json document = Json::parse(Run({"list", "--json"}).output);
+    std::set<std::string> all;
+    for (const Json &filter : document["filters"]) {
+        EXPECT_FALSE(filter["description"].get<std::string>().empty());
+        for (const Json &synonym : filter["synonyms"]) EXPECT_TRUE(all.insert(synonym).second) << synonym;
+    }
 }
 
 } // namespace lmf::testing

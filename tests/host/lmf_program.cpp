@@ -115,7 +115,7 @@ void LmfProgram::SetUp() {
 }
 
 void LmfProgram::TearDown() {
-    EXPECT_TRUE(fs::is_empty(temporary)) << "a private folder stayed behind";
+    EXPECT_TRUE(fs::is_empty(temporary)) << "the program left something behind";
     fs::remove_all(folder);
     fs::remove_all(temporary);
 }
@@ -130,7 +130,8 @@ ProgramRun LmfProgram::Run(const Names &arguments, const std::map<std::string, s
         setenv("TMPDIR", temporary.c_str(), 1);
         setenv("XDG_CONFIG_HOME", (temporary + "/none").c_str(), 1);
         for (const auto &[name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
-        dup2(creat(output.c_str(), 0600), 1);
+        dup2(open(input.c_str(), O_RDONLY), 0);
+        dup2(printed.empty() ? creat(output.c_str(), 0600) : open(printed.c_str(), O_WRONLY), 1);
         dup2(creat(errors.c_str(), 0600), 2);
         if (chdir(folder.c_str()) == 0) execv(words[0], words.data());
         _exit(127);
@@ -147,6 +148,26 @@ ProgramRun LmfProgram::Run(const Names &arguments, const std::map<std::string, s
 ProgramRun LmfProgram::Invert(Names arguments) {
     arguments.insert(arguments.begin(), {"apply", "Invert Colors"});
     return Run(arguments);
+}
+
+void LmfProgram::MakeGrey(const std::string &name, uint8_t value) {
+    PngFile file;
+    file.samples.assign(16, value);
+    WritePng(In(name), file);
+}
+
+ProgramRun LmfProgram::RunFake(const std::string &wish, const std::string &filter, const Names &options) {
+    Names arguments = {"apply", filter, "p.png", "out.png"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    return Run(arguments, {{"LMF_LIBRARY", LMF_FAKE_LIBRARY_FILE}, {"LMF_FAKE", wish}});
+}
+
+std::string LmfProgram::SeenSetting(const std::string &key) const {
+    const std::string text = ReadText(In("seen.ini"));
+    const size_t at = text.rfind("\n" + key + " = ");
+    if (at == std::string::npos) return "(none)";
+    const size_t start = at + key.size() + 4;
+    return text.substr(start, text.find('\n', start) - start);
 }
 
 Names LmfProgram::Files() const {

@@ -68,6 +68,15 @@ protected:
     /// Runs `lmf apply "Invert Colors"`, a filter that takes every picture.
     ProgramRun Invert(Names arguments);
 
+    /// A small grey picture whose pixels are all `value`.
+    void MakeGrey(const std::string &name, uint8_t value = 40);
+
+    /// Runs `lmf apply FILTER p.png out.png` with the stand-in library, which then does what `wish` says.
+    ProgramRun RunFake(const std::string &wish, const std::string &filter, const Names &options = {});
+
+    /// Gives the value that the stand-in library would take for a key: that of the last line with it.
+    std::string SeenSetting(const std::string &key) const;
+
     /// Gives the full name of a file in the folder of the test.
     std::string In(const std::string &name) const { return folder + "/" + name; }
 
@@ -75,7 +84,9 @@ protected:
     Names Files() const;
 
     std::string folder;
-    std::string temporary; ///< where the program makes its private folders
+    std::string input = "/dev/null"; ///< what the program has for standard input
+    std::string printed;             ///< where its standard output goes; empty: into ProgramRun
+    std::string temporary;           ///< what the program has for TMPDIR, where it leaves nothing
 };
 
 } // namespace lmf::testing

@@ -76,6 +76,8 @@ Color MixBytes(Color from, Color to, uint32_t weight) {
 FilterContext MakeContext(ImageMode mode) {
     FilterContext context{};
     context.mode = mode;
+    context.destinationWidth = 31;
+    context.destinationDepth = 17;
     context.paperColor = 0xFFFFFF;
     context.ditherBrightness = kFactorySettings.DitherBrightness;
     context.ditherContrast = kFactorySettings.DitherContrast;

@@ -67,7 +67,8 @@ void ExpectPixels(const LockedDib &picture, Pixel pixel) {
 /// Two colours mixed, each channel with two truncating divisions: `weight` of 255 parts of `to`.
 Color MixBytes(Color from, Color to, uint32_t weight);
 
-/// A context with every filter's factory values, for pictures of `mode`; white paper.
+/// A context with every filter's factory values, for pictures of `mode`; white paper and a
+/// destination of 31 x 17.
 FilterContext MakeContext(ImageMode mode = kModeTrueColor);
 
 struct Setting {

@@ -16,6 +16,7 @@
 #include "image/core/dib_ops.h"
 #include "image/draw/row_painter.h"
 #include "image/geometry/corner.h"
+#include "image/geometry/warp_sample.h"
 
 namespace lmf {
 
@@ -37,31 +38,14 @@ constexpr float kPi = 3.14159265f;
 constexpr float kRadiusShare = 0.2f;
 constexpr float kShadowDepth = 0.6f;
 constexpr int32_t kBendSteps = 2048;
-/// A point of the page that far inside its sides fills its pixel, however much the bend stretches the page.
-constexpr float kSurelyInside = 16.0f;
-
-struct Rgb {
-    float blue, green, red;
-};
-
-Rgb Mix(const Rgb &a, const Rgb &b, float share) {
-    return {a.blue + (b.blue - a.blue) * share, a.green + (b.green - a.green) * share, a.red + (b.red - a.red) * share};
-}
-
-Rgb PixelAt(const uint8_t *bgr) {
-    return {static_cast<float>(bgr[0]), static_cast<float>(bgr[1]), static_cast<float>(bgr[2])};
-}
-
-constexpr Rgb kBlack = {0.0f, 0.0f, 0.0f}, kWhite = {255.0f, 255.0f, 255.0f};
-
-void Store(uint8_t *bgr, const Rgb &color) {
-    bgr[0] = static_cast<uint8_t>(static_cast<int32_t>(color.blue + 0.5f));
-    bgr[1] = static_cast<uint8_t>(static_cast<int32_t>(color.green + 0.5f));
-    bgr[2] = static_cast<uint8_t>(static_cast<int32_t>(color.red + 0.5f));
-}
 
 float Unit01(float value) {
     return std::min(std::max(value, 0.0f), 1.0f);
+}
+
+/// How bright the bend is, by the cosine of its angle.
+float Light(float upright) {
+    return 0.4f + 0.6f * upright;
 }
 
 /// 0 from -1 down and 1 from 0 up, with a soft way between them.
@@ -69,19 +53,6 @@ float SoftStep(float value) {
     const float at = Unit01(value + 1.0f);
     return at * at * (3.0f - 2.0f * at);
 }
-
-/// How fast the distances of a point of the page from its sides change from pixel to pixel.
-struct Steps {
-    float x = 1.0f, y = 1.0f;
-};
-
-/// The bend at one distance from the line at which it begins.
-struct Bend {
-    float overLength, frontLength; ///< of page up to the back on top, and to the front below
-    Steps over, front;
-    Rgb back;        ///< the back's colour in this light
-    float frontDark; ///< and how dark the front is, 0 to 1
-};
 
 /// The rolled page, for a picture that is turned so that its lower right corner rolls up. Lengths are pixels.
 struct Curl {
@@ -92,12 +63,14 @@ struct Curl {
     float back;     ///< how far the flat back reaches behind the bend's start
     float softness; ///< width of the shadow
     float perSoftness;
-    bool isSmooth;
-    BlockArray<Bend> bends;
+    float edgeSlope, edgeMiddle; ///< how an edge comes to cover pixels: within one pixel, or at once
+    BlockArray<float> angles;    ///< of the bend, at sines in steps of 1 / kBendSteps
+    BlockArray<Color> backs;     ///< the back's colour there
 
     Curl(const ReadView &picture, const FilterParameters &settings)
         : width(static_cast<float>(picture.width)), height(static_cast<float>(picture.height)),
-          isSmooth(settings.FilterCurlAntialias != 0), bends(kBendSteps + 1) {
+          edgeSlope(settings.FilterCurlAntialias != 0 ? 1.0f : 1e9f),
+          edgeMiddle(settings.FilterCurlAntialias != 0 ? 0.5f : 1.0f), angles(kBendSteps + 1), backs(kBendSteps + 1) {
         const float diagonal = std::hypot(width, height);
         nx = height / diagonal;
         ny = width / diagonal;
@@ -109,33 +82,31 @@ struct Curl {
         softness = radius * 0.6f + 1.0f;
         perSoftness = 1.0f / softness;
         const auto color = static_cast<Color>(settings.FilterCurlColor);
-        const uint8_t bgr[3] = {BlueOf(color), GreenOf(color), RedOf(color)};
-        for (int32_t i = 0; bends && i <= kBendSteps; i++) bends[i] = BendAtAngle(i, PixelAt(bgr));
+        if (!*this) return;
+        for (int32_t i = 0; i <= kBendSteps; i++) {
+            angles[i] = std::asin(static_cast<float>(i) / kBendSteps);
+            backs[i] = BackAt(angles[i], color);
+        }
     }
 
-    const Bend &BendAt(float t) const { return bends[static_cast<int32_t>(Unit01(t / radius) * kBendSteps + 0.5f)]; }
-    float Covered(float share) const { return isSmooth ? Unit01(share) : share >= 0.5f ? 1.0f : 0.0f; }
+    explicit operator bool() const { return angles && backs; }
+    /// The place in the tables.
+    int32_t BendAt(float t) const { return static_cast<int32_t>(Unit01(t / radius) * kBendSteps + 0.5f); }
+    /// How much is covered of a pixel whose middle lies that far inside an edge.
+    float Covered(float inside) const { return Unit01(inside * edgeSlope + edgeMiddle); }
     /// Up to here a page has nothing above it, not even shadow.
     float FlatEnd() const { return -back - softness - 2.0f; }
     /// From here on nothing of the page is seen.
     float ShadowEnd() const { return radius + softness + 1.0f; }
 
 private:
-    Bend BendAtAngle(int32_t i, const Rgb &color) const {
-        const float angle = std::asin(static_cast<float>(i) / kBendSteps), upright = std::cos(angle);
-        const float stretch = 1.0f / std::max(upright, 0.05f), fromHighlight = (angle - 0.62f) / 0.3f;
-        const float body = 0.4f + 0.6f * upright, highlight = 0.6f * std::exp(-fromHighlight * fromHighlight);
-        return {radius * (kPi - angle),
-                radius * angle,
-                StepsFor(-stretch),
-                StepsFor(stretch),
-                Mix(Mix(kBlack, color, body), kWhite, highlight),
-                1.0f - body};
-    }
-    /// @param stretch  length of page that a pixel to the corner makes
-    Steps StepsFor(float stretch) const {
-        const float more = stretch * stretch - 1.0f;
-        return {std::sqrt(1.0f + more * nx * nx), std::sqrt(1.0f + more * ny * ny)};
+    static Color BackAt(float angle, Color color) {
+        const float fromHighlight = (angle - 0.62f) / 0.3f, highlight = 0.6f * std::exp(-fromHighlight * fromHighlight);
+        const auto lit = [&](uint8_t level) {
+            const float shade = static_cast<float>(level) * Light(std::cos(angle));
+            return static_cast<uint32_t>(shade + (255.0f - shade) * highlight + 0.5f);
+        };
+        return PackColor(lit(RedOf(color)), lit(GreenOf(color)), lit(BlueOf(color)));
     }
 };
 
@@ -148,26 +119,33 @@ struct PagePoint {
     PagePoint(const Curl &curl, float pixelX, float pixelY, float shift)
         : x(pixelX + shift * curl.nx), y(pixelY + shift * curl.ny), insideX(std::min(x, curl.width - x)),
           insideY(std::min(y, curl.height - y)) {}
-    float Inside() const { return std::min(insideX, insideY); }
-    float Cover(const Curl &curl, const Steps &steps) const {
-        return curl.Covered(insideX / steps.x + 0.5f) * curl.Covered(insideY / steps.y + 0.5f);
+    /// @param stepX, stepY  how fast the distances inside change from pixel to pixel
+    float Cover(const Curl &curl, float stepX, float stepY) const {
+        return curl.Covered(insideX / stepX) * curl.Covered(insideY / stepY);
     }
 };
 
-/// The picture seen from a point between pixels, its outermost pixels going on outside.
-Rgb Sample(const ReadView &picture, float x, float y) {
-    const float left = std::floor(x - 0.5f), top = std::floor(y - 0.5f);
-    const auto at = [&](float column, float row) {
-        const auto i = std::clamp(static_cast<int32_t>(column), 0, picture.width - 1);
-        const auto j = std::clamp(static_cast<int32_t>(row), 0, picture.height - 1);
-        return PixelAt(picture.Row(j) + i * ptrdiff_t{3});
-    };
-    const float shareX = x - 0.5f - left, shareY = y - 0.5f - top;
-    return Mix(Mix(at(left, top), at(left + 1, top), shareX), Mix(at(left, top + 1), at(left + 1, top + 1), shareX),
-               shareY);
-}
+constexpr int32_t kRun = 64; ///< pixels
 
-/// Paints pixels of the result.
+/// Up to kRun pixels of a row, from left to right, none of which or all of which lie beyond the bend's start.
+struct Run {
+    int32_t count;
+    float x, y, stepX; ///< the first one's middle in the turned picture, and the way to the next one's
+    double t, stepT;   ///< the same along the direction to the corner, from the bend's start on
+    bool bends;
+};
+
+/// What lies above each other in the pixels of a run: what each layer weighs there, and which points of the page its
+/// front shows.
+struct Layers {
+    float beneath[kRun], front[kRun], back[kRun];
+    int32_t bend[kRun];         ///< the place in the tables
+    float t[kRun], angle[kRun]; ///< the distance from the bend's start, and the bend's angle there
+    float pageX[kRun], pageY[kRun];
+    bool changes = false, hasFront = false, hasBack = false, isBack = true; ///< any pixel, and all of them
+};
+
+/// Paints the result.
 struct Painter {
     const Curl &curl;
     const ReadView &picture;
@@ -176,36 +154,103 @@ struct Painter {
     /// Turns the picture so that the corner is the lower right one, and back.
     float TurnX(float x) const { return corner.isRight ? x : curl.width - x; }
     float TurnY(float y) const { return corner.isLower ? y : curl.height - y; }
-
-    /// The front of the page as it rises from the flat part.
-    Rgb Front(const Rgb &beneath, const PagePoint &front, const Bend &bend, float shadow) const {
-        const float cover = front.Cover(curl, bend.front);
-        if (cover <= 0.0f) return beneath;
-        const Rgb seen = Sample(picture, TurnX(front.x), TurnY(front.y));
-        return Mix(beneath, Mix(seen, kBlack, std::max(bend.frontDark, shadow)), cover);
-    }
-
-    /// A pixel at (x, y) of the turned picture and `t` from where the bend starts. `bgr` holds what lies beneath the
-    /// page, or up to the bend, the flat page.
-    [[gnu::always_inline]] void Paint(uint8_t *bgr, float x, float y, float t) const {
-        const Bend &bend = curl.BendAt(t);
-        const bool bends = t > 0.0f;
-        // The turned-over page, on the upper half of the cylinder and flat behind it.
-        const PagePoint over(curl, x, y, bend.overLength - (bends ? t : 2.0f * t));
-        if (over.Inside() >= kSurelyInside && t < curl.radius - 1.0f) return Store(bgr, bend.back);
-        if (!bends && over.Inside() <= -curl.softness - 1.0f) return;
-        const float shadow = kShadowDepth * SoftStep(over.insideX * curl.perSoftness) *
-                             SoftStep(over.insideY * curl.perSoftness) * SoftStep((curl.radius - t) * curl.perSoftness);
-        const Rgb beneath = Mix(PixelAt(bgr), kBlack, shadow);
-        const float roll = curl.Covered(curl.radius - t + 0.5f);
-        if (roll <= 0.0f) return Store(bgr, beneath);
-        const float overShare = over.Cover(curl, bends ? bend.over : Steps());
-        Rgb page = beneath;
-        if (bends && overShare < 1.0f)
-            page = Front(beneath, PagePoint(curl, x, y, bend.frontLength - std::min(t, curl.radius)), bend, shadow);
-        Store(bgr, Mix(beneath, Mix(page, bend.back, overShare), roll));
-    }
 };
+
+/// The table is read in a loop of its own, so that the others run in wide lanes.
+LMF_MULTIVERSION
+void WeighLayers(Layers &__restrict layers, const Curl &curl, const Run &run) {
+    const float bends = run.bends ? 1.0f : 0.0f, radius = curl.radius;
+    for (int32_t k = 0; k < run.count; k++) {
+        layers.t[k] = static_cast<float>(run.t + k * run.stepT);
+        layers.bend[k] = curl.BendAt(layers.t[k]);
+    }
+    for (int32_t k = 0; k < run.count; k++) layers.angle[k] = curl.angles.data[layers.bend[k]];
+    int32_t changes = 0, hasFront = 0, hasBack = 0, isBack = 1;
+    for (int32_t k = 0; k < run.count; k++) {
+        const float x = run.x + static_cast<float>(k) * run.stepX, t = layers.t[k], angle = layers.angle[k];
+        const float sine = static_cast<float>(layers.bend[k]) / kBendSteps, upright = std::sqrt(1.0f - sine * sine);
+        // The length of page that a pixel to the corner makes.
+        const float stretch = 1.0f / std::max(upright, 0.05f), more = stretch * stretch - 1.0f;
+        const float stepX = std::sqrt(1.0f + more * curl.nx * curl.nx),
+                    stepY = std::sqrt(1.0f + more * curl.ny * curl.ny);
+        // The turned-over page, on the upper half of the cylinder and flat behind it.
+        const PagePoint over(curl, x, run.y, radius * (kPi - angle) - t - std::min(t, 0.0f));
+        const float shadow = kShadowDepth * SoftStep(over.insideX * curl.perSoftness) *
+                             SoftStep(over.insideY * curl.perSoftness) * SoftStep((radius - t) * curl.perSoftness);
+        const float roll = curl.Covered(radius - t), back = over.Cover(curl, stepX, stepY);
+        // The front of the page as it rises from the flat part.
+        const PagePoint rising(curl, x, run.y, radius * angle - std::min(t, radius));
+        const float front = bends * (1.0f - back) * rising.Cover(curl, stepX, stepY);
+        layers.back[k] = roll * back;
+        layers.front[k] = roll * front * std::min(Light(upright), 1.0f - shadow);
+        layers.beneath[k] = (1.0f - roll * (back + front)) * (1.0f - shadow);
+        layers.pageX[k] = rising.x;
+        layers.pageY[k] = rising.y;
+        changes |= layers.beneath[k] < 1.0f;
+        hasFront |= layers.front[k] > 0.0f;
+        hasBack |= layers.back[k] > 0.0f;
+        isBack &= layers.back[k] >= 1.0f;
+    }
+    layers.changes = changes != 0;
+    layers.hasFront = hasFront != 0;
+    layers.hasBack = hasBack != 0;
+    layers.isBack = isBack != 0;
+}
+
+/// Mixes the layers of a run; `bgr` holds what is beneath.
+LMF_MULTIVERSION
+void MixLayers(uint8_t *__restrict bgr, const uint8_t *__restrict front, const uint8_t *__restrict back,
+               const Layers &layers, int32_t count) {
+    for (int32_t k = 0; k < count; k++) {
+        for (int32_t c = 0; c < 3; c++) {
+            const int32_t i = k * 3 + c;
+            bgr[i] = static_cast<uint8_t>(static_cast<int32_t>(static_cast<float>(bgr[i]) * layers.beneath[k] +
+                                                               static_cast<float>(front[i]) * layers.front[k] +
+                                                               static_cast<float>(back[i]) * layers.back[k] + 0.5f));
+        }
+    }
+}
+
+/// The same where the page throws shadow alone.
+LMF_MULTIVERSION
+void Darken(uint8_t *__restrict bgr, const Layers &layers, int32_t count) {
+    for (int32_t k = 0; k < count; k++) {
+        for (int32_t c = 0; c < 3; c++) {
+            const int32_t i = k * 3 + c;
+            bgr[i] = static_cast<uint8_t>(static_cast<int32_t>(static_cast<float>(bgr[i]) * layers.beneath[k] + 0.5f));
+        }
+    }
+}
+
+/// The back of the page in the light of the bend.
+void PaintBack(uint8_t *bgr, const Curl &curl, const Layers &layers, int32_t count) {
+    for (int32_t k = 0; k < count; k++) StoreBgr(bgr + k * ptrdiff_t{3}, curl.backs.data[layers.bend[k]]);
+}
+
+/// The picture on the rising page, its outermost pixels going on outside.
+void PaintFront(uint8_t *bgr, const Painter &painter, const Layers &layers, int32_t count) {
+    double xs[kRun], ys[kRun];
+    for (int32_t k = 0; k < count; k++) {
+        // From corners of pixels to what the sampler counts from.
+        xs[k] = std::clamp(painter.TurnX(layers.pageX[k]) - 0.5f, 0.0f, painter.curl.width - 1.0f) - 0.5;
+        ys[k] = std::clamp(painter.TurnY(layers.pageY[k]) - 0.5f, 0.0f, painter.curl.height - 1.0f) - 0.5;
+    }
+    const WriteView row{kRun, 1, 24, kRun * ptrdiff_t{3}, bgr};
+    WarpSampleRow(row, 0, painter.picture, 0, count, xs, ys, 0);
+}
+
+/// Paints the page over what is beneath it.
+void PaintRun(uint8_t *bgr, const Painter &painter, const Run &run) {
+    Layers layers;
+    WeighLayers(layers, painter.curl, run);
+    if (!layers.changes) return;
+    if (layers.isBack) return PaintBack(bgr, painter.curl, layers, run.count);
+    if (!layers.hasBack && !layers.hasFront) return Darken(bgr, layers, run.count);
+    uint8_t front[kRun * 3] = {}, back[kRun * 3] = {};
+    if (layers.hasBack) PaintBack(back, painter.curl, layers, run.count);
+    if (layers.hasFront) PaintFront(front, painter, layers, run.count);
+    MixLayers(bgr, front, back, layers, run.count);
+}
 
 /// A row of the turned picture: where its pixels lie along the direction to the corner, from the bend's start on.
 struct CurlRow {
@@ -214,7 +259,7 @@ struct CurlRow {
 
     CurlRow(const Curl &curl, float y, int32_t pixels)
         : first(curl.nx * 0.5 + double{curl.ny} * y - curl.start), step(curl.nx), width(pixels) {}
-    float At(int32_t i) const { return static_cast<float>(first + step * i); }
+    double At(int32_t i) const { return first + step * i; }
     /// The first pixel beyond a distance.
     int32_t FirstBeyond(float t) const {
         return static_cast<int32_t>(std::clamp(std::ceil((t - first) / step), 0.0, static_cast<double>(width)));
@@ -238,57 +283,34 @@ struct Beneath {
     }
 };
 
-constexpr int32_t kRun = 32; ///< pixels
-
-/// Paints a run of pixels left of the bend, where that takes no look at each of them: where both of its ends lie well
-/// inside the turned-over page, or well outside the same side of it, so does all between them.
-/// @return false where it takes one
-bool PaintRun(uint8_t *bgr, const Curl &curl, const PagePoint &first, const PagePoint &last, Color back) {
-    if (std::min(first.Inside(), last.Inside()) >= kSurelyInside) {
-        FillPixels(bgr, 24, 0, kRun, back);
-        return true;
-    }
-    const float outside = -curl.softness - kRun - 1.0f;
-    return std::max(first.insideX, last.insideX) <= outside || std::max(first.insideY, last.insideY) <= outside;
-}
-
 /// Copies the flat page, fills in what lies beneath it elsewhere, and paints the roll over both.
-LMF_MULTIVERSION
 void PaintRow(const WriteView &to, int32_t y, const Painter &painter, const Beneath &beneath) {
     const Curl &curl = painter.curl;
-    const Corner &corner = painter.corner;
+    const bool isRight = painter.corner.isRight;
     const float turnedY = painter.TurnY(static_cast<float>(y) + 0.5f);
     const CurlRow turned(curl, turnedY, to.width);
     const int32_t bend = turned.FirstBeyond(0.0f), width = to.width;
-    const int32_t left = corner.isRight ? 0 : width - bend;
+    const int32_t left = isRight ? 0 : width - bend;
     std::memcpy(to.Row(y) + ptrdiff_t{left} * 3, painter.picture.Row(y) + ptrdiff_t{left} * 3,
                 static_cast<size_t>(bend) * 3);
-    beneath.FillRow(to, y, corner.isRight ? bend : 0, corner.isRight ? width : width - bend);
-    const int32_t end = turned.FirstBeyond(curl.ShadowEnd());
-    const auto pixel = [&](int32_t i) { return to.Row(y) + ptrdiff_t{corner.isRight ? i : width - 1 - i} * 3; };
-    const auto over = [&](int32_t i) {
-        return PagePoint(curl, static_cast<float>(i) + 0.5f, turnedY, curl.bends[0].overLength - 2.0f * turned.At(i));
+    beneath.FillRow(to, y, isRight ? bend : 0, isRight ? width : width - bend);
+
+    const auto paint = [&](int32_t first, int32_t end) {
+        for (int32_t i = first; i < end; i += kRun) {
+            const int32_t count = std::min(kRun, end - i), leftmost = isRight ? i : i + count - 1;
+            const float x = static_cast<float>(leftmost) + 0.5f, step = isRight ? 1.0f : -1.0f;
+            const Run run{count, x, turnedY, step, turned.At(leftmost), step * turned.step, i >= bend};
+            PaintRun(to.Row(y) + ptrdiff_t{isRight ? leftmost : width - 1 - leftmost} * 3, painter, run);
+        }
     };
-    uint8_t flatBgr[3];
-    Store(flatBgr, curl.bends[0].back);
-    const Color flatBack = PackColor(flatBgr[2], flatBgr[1], flatBgr[0]);
-    for (int32_t i = turned.FirstBeyond(curl.FlatEnd()); i < end;) {
-        const int32_t last = i + kRun - 1;
-        if (last < bend && PaintRun(pixel(corner.isRight ? i : last), curl, over(i), over(last), flatBack)) {
-            i += kRun;
-            continue;
-        }
-        for (const int32_t runEnd = std::min(i + kRun, end); i < runEnd; i++) {
-            const float t = i < bend ? std::min(turned.At(i), 0.0f) : std::max(turned.At(i), 1e-6f);
-            painter.Paint(pixel(i), static_cast<float>(i) + 0.5f, turnedY, t);
-        }
-    }
+    paint(turned.FirstBeyond(curl.FlatEnd()), bend);
+    paint(bend, turned.FirstBeyond(curl.ShadowEnd()));
 }
 
 DibHandle PaperCurlKernel(const ReadView &source, FilterContext &context) {
     BytePass pass(source);
     const Curl curl(source, context);
-    if (!pass.IsColor() || !curl.bends) return nullptr;
+    if (!pass.IsColor() || !curl) return nullptr;
     const WriteView &to = pass.To();
     const Corner corner(context.FilterCurlDirection);
     const Painter painter{curl, pass.From(), corner};

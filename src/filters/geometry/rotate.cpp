@@ -19,7 +19,7 @@ constexpr PageControl kPage[] = {
     NumberEdit(800, "Angle (degrees):", &P::FilterRotateAngle, {0, 3599})
         .InTenths()
         .In(Unit::Degrees, 10)
-        .Help("How far the picture is turned."),
+        .Help("How far the picture is turned: counter-clockwise, or clockwise with the direction Right."),
     RadioButton(801, "", &P::FilterRotateDirection, 0, {0, 1}).Named("Left").Help("Turns the picture to the left."),
     RadioButton(802, "", &P::FilterRotateDirection, 1, {0, 1}).Named("Right").Help("Turns the picture to the right."),
     CheckBox(805, "Interpolate", &P::FilterRotateInterpolate)

@@ -14,7 +14,7 @@ constexpr Window5x5 kNarrow = {{0, 0, 0, 0, 0, 0, 1, 1, 1, 0, 0, 1, 1, 1, 0, 0, 
 constexpr Window5x5 kWide = {{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1}, 25, 0};
 
 DibHandle AverageKernel(const ReadView &source, FilterContext &context) {
-    return Convolve5x5(source, context.FilterAverageWide ? kWide : kNarrow);
+    return Convolve5x5(source, context.FilterAverageWide ? kWide : kNarrow, context.byteOffsets);
 }
 
 } // namespace

@@ -25,7 +25,7 @@ constexpr Window5x5 Ring(int16_t centre, int16_t edge, int16_t corner, int16_t d
 constexpr Window5x5 kLevels[] = {Ring(13, -1, -1, 7), Ring(5, -1, 0, 1), Ring(9, -1, -1, 5)};
 
 DibHandle EdgeEnhancementKernel(const ReadView &source, FilterContext &context) {
-    return Convolve5x5(source, kLevels[context.FilterEdgeEnhanceLevel]);
+    return Convolve5x5(source, kLevels[context.FilterEdgeEnhanceLevel], context.byteOffsets);
 }
 
 } // namespace

@@ -39,36 +39,53 @@ void FillShifts(BlockArray<Shift> *shifts, int32_t width, int32_t degrees) {
     }
 }
 
-/// The rows are copied once with paper on both sides, as far as the trail reaches, and one row of paper stands for all
-/// rows below and above; so every tap is a plain line of bytes. False when memory is short.
+/// The rows of a picture with paper on both sides, as far as the trail reaches; as many of them as a trail crosses are
+/// held at a time. So every tap is a plain line of bytes.
+struct PaddedRows {
+    const ReadView &from;
+    int64_t before, stride; ///< bytes
+    int32_t held;           ///< rows; one row of paper, which stands for all rows below and above, follows them
+    int32_t end = 0;        ///< the first memory row that was not copied yet
+    BlockArray<uint8_t> bytes;
+
+    PaddedRows(const ReadView &picture, Shift reach, Color paper)
+        : from(picture), before(int64_t{3} * std::max(-reach.x, 0)),
+          stride((int64_t{picture.width} + std::abs(reach.x)) * 3),
+          held(std::min(std::abs(reach.y) + 1, picture.height)),
+          bytes(static_cast<uint64_t>(stride) * (static_cast<uint64_t>(held) + 1)) {
+        for (int32_t y = 0; bytes && y <= held; y++)
+            for (int64_t b = 0; b < stride; b += 3) StoreBgr(Row(y) + b, paper);
+    }
+
+    /// Copies the memory rows before `newEnd`.
+    void CopyUpTo(int32_t newEnd) {
+        for (; end < newEnd; end++)
+            std::memcpy(Row(end % held) + before, from.MemoryRow(end), static_cast<size_t>(from.width) * 3);
+    }
+    /// The first pixel of a memory row, or of paper where there is none.
+    const uint8_t *Pixels(int64_t y) const { return Row(y >= 0 && y < from.height ? y % held : held) + before; }
+
+private:
+    uint8_t *Row(int64_t place) const { return bytes.data + stride * place; }
+};
+
+/// @return false without memory.
 bool BlurRows(const WriteView &to, const ReadView &from, const BlurKernel &kernel, const Shift *shifts,
               int32_t tapCount, Color paper) {
     static constexpr int32_t kPart = 768;
     const Shift reach = shifts[tapCount - 1];
-    const int64_t before = std::max(-reach.x, 0), after = std::max(reach.x, 0);
-    const int64_t stride = (before + from.width + after) * 3;
-    BlockArray<uint8_t> padded(static_cast<uint64_t>(stride) * (static_cast<uint64_t>(from.height) + 1));
-    BlockArray<const uint8_t *> taps(static_cast<uint64_t>(tapCount));
-    if (!padded || !taps) return false;
-    const size_t lineBytes = static_cast<size_t>(from.width) * 3;
-    uint8_t *paperRow = padded.data + stride * from.height;
-    for (int64_t b = 0; b < stride; b += 3) StoreBgr(paperRow + b, paper);
-    for (int32_t y = 0; y < from.height; y++) {
-        uint8_t *row = padded.data + stride * y;
-        std::memcpy(row, paperRow, static_cast<size_t>(before) * 3);
-        std::memcpy(row + before * 3, from.MemoryRow(y), lineBytes);
-        std::memcpy(row + before * 3 + lineBytes, paperRow, static_cast<size_t>(after) * 3);
-    }
-
+    PaddedRows rows(from, reach, paper);
+    BlockArray<const uint8_t *> starts(static_cast<uint64_t>(tapCount)), taps(static_cast<uint64_t>(tapCount));
+    if (!rows.bytes || !starts || !taps) return false;
+    const auto lineBytes = static_cast<int64_t>(from.width) * 3;
     alignas(64) double sums[kPart];
     for (int32_t y = 0; y < from.height; y++) {
-        for (size_t begin = 0; begin < lineBytes; begin += kPart) {
-            for (int32_t i = 0; i < tapCount; i++) {
-                const int64_t row = static_cast<int64_t>(y) + shifts[i].y;
-                const bool inside = row >= 0 && row < from.height;
-                taps[i] = (inside ? padded.data + stride * row : paperRow) + (before + shifts[i].x) * 3 + begin;
-            }
-            const auto size = static_cast<int32_t>(std::min<size_t>(lineBytes - begin, kPart));
+        rows.CopyUpTo(static_cast<int32_t>(std::min<int64_t>(int64_t{y} + std::max(reach.y, 0) + 1, from.height)));
+        for (int32_t i = 0; i < tapCount; i++)
+            starts[i] = rows.Pixels(int64_t{y} + shifts[i].y) + int64_t{3} * shifts[i].x;
+        for (int64_t begin = 0; begin < lineBytes; begin += kPart) {
+            for (int32_t i = 0; i < tapCount; i++) taps[i] = starts[i] + begin;
+            const auto size = static_cast<int32_t>(std::min<int64_t>(lineBytes - begin, kPart));
             std::fill(sums, sums + size, 0.0);
             AddTaps(sums, taps.data, kernel->data, tapCount, size);
             TruncateSums(to.MemoryRow(y) + begin, sums, 0.0, size);

@@ -14,7 +14,7 @@ constexpr int32_t kMostCycles = 40;
 
 constexpr PageControl kPage[] = {
     HundredthsSlider(1080, "Displacement:", &P::FilterZoomBlurDisp, {100, 1000})
-        .In(Unit::Percent)
+        .In(Unit::Percent, 100)
         .Help("Step from one averaged pixel to the next, as a share of the distance to the middle of the picture."),
     Slider(1081, "Cycles:", &P::FilterZoomBlurCycles, {4, kMostCycles})
         .Help("How many pixels are averaged for each one; more make longer streaks."),

@@ -159,10 +159,10 @@ bool ConvolveRows(const WriteView &to, const Walk &walk) {
 
 } // namespace
 
-DibHandle Convolve5x5(const ReadView &source, const Window5x5 &window) {
+DibHandle Convolve5x5(const ReadView &source, const Window5x5 &window, ByteOffsets offsets) {
     BytePass pass(source);
     if (!pass) return nullptr;
-    const bool wraps = source.bits == 24 || source.bits == 8;
+    const bool wraps = offsets == ByteOffsets::Of16Bits && (source.bits == 24 || source.bits == 8);
     return ConvolveRows(pass.To(), {pass.From(), window, wraps}) ? pass.Finish() : nullptr;
 }
 

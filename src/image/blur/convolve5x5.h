@@ -12,10 +12,15 @@ struct Window5x5 {
     int16_t bias;        ///< added after the division
 };
 
-/// Each channel becomes its weighted sum, divided by the sum of the weights that fall on the picture. In pictures of
-/// 24 and 8 bits byte offsets are signed 16-bit numbers that wrap, so that from about 3640 pixels of width on some taps
-/// read another row; a wrapped offset that leaves the pixel rows has no weight. Alpha becomes 0.
+/// How byte offsets are counted in pictures of 24 and 8 bits.
+enum class ByteOffsets {
+    Of16Bits, ///< signed numbers that wrap, so that from about 3640 pixels of width on some taps read another row; a
+              ///< wrapped offset that leaves the pixel rows has no weight
+    Whole
+};
+
+/// Each channel becomes its weighted sum, divided by the sum of the weights that fall on the picture. Alpha becomes 0.
 /// @return a new picture with the depth and palette of `source`, or null.
-[[nodiscard]] DibHandle Convolve5x5(const ReadView &source, const Window5x5 &window);
+[[nodiscard]] DibHandle Convolve5x5(const ReadView &source, const Window5x5 &window, ByteOffsets offsets);
 
 } // namespace lmf

@@ -95,7 +95,8 @@ void BlurLine(const double *kernel, int32_t width, const uint8_t *source, uint8_
 bool BlurColumns(const WriteView &view, const double *kernel, int32_t width) {
     const int32_t half = width / 2, height = view.height;
     const int64_t lineBytes = static_cast<int64_t>(view.width) * view.bits / 8;
-    const int32_t strip = std::clamp(16384 / width / 64 * 64, 64, kPart);
+    const auto wholeLine = static_cast<int32_t>(std::min<int64_t>((lineBytes + 63) / 64 * 64, kPart));
+    const int32_t strip = std::clamp(16384 / width / 64 * 64, 64, wholeLine);
     constexpr uint64_t kLine = 64 / sizeof(double);
     BlockArray<double> block(static_cast<uint64_t>(width) * static_cast<uint64_t>(strip) + kLine);
     BlockArray<const double *> taps(2 * static_cast<uint64_t>(width));

@@ -46,8 +46,10 @@ bool IsFlat(const ReadView &picture, const Box &box) {
 /// @return false without memory
 bool BlurTile(const WriteView &to, const ReadView &from, const Box &tile, int32_t softness) {
     const Box cut = tile.Neighbourhood(from);
-    const LockedDib part(DibCropRect(from, cut.left, cut.top, cut.right, cut.bottom));
-    if (!part) return false;
+    ReadView part = from; // of the same rows, so that nothing is copied
+    part.width = cut.right - cut.left;
+    part.height = cut.bottom - cut.top;
+    part.bottom = from.Row(cut.bottom - 1) + cut.left;
     const LockedDib blurred(GaussianBlurDirect(part, kRadius * 10, SigmaTenths(softness)));
     if (!blurred) return false;
     DibCopyRect(to, tile.left, tile.top, blurred, tile.left - cut.left, tile.top - cut.top, tile.right - tile.left,
@@ -62,15 +64,18 @@ int32_t ShadowReach(int32_t softness) {
 }
 
 DibHandle SoftShadow(const ReadView &coverage, int32_t softness) {
-    LockedDib shadow(DibClone(coverage));
+    LockedDib shadow(DibCreateLike(coverage, coverage.width, coverage.height));
     if (!shadow) return nullptr;
     for (int64_t top = 0; top < coverage.height; top += kTile) {
         for (int64_t left = 0; left < coverage.width; left += kTile) {
             const Box tile = {static_cast<int32_t>(left), static_cast<int32_t>(top),
                               static_cast<int32_t>(std::min<int64_t>(left + kTile, coverage.width)),
                               static_cast<int32_t>(std::min<int64_t>(top + kTile, coverage.height))};
-            if (IsFlat(coverage, tile.Neighbourhood(coverage))) continue;
-            if (!BlurTile(shadow.View(), coverage, tile, softness)) return nullptr;
+            if (IsFlat(coverage, tile.Neighbourhood(coverage)))
+                DibCopyRect(shadow.View(), tile.left, tile.top, coverage, tile.left, tile.top, tile.right - tile.left,
+                            tile.bottom - tile.top);
+            else if (!BlurTile(shadow.View(), coverage, tile, softness))
+                return nullptr;
         }
     }
     return shadow.Release();

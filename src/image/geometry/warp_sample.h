@@ -11,7 +11,7 @@ namespace lmf {
 [[nodiscard]] uint32_t WarpSampleBilinear(const ReadView &picture, double x, double y, uint32_t background);
 
 /// Stores WarpSampleBilinear(from, xs[x], ys[x], background) at left <= x < right of row y of a picture that has the
-/// size and depth of `from`: 8, 24 or 32 bits, of which a fourth byte stays.
+/// depth of `from`: 8, 24 or 32 bits, of which a fourth byte stays.
 void WarpSampleRow(const WriteView &to, int32_t y, const ReadView &from, int32_t left, int32_t right, const double *xs,
                    const double *ys, uint32_t background);
 

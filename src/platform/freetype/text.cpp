@@ -317,57 +317,90 @@ FT_Error FillWhole(FT_Library library, FT_Outline *outline, GlyphTarget target, 
     return FT_Err_Ok;
 }
 
+/// The pixels that an outline about its origin may cover: columns to the right of the origin, rows upwards from it.
+struct PixelBox {
+    int64_t left, bottom, columns, rows;
+
+    explicit PixelBox(const FT_Outline &outline) {
+        FT_BBox box;
+        FT_Outline_Get_CBox(&outline, &box);
+        left = box.xMin >> 6;
+        bottom = box.yMin >> 6;
+        columns = (box.xMax >> 6) - left + 1;
+        rows = (box.yMax >> 6) - bottom + 1;
+    }
+};
+
 /// Fills an outline about its origin in `target`, and leaves it moved. It is filled whole and cut afterwards, as the
 /// rasterisers look at what is beside a pixel.
 FT_Error FillOutline(const TextFont &font, FT_Outline *outline, const GlyphTarget &target) {
-    FT_BBox box;
-    FT_Outline_Get_CBox(outline, &box);
-    const int64_t left = target.x + (box.xMin >> 6);
-    const int64_t bottom = target.y - (box.yMin >> 6);
-    const int64_t columns = (box.xMax >> 6) - (box.xMin >> 6) + 1;
-    const int64_t rows = (box.yMax >> 6) - (box.yMin >> 6) + 1;
+    const PixelBox box(*outline);
+    const int64_t left = target.x + box.left;
+    const int64_t bottom = target.y - box.bottom;
     const TextRect &clip = target.clip;
-    const bool isShown = std::max<int64_t>(left, clip.left) < std::min<int64_t>(left + columns, clip.right) &&
-                         std::max<int64_t>(bottom - rows, clip.top) < std::min<int64_t>(bottom, clip.bottom);
+    const bool isShown = std::max<int64_t>(left, clip.left) < std::min<int64_t>(left + box.columns, clip.right) &&
+                         std::max<int64_t>(bottom - box.rows, clip.top) < std::min<int64_t>(bottom, clip.bottom);
     if (!isShown) return FT_Err_Ok;
-    if (std::max(columns, rows) > INT16_MAX) return FT_Err_Raster_Overflow; // columns of spans have 16 bits
-    FT_Outline_Translate(outline, -(box.xMin & ~63), -(box.yMin & ~63));
+    if (std::max(box.columns, box.rows) > INT16_MAX) return FT_Err_Raster_Overflow; // columns of spans have 16 bits
+    FT_Outline_Translate(outline, -box.left * 64, -box.bottom * 64);
     const auto fill = font.isSmooth ? FillSmooth : FillWhole;
-    return fill(font.library, outline, {target.surface, clip, target.color, left, bottom}, static_cast<int>(columns),
-                static_cast<int>(rows));
+    return fill(font.library, outline, {target.surface, clip, target.color, left, bottom},
+                static_cast<int>(box.columns), static_cast<int>(box.rows));
 }
 
-/// Draws glyphs: as they are, or a stroke of a pen along their outlines.
-struct GlyphDrawer {
+/// The outlines of glyphs: as they are, or those of a pen's stroke along them.
+struct GlyphOutlines {
     const TextFont &font;
-    FT_Stroker stroker = nullptr; ///< null fills
+    FT_Stroker stroker = nullptr; ///< null for the glyphs as they are
     bool isReady;                 ///< false when memory was short
 
-    GlyphDrawer(const TextFont &drawn, int32_t penWidth) : font(drawn) {
+    GlyphOutlines(const TextFont &drawn, int32_t penWidth) : font(drawn) {
         isReady = penWidth <= 0 || FT_Stroker_New(font.library, &stroker) == 0;
         if (stroker == nullptr) return;
         const FT_Fixed radius = FT_Fixed{penWidth} * 32;
         FT_Stroker_Set(stroker, radius, FT_STROKER_LINECAP_ROUND, FT_STROKER_LINEJOIN_ROUND, 0);
     }
-    GlyphDrawer(const GlyphDrawer &) = delete;
-    GlyphDrawer &operator=(const GlyphDrawer &) = delete;
-    ~GlyphDrawer() { FT_Stroker_Done(stroker); }
+    GlyphOutlines(const GlyphOutlines &) = delete;
+    GlyphOutlines &operator=(const GlyphOutlines &) = delete;
+    ~GlyphOutlines() { FT_Stroker_Done(stroker); }
 
-    FT_Error Draw(const raqm_glyph_t &glyph, const GlyphTarget &target) const {
+    /// Calls take(FT_Outline *) for a glyph, and gives its error or that of making the outline.
+    template <typename Take>
+    FT_Error Give(const raqm_glyph_t &glyph, Take take) const {
         if (const FT_Error error = LoadOutline(font, glyph)) return error;
         const FT_GlyphSlot slot = glyph.ftface->glyph;
-        if (stroker == nullptr) return FillOutline(font, &slot->outline, target);
+        if (stroker == nullptr) return take(&slot->outline);
         FT_Glyph stroked = nullptr;
         FT_Error error = FT_Get_Glyph(slot, &stroked);
         if (error == FT_Err_Ok) error = FT_Glyph_Stroke(&stroked, stroker, 1);
-        if (error == FT_Err_Ok) {
-            auto *outline = &reinterpret_cast<FT_OutlineGlyph>(stroked)->outline;
-            error = FillOutline(font, outline, target);
-        }
+        if (error == FT_Err_Ok) error = take(&reinterpret_cast<FT_OutlineGlyph>(stroked)->outline);
         FT_Done_Glyph(stroked);
         return error;
     }
 };
+
+/// Calls take(FT_Outline *, int64_t x) for each glyph of a run, whose origin stands in column x.
+/// @return false when memory is short
+template <typename Take>
+bool ForEachOutline(TextFont &font, const TextRun &run, int64_t x, int32_t penWidth, Take take) {
+    const std::u32string_view text = run.characters;
+    if (text.empty()) return true;
+    const ShapedRun shaped(font, run);
+    const GlyphOutlines outlines(font, penWidth);
+    if (!shaped.isDone || !outlines.isReady) return false;
+    for (const raqm_glyph_t &glyph : std::span(shaped.glyphs, shaped.count)) {
+        if (IsControl(text[glyph.cluster])) continue;
+        // A glyph that its file has spoilt is left out.
+        const FT_Error error = outlines.Give(glyph, [&](FT_Outline *outline) { return take(outline, x); });
+        if (error == FT_Err_Out_Of_Memory) return false;
+        x += Advance(font, glyph, text);
+    }
+    return true;
+}
+
+int32_t Limited(int64_t number) {
+    return static_cast<int32_t>(std::clamp<int64_t>(number, INT32_MIN, INT32_MAX));
+}
 
 /// Opens what the request names and gives the font its sizes.
 bool Prepare(TextFont &font, const FontRequest &request) {
@@ -415,21 +448,28 @@ int32_t MeasureRun(TextFont *font, std::u32string_view text) {
 
 bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, const TextSurface &surface,
              const TextRect &clip) {
-    const std::u32string_view text = run.characters;
-    if (text.empty()) return true;
     const TextRect inside = {std::max(clip.left, 0), std::max(clip.top, 0), std::min(clip.right, surface.width),
                              std::min(clip.bottom, surface.height)};
-    const ShapedRun shaped(*font, run);
-    const GlyphDrawer drawer(*font, ink.penWidth);
-    if (!shaped.isDone || !drawer.isReady) return false;
-    GlyphTarget target = {surface, inside, ink.color, x, int64_t{y} + font->ascent};
-    for (const raqm_glyph_t &glyph : std::span(shaped.glyphs, shaped.count)) {
-        if (IsControl(text[glyph.cluster])) continue;
-        // A glyph that its file has spoilt is left out.
-        if (drawer.Draw(glyph, target) == FT_Err_Out_Of_Memory) return false;
-        target.x += Advance(*font, glyph, text);
-    }
-    return true;
+    const int64_t baseline = int64_t{y} + font->ascent;
+    return ForEachOutline(*font, run, x, ink.penWidth, [&](FT_Outline *outline, int64_t left) {
+        return FillOutline(*font, outline, {surface, inside, ink.color, left, baseline});
+    });
+}
+
+bool RunBounds(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, TextRect *bounds) {
+    const int64_t baseline = int64_t{y} + font->ascent;
+    *bounds = {INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    const bool done = ForEachOutline(*font, run, x, ink.penWidth, [&](const FT_Outline *outline, int64_t left) {
+        const PixelBox box(*outline);
+        if (outline->n_points == 0) return FT_Err_Ok;
+        bounds->left = std::min(bounds->left, Limited(left + box.left));
+        bounds->top = std::min(bounds->top, Limited(baseline - box.bottom - box.rows));
+        bounds->right = std::max(bounds->right, Limited(left + box.left + box.columns));
+        bounds->bottom = std::max(bounds->bottom, Limited(baseline - box.bottom));
+        return FT_Err_Ok;
+    });
+    if (bounds->left > bounds->right) *bounds = {};
+    return done;
 }
 
 void ForEachFontFamily(void (*take)(void *user, const char *family), void *user) {

@@ -8,6 +8,7 @@
 #include <cwctype>
 
 #include <dlfcn.h>
+#include <fcntl.h>
 #include <locale.h>
 #include <pwd.h>
 #include <unistd.h>
@@ -80,6 +81,19 @@ bool ApplicationDataFolder(char *out) {
 
 bool UserDocumentsFolder(char *out) {
     return FolderOf("XDG_DOCUMENTS_DIR", "/Documents", out);
+}
+
+// An open folder leads back even after it was renamed.
+CurrentFolder::CurrentFolder(const char *folder) : before(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+    if (before < 0 || chdir(folder) == 0) return;
+    close(static_cast<int>(before));
+    before = -1;
+}
+
+CurrentFolder::~CurrentFolder() {
+    if (before < 0) return;
+    [[maybe_unused]] const int back = fchdir(static_cast<int>(before));
+    close(static_cast<int>(before));
 }
 
 namespace {

@@ -2,8 +2,7 @@
 
 #include <cstdio>
 
-#include <dlfcn.h>
-
+#include "platform/module.h"
 #include "platform/system.h"
 #include "platform/text_module.h"
 
@@ -11,22 +10,17 @@ namespace lmf {
 
 namespace {
 
-constexpr char kModuleFile[] = "liblmf16text.so";
-
 /// The module beside the library; null, with one line on stderr, where it or what it needs is not installed.
-const TextModule *LoadModule() {
-    char path[kFolderSize];
-    std::snprintf(path, sizeof path, "%s%s", ModuleFolder(), kModuleFile);
-    void *module = dlopen(path, RTLD_NOW | RTLD_LOCAL);
-    void *entry = module != nullptr ? dlsym(module, kTextModuleEntry) : nullptr;
+const TextModule *LoadTextModule() {
+    void *entry = FindSymbol(LoadModule(ModuleFolder(), "lmf16text"), kTextModuleEntry);
     if (entry != nullptr) return reinterpret_cast<TextModuleEntry>(entry)();
-    std::fprintf(stderr, "lmf16filter: text cannot be drawn: %s\n", dlerror());
+    std::fprintf(stderr, "lmf16filter: text cannot be drawn: %s\n", ModuleError());
     return nullptr;
 }
 
 /// The module, loaded by the first call and kept for good.
 const TextModule *Module() {
-    static const TextModule *const module = LoadModule();
+    static const TextModule *const module = LoadTextModule();
     return module;
 }
 
@@ -56,6 +50,10 @@ int32_t MeasureRun(TextFont *font, std::u32string_view text) {
 bool DrawRun(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, const TextSurface &surface,
              const TextRect &clip) {
     return Module()->drawRun(font, run, x, y, ink, surface, clip);
+}
+
+bool RunBounds(TextFont *font, const TextRun &run, int32_t x, int32_t y, const TextInk &ink, TextRect *bounds) {
+    return Module()->runBounds(font, run, x, y, ink, bounds);
 }
 
 void ForEachFontFamily(void (*take)(void *user, const char *family), void *user) {
