@@ -80,7 +80,7 @@ TEST(Recipes, AreReadAsTheyStand) {
                                                                              longText.substr(0, 40) + ": 1/4/0 }"},
         // A line goes on after 1023 characters, with whatever begins there.
         {":FILTER a;\n" + std::string(1023, ' ') + ":END;\n", "a{}"},
-        {std::string(":FILTER \xE9\0;\nA: \xFF;\n:END;", 25), "\xE9{A=\xFF/4/0 }"},
+        {std::string(":FILTER \xE9\0;\nA: \xFF;\n:END;", 23), "\xE9{A=\xFF/4/0 }"},
     };
     for (const auto &one : kCases) EXPECT_EQ(Dump(one.text), one.dump) << one.text.substr(0, 80);
 }
