@@ -48,8 +48,7 @@ bool HasGlobalColours() {
 }
 
 bool ColourDatabasePath(char (&out)[kPathSize]) {
-    return HasGlobalColours() ? FindSettingsFile(kGlobalName, out)
-                              : FindProductFile(Settings.ColourTableFile, out);
+    return HasGlobalColours() ? FindSettingsFile(kGlobalName, out) : FindProductFile(Settings.ColourTableFile, out);
 }
 
 bool ReadColours(std::string_view text, ColourTable *table) {
