@@ -3,11 +3,11 @@
 # which needs OpenCV; see finder/) and development.
 include(CMakePackageConfigHelpers)
 set(LMF_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/LumenfoldFilters)
-set(LMF_MODULES lmf16text)
 
 install(TARGETS lmf RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
-install(TARGETS ${LMF_MODULES} LIBRARY DESTINATION ${LMF_INSTALL_FOLDER} COMPONENT runtime)
-install(FILES ${LMF_LIBRARY_FILES} DESTINATION ${LMF_INSTALL_FOLDER} COMPONENT runtime)
+install(TARGETS lmf16text lmf_metadata LIBRARY DESTINATION ${LMF_INSTALL_FOLDER} COMPONENT runtime)
+install(FILES ${LMF_LIBRARY_FILES} ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/DauberyPhotographyDarkroom.txt
+  DESTINATION ${LMF_INSTALL_FOLDER} COMPONENT runtime)
 install(TARGETS lmf16filter EXPORT LumenfoldFilters
   LIBRARY DESTINATION ${LMF_INSTALL_FOLDER} COMPONENT runtime NAMELINK_SKIP)
 install(TARGETS lmf16block EXPORT LumenfoldFilters

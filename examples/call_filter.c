@@ -1,5 +1,5 @@
-/* A host in one page: names the filters of the menu, runs one of them with a setting on a small picture, and prints what
- * came out.
+/* A host in one page: names the filters of the menu, runs one of them with a setting on a small picture, and prints
+ * what came out.
  *
  *   cc call_filter.c $(pkg-config --cflags --libs lmf16filter) -o call_filter
  *   ./call_filter [LIBRARY]    liblmf16filter.so.1 where the loader finds it, when none is named */
@@ -23,8 +23,7 @@ static LmfHandle MakePicture(int32_t width, int32_t height) {
     const int32_t head[] = {40, width, height, 1 | 24 << 16, 0, (int32_t)(stride * (size_t)height)};
     memcpy(bytes, head, sizeof head);
     for (int32_t y = 0; y < height; y++)
-        for (int32_t x = 0; x < width; x++)
-            memset(bytes + 40 + stride * (size_t)y + 3 * (size_t)x, 255 * x / width, 3);
+        for (int32_t x = 0; x < width; x++) memset(bytes + 40 + stride * (size_t)y + 3 * (size_t)x, 255 * x / width, 3);
     LmfBlockUnlock(picture);
     return picture;
 }
