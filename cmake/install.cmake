@@ -2,6 +2,8 @@
 # for beside itself; links in the folder of all libraries lead to it. Three components: runtime, faces (the face finder,
 # which needs OpenCV; see finder/) and development.
 include(CMakePackageConfigHelpers)
+# Installing takes what is there and builds nothing, tests least of all.
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 set(LMF_CMAKE_FOLDER ${CMAKE_INSTALL_LIBDIR}/cmake/LumenfoldFilters)
 
 install(TARGETS lmf RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)

@@ -17,7 +17,7 @@ namespace {
 
 constexpr uint32_t kFirst = 0xFFFFFFF0u; // ids go on from 0
 
-/// A user who switched Big Screen off for paint hosts; the catalogue is put back afterwards.
+/// A user who switched Bump off for paint hosts; the catalogue is put back afterwards.
 struct HostMenu : ::testing::Test {
     SharedFolder folder;
     std::vector<uint32_t> kept;
@@ -25,7 +25,7 @@ struct HostMenu : ::testing::Test {
     void SetUp() override {
         for (const FilterEntry &entry : FilterCatalogue) kept.push_back(entry.flags);
         std::filesystem::create_directories(folder.path + "/Quillon Works");
-        WriteText(folder.path + "/Quillon Works/DauberyFiltrEnable.ini", "[Enable]\nbig_screen=0\n");
+        WriteText(folder.path + "/Quillon Works/DauberyFiltrEnable.ini", "[Enable]\nbump=0\n");
         ::setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
     }
     void TearDown() override {
@@ -60,7 +60,7 @@ TEST_F(HostMenu, ListsRowsInOrderOrByCategory) {
         std::vector<std::string> wanted, found;
         for (int32_t category = 0; category < (grouped ? 8 : 1); ++category) {
             for (const FilterEntry &entry : FilterCatalogue) {
-                const bool fits = grouped ? entry.category == category : std::string(entry.name) != "Big Screen";
+                const bool fits = grouped ? entry.category == category : std::string(entry.name) != "Bump";
                 if (fits && !(entry.flags & FilterHiddenFromPaint)) wanted.emplace_back(entry.name);
             }
         }
@@ -82,11 +82,11 @@ TEST_F(HostMenu, ListsRowsInOrderOrByCategory) {
 TEST_F(HostMenu, EnablesWhatThePictureAndTheHostAllow) {
     const BlockOwner menu(MakeHostMenu(kFirst, true));
     int32_t before = 0;
-    for (const int32_t mode : {0, 1, 2, 3, 4}) {
-        const LockedDib picture = mode < 4 ? RandomPicture(3, 2, mode, 1) : LockedDib();
+    for (const ImageMode mode : {kModeTrueColor, kModeGrey, kModePalette, kModeMono, kModeUnreadable}) {
+        const LockedDib picture = mode != kModeUnreadable ? RandomPicture(3, 2, mode, 1) : LockedDib();
         for (const int32_t barred : {0, 1, 2, 3}) {
             const HostRestrictions restrictions = {picture.owner.handle, barred & 1, barred & 2};
-            const HostRestrictions *given = mode < 4 || barred != 0 ? &restrictions : nullptr;
+            const HostRestrictions *given = mode != kModeUnreadable || barred != 0 ? &restrictions : nullptr;
             EXPECT_EQ(EnableHostMenu(menu.handle, kFirst, given), before);
             for (const LmfMenuItem &item : Items(menu.handle)) {
                 const auto row = static_cast<int32_t>(item.id - kFirst);

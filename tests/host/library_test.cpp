@@ -122,9 +122,9 @@ TEST_F(Library, IsCalledFromCAsTheExampleShows) {
     std::string output;
     for (char line[512]; std::fgets(line, sizeof line, example) != nullptr;) output += line;
     EXPECT_EQ(pclose(example), 0);
-    EXPECT_TRUE(output.starts_with("1005 Artistic > Big Screen\n")) << output;
-    EXPECT_TRUE(Has(output, "\n1065 Color > Remove Alpha (greyed)\n")) << output;
-    EXPECT_TRUE(output.ends_with("\n64 x 48 became 79 x 79\n")) << output;
+    EXPECT_TRUE(output.starts_with("1007 Artistic > Bump\n")) << output;
+    EXPECT_TRUE(Has(output, "\n1020 Artistic > Edge Trace and Fatten (greyed)\n")) << output;
+    EXPECT_TRUE(output.ends_with("\n64 x 48 became 80 x 80\n")) << output;
 }
 
 TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {
