@@ -47,6 +47,8 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS OFF)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${CMAKE_LIBRARY_OUTPUT_DIRECTORY})
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(same_version "(= ${PROJECT_VERSION})")
 
@@ -54,23 +56,21 @@ set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME lumenfold-filters)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS "fonts-dejavu-core, fonts-liberation")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SUGGESTS lumenfold-filters-faces)
-set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_COMPONENT_RUNTIME_DESCRIPTION "image filters for programs and for the command line
- A library of image filters that programs load and call through eleven C
- functions, and lmf, which applies them to picture files.")
+A library of image filters that programs load and call through eleven C
+functions, and lmf, which applies them to picture files.")
 
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME lumenfold-filters-dev)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "lumenfold-filters ${same_version}, libc6-dev")
 set(CPACK_COMPONENT_DEVELOPMENT_DESCRIPTION "image filters for programs, development files
- Headers of the filter library, its catalogue of filters and settings as JSON,
- and what pkg-config and CMake need to find it.")
+Headers of the filter library, and what pkg-config and CMake need to find it.")
 
 set(CPACK_DEBIAN_FACES_PACKAGE_NAME lumenfold-filters-faces)
 set(CPACK_DEBIAN_FACES_PACKAGE_SECTION graphics)
 set(CPACK_DEBIAN_FACES_PACKAGE_DEPENDS "lumenfold-filters ${same_version}")
 set(CPACK_COMPONENT_FACES_DESCRIPTION "image filters for programs, face finder
- What the filters Face Detection and Red-eye Reduction find faces with.")
+What the filters Face Detection and Red-eye Reduction find faces with.")
 if(TARGET cv_x64)
   list(APPEND CPACK_COMPONENTS_ALL faces)
 endif()
