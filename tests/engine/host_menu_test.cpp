@@ -69,8 +69,9 @@ TEST_F(HostMenu, ListsRowsInOrderOrByCategory) {
             found.emplace_back(item.name);
             EXPECT_STREQ(item.name, FilterCatalogue[item.id - kFirst].name);
             EXPECT_EQ(item.enabled, 1);
-            if (!categories.ends_with(item.category))
-                categories += (categories.empty() ? "" : ";") + std::string(item.category);
+            if (categories.ends_with(item.category)) continue;
+            if (!categories.empty()) categories += ';';
+            categories += item.category;
         }
         EXPECT_EQ(found, wanted);
         if (grouped) {
@@ -93,7 +94,6 @@ TEST_F(HostMenu, EnablesWhatThePictureAndTheHostAllow) {
                 EXPECT_EQ(item.enabled, EnabledByDefinition(row, mode, barred & 1, barred & 2))
                     << item.name << mode << barred;
             }
-            before = Items(menu.handle).back().enabled ? 0 : 3;
             for (const LmfMenuItem &item : Items(menu.handle))
                 if (item.id == kFirst + 94) before = item.enabled ? 0 : 3;
         }
