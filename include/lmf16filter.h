@@ -17,9 +17,9 @@
  *                 pixels: 24 bits are blue, green, red; 32 bits blue, green, red, alpha; 4 bits high nibble first;
  *                 1 bit most significant bit first
  *
- * Colours are 0x00BBGGRR, sizes in bytes unless told otherwise, lengths and places in pixels, texts zero-terminated and
- * in code page 1252; names of files are in the system's own form. All calls run on the caller's thread and must not
- * overlap. */
+ * Colours are 0x00BBGGRR, sizes in bytes unless told otherwise, lengths and places in pixels. Texts are zero-terminated
+ * and in UTF-8; in settings, what is no valid UTF-8 counts as code page 1252. Names of files are in the system's own
+ * form. All calls run on the caller's thread and must not overlap. */
 #ifndef LMF16FILTER_H
 #define LMF16FILTER_H
 
