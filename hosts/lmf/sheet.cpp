@@ -14,15 +14,20 @@ namespace lmf::host {
 
 namespace {
 
-constexpr uint8_t kGround = 255;
-constexpr char kInk[] = "4210752"; // #404040
-constexpr int kLeastResize = 8;    // pixels a side that Resize goes down to
+constexpr uint32_t kGround = 0xEBEBEB; // a wall on which white paper shows
+constexpr uint32_t kInk = 0x303030;
+constexpr int kLeastResize = 8; // pixels a side that Resize goes down to
+
+// The filters work on so many times the size that is shown: settings count in pixels, and grain, strokes and frames are
+// meant for more than a sheet has.
+constexpr int kFiner = 2;
 
 /// What all cells share.
 struct Studio {
     Library library;
     Limits limits;
     Picture small;    // the copy that all filters run on
+    double scale;     // from it to what is shown
     Bitmap clipboard; // the same, for filters that take a second picture
 };
 
@@ -54,10 +59,14 @@ bool RunStep(const Studio &studio, const Step &step, Picture &picture, Report &r
     FilterCall call = {LinesFor(step, {}, picture.image, report), &studio.clipboard, &studio.limits, {}, 0};
     if (!FindDestinations(*step.filter, call.destinations, report)) return false;
     const FilterOutcome outcome = RunFilter(studio.library, *step.filter, call, {}, picture, report);
-    return outcome.done || report.Fail(ErrorText(outcome.errorCode));
+    if (outcome.done) return true;
+    const bool takesMode = Accepts(*step.filter, ModeName(picture.image));
+    const char *wish = takesMode && (*step.filter)["needsAlpha"] && !picture.alpha ? " (it takes pictures with alpha)" : "";
+    return report.Fail(ErrorText(outcome.errorCode) +
+                       (takesMode ? wish : " (it takes " + AcceptedModes(*step.filter) + ")"));
 }
 
-// A step of the sheet's own, with stored values.
+// A step of the sheet's own.
 Step OwnStep(const char *name, StoredValues values) {
     Step step;
     step.filter = FindFilter(name);
@@ -66,9 +75,9 @@ Step OwnStep(const char *name, StoredValues values) {
     return step;
 }
 
-// Makes a picture that is larger than this as much smaller as it needs, in its proportions.
-bool Fit(const Studio &studio, int width, int height, Picture &picture, Report &report) {
-    const double scale = std::min(double(width) / picture.image.width, double(height) / picture.image.height);
+// Makes a picture smaller by this scale, or as much more as it needs to go into a room.
+bool Fit(const Studio &studio, double scale, int width, int height, Picture &picture, Report &report) {
+    scale = std::min({scale, double(width) / picture.image.width, double(height) / picture.image.height});
     if (scale >= 1) return true;
     const auto scaled = [&](int side) { return std::to_string(std::max(kLeastResize, int(std::lround(side * scale)))); };
     const Step resize = OwnStep("Resize", {{"FilterResizeByDim", "1"},
@@ -89,14 +98,14 @@ void Lay(const Picture &picture, int left, int top, int width, int height, Bitma
         for (int x = 0; x < std::min(width, picture.image.width); ++x)
             for (int c = 0; c < 3; ++c) {
                 const uint8_t *pixel = &row[size_t(kSamples * x)];
-                *out++ = uint8_t((pixel[c] * pixel[3] + kGround * (255 - pixel[3]) + 127) / 255);
+                *out++ = uint8_t((pixel[c] * pixel[3] + (kGround & 0xFF) * (255u - pixel[3]) + 127) / 255);
             }
     }
 }
 
 bool MakeGround(Bitmap &bitmap, int width, int height, Report &report) {
     if (!MakeBitmap(bitmap, width, height, 24, report)) return false;
-    for (int y = 0; y < height; ++y) std::memset(bitmap.Row(y), kGround, 3 * size_t(width));
+    for (int y = 0; y < height; ++y) std::memset(bitmap.Row(y), kGround & 0xFF, 3 * size_t(width));
     return true;
 }
 
@@ -108,8 +117,8 @@ bool WriteLabel(const Studio &studio, const std::string &label, const Plan &plan
         if (!MakeGround(strip.image, plan.width, 1, report)) return false;
         const Step caption = OwnStep("Caption", {{"FilterCaptionString", text},
                                                  {"FilterCaptionFontsize", std::to_string(letters)},
-                                                 {"FilterCaptionTextColor", kInk},
-                                                 {"FilterCaptionFramecolor", "16777215"},
+                                                 {"FilterCaptionTextColor", std::to_string(kInk)},
+                                                 {"PaperColor", std::to_string(kGround)},
                                                  {"FilterCaptionFramesize", "0"},
                                                  {"FilterCaptionPadding", "2"},
                                                  {"FilterCaptionJustification", "1"}});
@@ -135,14 +144,15 @@ int ColumnsFor(int cells, const Plan &plan) {
     return best;
 }
 
-Plan PlanSheet(const SheetRequest &request, const Bitmap &small, int cells) {
+Plan PlanSheet(const SheetRequest &request, const Studio &studio, int cells) {
+    const auto shown = [&](int side) { return std::max(1, int(std::lround(side * studio.scale))); };
     Plan plan = {};
     plan.letters = std::clamp(request.side / 17, 9, 40);
     plan.label = plan.letters * 3 / 2 + 6;
     plan.gap = request.side / 10;
     // So wide that most labels have room.
-    plan.width = std::max(small.width, plan.letters * 11);
-    plan.height = small.height;
+    plan.width = std::max(shown(studio.small.image.width), plan.letters * 11);
+    plan.height = shown(studio.small.image.height);
     plan.columns = request.columns > 0 ? std::min(request.columns, cells) : ColumnsFor(cells, plan);
     plan.rows = (cells + plan.columns - 1) / plan.columns;
     return plan;
@@ -152,7 +162,8 @@ Plan PlanSheet(const SheetRequest &request, const Bitmap &small, int cells) {
 bool DrawCell(const Studio &studio, const Plan &plan, int place, const std::string &label, Picture &shown, Bitmap &sheet,
               Report &report) {
     Picture strip;
-    if (!Fit(studio, plan.width, plan.height, shown, report) || !WriteLabel(studio, label, plan, strip, report))
+    if (!Fit(studio, studio.scale, plan.width, plan.height, shown, report) ||
+        !WriteLabel(studio, label, plan, strip, report))
         return false;
     const int left = plan.gap + place % plan.columns * (plan.width + plan.gap);
     const int top = plan.gap + place / plan.columns * (plan.height + plan.label + plan.gap);
@@ -164,11 +175,15 @@ bool DrawCell(const Studio &studio, const Plan &plan, int place, const std::stri
 }
 
 bool ReadSmall(const SheetRequest &request, Studio &studio, Report &report) {
+    const int side = kFiner * request.side;
     Limits limits = request.limits;
-    limits.enough = request.side;
-    return ReadPicture(request.input, limits, studio.small, report) && TurnUpright(studio.small, report) &&
-           Fit(studio, request.side, request.side, studio.small, report) &&
-           CopyBitmap(studio.small.image, studio.clipboard, report);
+    limits.enough = side;
+    if (!ReadPicture(request.input, limits, studio.small, report) || !TurnUpright(studio.small, report) ||
+        !Fit(studio, 1, side, side, studio.small, report))
+        return false;
+    const Bitmap &image = studio.small.image;
+    studio.scale = std::min(1.0, double(request.side) / std::max(image.width, image.height));
+    return CopyBitmap(image, studio.clipboard, report);
 }
 
 } // namespace
@@ -204,7 +219,7 @@ int DrawSheet(const SheetRequest &request, size_t &failed) {
             ++failed;
         }
     }
-    const Plan plan = PlanSheet(request, studio.small.image, int(results.size()));
+    const Plan plan = PlanSheet(request, studio, int(results.size()));
     Picture sheet;
     sheet.metadata.icc = std::move(studio.small.metadata.icc);
     sound = sound && CheckSize(plan.SheetWidth(), plan.SheetHeight(), Limits(), report) &&
