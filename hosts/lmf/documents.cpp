@@ -42,7 +42,8 @@ Control FindControl(const char *kind, int id) {
 int64_t HeldTo(const Json &setting, int64_t value) {
     if (setting["type"] == "boolean") return value != 0;
     const bool typed = setting.contains("typed");
-    const int64_t min = typed ? setting["typed"][0] : setting["min"], max = typed ? setting["typed"][1] : setting["max"];
+    const int64_t min = typed ? setting["typed"][0] : setting["min"],
+                  max = typed ? setting["typed"][1] : setting["max"];
     return std::clamp(value, min, max);
 }
 
@@ -69,7 +70,7 @@ DocumentKind KindOf(const Json &setting) {
 
 int64_t NumberOf(const Json &setting, const std::string *stored) {
     const Json &value = setting["default"];
-    int64_t number = stored              ? std::strtoll(stored->c_str(), nullptr, 10)
+    int64_t number = stored               ? std::strtoll(stored->c_str(), nullptr, 10)
                      : value.is_boolean() ? int64_t{value.get<bool>()}
                                           : value.get<int64_t>();
     number = HeldTo(setting, number);

@@ -173,7 +173,8 @@ int SheetCommand(const Arguments &arguments) {
     SheetChoice choice;
     SheetRequest request;
     CLI::Option *recipes =
-        app.add_option("--recipes", choice.recipes, "The recipes of this file, not those of the user")->type_name("FILE");
+        app.add_option("--recipes", choice.recipes, "The recipes of this file, not those of the user")
+            ->type_name("FILE");
     CLI::Option *filters =
         app.add_option("--filters", choice.filters, "These filters, with commas between them, or all")
             ->type_name("A,B,...")

@@ -19,8 +19,8 @@ using StoredValues = std::map<std::string, std::string>;
 /// One filter as it was asked for.
 struct StepRequest {
     const Json *filter = nullptr;
-    StoredValues beginning; // values of a recipe, over those of the settings file
-    std::string document;   // a document whose values count over these, or empty
+    StoredValues beginning;               // values of a recipe, over those of the settings file
+    std::string document;                 // a document whose values count over these, or empty
     std::vector<std::string> assignments; // NAME=VALUE
 };
 

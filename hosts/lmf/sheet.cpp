@@ -61,7 +61,8 @@ bool RunStep(const Studio &studio, const Step &step, Picture &picture, Report &r
     const FilterOutcome outcome = RunFilter(studio.library, *step.filter, call, {}, picture, report);
     if (outcome.done) return true;
     const bool takesMode = Accepts(*step.filter, ModeName(picture.image));
-    const char *wish = takesMode && (*step.filter)["needsAlpha"] && !picture.alpha ? " (it takes pictures with alpha)" : "";
+    const char *wish =
+        takesMode && (*step.filter)["needsAlpha"] && !picture.alpha ? " (it takes pictures with alpha)" : "";
     return report.Fail(ErrorText(outcome.errorCode) +
                        (takesMode ? wish : " (it takes " + AcceptedModes(*step.filter) + ")"));
 }
@@ -79,7 +80,9 @@ Step OwnStep(const char *name, StoredValues values) {
 bool Fit(const Studio &studio, double scale, int width, int height, Picture &picture, Report &report) {
     scale = std::min({scale, double(width) / picture.image.width, double(height) / picture.image.height});
     if (scale >= 1) return true;
-    const auto scaled = [&](int side) { return std::to_string(std::max(kLeastResize, int(std::lround(side * scale)))); };
+    const auto scaled = [&](int side) {
+        return std::to_string(std::max(kLeastResize, int(std::lround(side * scale))));
+    };
     const Step resize = OwnStep("Resize", {{"FilterResizeByDim", "1"},
                                            {"FilterResizeInterpolate", "1"},
                                            {"FilterResizeConstant", "0"},
@@ -159,8 +162,8 @@ Plan PlanSheet(const SheetRequest &request, const Studio &studio, int cells) {
 }
 
 // Draws what a cell shows and its label at its place.
-bool DrawCell(const Studio &studio, const Plan &plan, int place, const std::string &label, Picture &shown, Bitmap &sheet,
-              Report &report) {
+bool DrawCell(const Studio &studio, const Plan &plan, int place, const std::string &label, Picture &shown,
+              Bitmap &sheet, Report &report) {
     Picture strip;
     if (!Fit(studio, studio.scale, plan.width, plan.height, shown, report) ||
         !WriteLabel(studio, label, plan, strip, report))
