@@ -1,13 +1,10 @@
 #include "destinations.h"
 
-#include <cstdlib>
-#include <filesystem>
-
 #include "common/text_decoding.h"
 #include "lmf16filter.h"
 #include "overlays/social_destinations.h"
+#include "product_file.h"
 #include "progress.h"
-#include "settings.h"
 
 namespace lmf::host {
 
@@ -15,33 +12,12 @@ namespace {
 
 constexpr char kFilter[] = "Social Media";
 constexpr char kSetting[] = "FilterSocialMediaDestination";
-constexpr char kProductFolder[] = "Lumenfold Studio 16";
-constexpr size_t kLargestList = size_t{1} << 20; // the library takes no larger file
 
 struct DestinationList {
     std::string path;
     std::string error; // empty if the list could be read
     Json entries = Json::array();
 };
-
-std::string UserFolder() {
-    const std::string ini = UserIniPath();
-    return ini.substr(0, ini.rfind('/') + 1) + kProductFolder + "/";
-}
-
-std::string LibraryFolder() {
-    const char *library = std::getenv("LMF_LIBRARY");
-    if (!library || !*library) return ProgramLibraryFolder();
-    std::error_code error;
-    return std::filesystem::absolute(library, error).parent_path().string() + "/";
-}
-
-// The file that counts: the first one that is there.
-std::string FindList() {
-    for (const char *name : kDestinationFiles)
-        if (FileExists(UserFolder() + name)) return UserFolder() + name;
-    return LibraryFolder() + kDestinationFiles[1];
-}
 
 std::string NameOf(const SocialDestination &destination) {
     char name[3 * sizeof destination.name + 1];
@@ -51,17 +27,14 @@ std::string NameOf(const SocialDestination &destination) {
 
 DestinationList ReadList() {
     DestinationList list;
-    list.path = FindList();
+    list.path = FindProductFile(kDestinationFiles, kDestinationFiles[1]);
     Report report;
-    Bytes bytes;
-    if (!ReadFile(
-            list.path, [](ByteView) { return true; }, bytes, report)) {
+    std::string text;
+    if (!ReadProductFile(list.path, text, report)) {
         list.error = list.path + ": " + report.error;
-    } else if (bytes.size() > kLargestList) {
-        list.error = list.path + ": the list is larger than 1 MB";
     } else {
         ReadDestinations(
-            std::string_view(reinterpret_cast<const char *>(bytes.data()), bytes.size()),
+            text,
             [](void *target, int32_t index, const SocialDestination &destination) {
                 static_cast<Json *>(target)->push_back({{"value", index}, {"name", NameOf(destination)}});
             },

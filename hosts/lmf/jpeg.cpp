@@ -200,6 +200,14 @@ Bytes ReadProfile(jpeg_decompress_struct &jpeg) {
     return Bytes(bytes, bytes + size);
 }
 
+// Lets the decoder give a half, a quarter or an eighth of the picture where that is enough.
+void Reduce(jpeg_decompress_struct &jpeg, int enough) {
+    const unsigned side = std::max(jpeg.image_width, jpeg.image_height);
+    for (jpeg.scale_denom = 8; jpeg.scale_denom > 1; jpeg.scale_denom /= 2)
+        if (enough > 0 && side / jpeg.scale_denom >= unsigned(enough)) break;
+    jpeg_calc_output_dimensions(&jpeg);
+}
+
 bool Decode(JpegReader &reader, ByteView file, const Limits &limits, Picture &picture, Report &report) {
     jpeg_decompress_struct &jpeg = reader.jpeg;
     jpeg.err = Prepare(reader.errors, reader.warnings);
@@ -214,11 +222,12 @@ bool Decode(JpegReader &reader, ByteView file, const Limits &limits, Picture &pi
     jpeg_read_header(&jpeg, TRUE);
     if (!CheckSize(jpeg.image_width, jpeg.image_height, limits, report)) return false;
 
-    const int width = int(jpeg.image_width);
+    Reduce(jpeg, limits.enough);
+    const int width = int(jpeg.output_width);
     const bool grey = jpeg.jpeg_color_space == JCS_GRAYSCALE;
     const bool inks = jpeg.jpeg_color_space == JCS_CMYK || jpeg.jpeg_color_space == JCS_YCCK;
     jpeg.out_color_space = grey ? JCS_GRAYSCALE : inks ? JCS_CMYK : JCS_EXT_BGR;
-    if (!MakePicture(picture, width, int(jpeg.image_height), grey ? 8 : 24, false, report)) return false;
+    if (!MakePicture(picture, width, int(jpeg.output_height), grey ? 8 : 24, false, report)) return false;
     SetGreyRamp(picture.image);
     picture.metadata.icc = ReadProfile(jpeg);
     if (inks) {

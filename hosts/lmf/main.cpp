@@ -8,66 +8,18 @@
 
 #include "apply.h"
 #include "catalogue.h"
+#include "command_line.h"
 #include "console.h"
 #include "files.h"
 #include "listing.h"
 #include "picture_options.h"
 #include "progress.h"
+#include "recipe_commands.h"
 #include "sample.h"
 
 namespace lmf::host {
 
 namespace {
-
-using Arguments = std::vector<std::string>;
-
-// Points to the help of the command whose usage line is the app's name: "lmf apply FILTER IN OUT".
-std::string HelpHint(const CLI::App &app) {
-    const std::string &usage = app.get_name();
-    return ". See " + usage.substr(0, usage.find(' ', usage.find(' ') + 1)) + " --help";
-}
-
-// Reads the options of a command. What is no option is left in `rest` byte for byte: names of files pass no parser.
-// Gives true to go on; otherwise the program ends with `exitCode`.
-bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exitCode) {
-    app.allow_extras();
-    std::reverse(arguments.begin(), arguments.end());
-    try {
-        app.parse(arguments);
-    } catch (const CLI::ParseError &error) {
-        const bool help = error.get_exit_code() == 0;
-        exitCode = help ? kDone : kUsage;
-        if (help) {
-            Print(app.help());
-        } else {
-            Complain(error.what() + HelpHint(app));
-        }
-        return false;
-    }
-    bool optionsEnded = false;
-    for (const std::string &argument : app.remaining()) {
-        if (!optionsEnded && argument == "--") {
-            optionsEnded = true;
-        } else if (!optionsEnded && argument.size() > 1 && argument[0] == '-') {
-            Complain("there is no option " + Printable(argument) + HelpHint(app));
-            exitCode = kUsage;
-            return false;
-        } else {
-            rest.push_back(argument);
-        }
-    }
-    return true;
-}
-
-// Finds the filter of a command, or says which names are near.
-const Json *RequireFilter(const std::string &name) {
-    if (const Json *filter = FindFilter(name)) return filter;
-    std::vector<std::string> names;
-    for (const Json &filter : Catalogue()["filters"]) names.push_back(filter["name"]);
-    Complain("there is no filter \"" + Printable(name) + "\"" + Suggestion(name, names) +
-             " \"lmf list\" names them, \"lmf list WORD\" looks for one");
-    return nullptr;
-}
 
 // Prints the catalogue document with the filters of one category, or of all.
 int PrintCatalogue(const std::string &category) {
@@ -91,17 +43,7 @@ int List(const Arguments &arguments) {
     app.add_flag("--json", json, "Print the catalogue document");
     int exitCode = kDone;
     if (!ParseOptions(app, arguments, request.words, exitCode)) return exitCode;
-    const Json &categories = Catalogue()["categories"];
-    std::string all;
-    bool known = request.category.empty();
-    for (const Json &name : categories) {
-        all += (all.empty() ? "" : ", ") + name.get<std::string>();
-        known |= Normalized(name.get<std::string>()) == Normalized(request.category);
-    }
-    if (!known) {
-        Complain("there is no category \"" + Printable(request.category) + "\". The categories: " + all);
-        return kUsage;
-    }
+    if (!request.category.empty() && !RequireCategory(request.category)) return kUsage;
     if (json) {
         if (request.words.empty()) return PrintCatalogue(request.category);
         Complain("lmf list --json takes no words");
@@ -208,6 +150,11 @@ void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
         ->type_name("NAME=VALUE")
         ->trigger_on_parse();
     app.add_option_function<std::string>(
+           "--document", [&steps](const std::string &path) { steps.back().document = path; },
+           "A document with settings of the filter before it")
+        ->type_name("FILE")
+        ->trigger_on_parse();
+    app.add_option_function<std::string>(
            "--then",
            [&steps, &names](const std::string &name) {
                names.push_back(name);
@@ -243,8 +190,9 @@ void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
 // Finds the filters of a chain.
 bool FindSteps(ApplyRequest &request, const Arguments &names) {
     for (size_t i = 0; i < names.size(); ++i) {
-        request.settings.steps[i].filter = RequireFilter(names[i]);
-        if (!request.settings.steps[i].filter) return false;
+        const Json *&filter = request.settings.steps[i].filter;
+        if (!filter) filter = RequireFilter(names[i]);
+        if (!filter) return false;
     }
     return true;
 }
@@ -256,17 +204,24 @@ int ApplyCommand(const Arguments &arguments) {
                  "lmf apply FILTER [--then FILTER]... IN OUT | lmf apply FILTER --out-dir DIR IN...");
     ApplyRequest request;
     Arguments names(1);
+    RecipeChoice recipe;
     AddApplyOptions(app, request, names);
+    AddRecipeOptions(app, recipe);
     Arguments rest;
     int exitCode = kDone;
     if (!ParseOptions(app, arguments, rest, exitCode)) return exitCode;
-    if (rest.empty()) {
+    if (app.count("--recipe") > 0) {
+        exitCode = TakeRecipe(recipe, request.quiet, request.settings.steps[0]);
+        if (exitCode != kDone) return exitCode;
+    } else if (rest.empty()) {
         Complain("name a filter. See lmf apply --help");
         return kUsage;
+    } else {
+        names[0] = rest[0];
+        rest.erase(rest.begin());
     }
-    names[0] = rest[0];
     if (!FindSteps(request, names)) return kUsage;
-    request.inputs.assign(rest.begin() + 1, rest.end());
+    request.inputs = rest;
     if (app.count("--out-dir") == 0) {
         if (request.inputs.size() != 2) {
             Complain("give one input and one output, or --out-dir and any number of inputs");
@@ -334,6 +289,9 @@ constexpr Command kCommands[] = {
     {"show", "show a filter's settings", Show},
     {"info", "tell what a picture file holds", Info},
     {"sample", "draw a picture to try filters on", SampleCommand},
+    {"recipes", "list the recipes", RecipesCommand},
+    {"sheet", "draw what recipes or filters make of a picture", SheetCommand},
+    {"save", "write a document with a filter's settings", SaveCommand},
     {"settings", "tell where the library keeps the user's settings", SettingsCommand},
 };
 
@@ -343,8 +301,12 @@ int Usage(bool asked) {
                        "  lmf apply FILTER --out-dir DIR IN...\n"
                        "  lmf list [WORD]... [--category C] [--all] [--json]\n"
                        "  lmf show FILTER [--json]\n"
+                       "  lmf apply --recipe NAME IN OUT\n"
                        "  lmf info PICTURE...\n"
                        "  lmf sample PICTURE\n"
+                       "  lmf recipes [--json]\n"
+                       "  lmf sheet IN OUT.png [--filters A,B,... | --category C]\n"
+                       "  lmf save FILTER [--set NAME=VALUE]... FILE\n"
                        "  lmf settings path\n"
                        "  lmf --version\n\n"
                        "Commands:\n";

@@ -17,6 +17,7 @@ namespace lmf::host {
 struct Limits {
     int64_t side = 100000;
     int64_t pixels = 268402689;
+    int enough = 0; // a longer side that will do: a decoder that is faster then may give less, but no less than it
     bool undamaged = false;   // damage that a decoder can mend is a failure
     bool regularOnly = false; // what is no regular file is refused: a pipe may keep its reader waiting for ever
 };

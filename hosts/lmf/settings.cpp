@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
 
 #include "console.h"
+#include "documents.h"
 #include "progress.h"
 #include "settings_file.h"
 #include "values.h"
@@ -24,7 +24,7 @@ struct Assigned {
 // The settings of one filter while they are put together: what was typed, and the boxes that it switches on.
 class StepSettings {
 public:
-    StepSettings(const Json &ofFilter, const SettingsFile &beginning) : filter(ofFilter), file(beginning) {}
+    StepSettings(const Json &ofFilter, StoredValues begun) : filter(ofFilter), beginning(std::move(begun)) {}
 
     // Takes one NAME=VALUE.
     bool Assign(const std::string &assignment, Report &report) {
@@ -43,7 +43,7 @@ public:
 
     // Sets what the typed settings need and nobody typed, and warns of those that do nothing all the same.
     void Settle(Report &report) {
-        const std::map<std::string, std::string> typed = values;
+        const StoredValues typed = values;
         for (const Assigned &one : assigned)
             if (!IsOff(one)) SwitchOn(*one.setting, typed);
         for (const Assigned &one : assigned) {
@@ -56,20 +56,17 @@ public:
     Step Finish() const {
         Step step;
         step.filter = &filter;
-        const auto addLine = [&](const std::string &key, const std::string &value) {
-            step.lines.append(key).append(" = ").append(value).append("\n");
-        };
-        for (const auto &[key, value] : file.values) addLine(key, value);
-        addLine("CurrentFilter", filter["row"].dump());
-        for (const auto &[key, value] : values) addLine(key, value);
+        step.values = beginning;
+        step.values["CurrentFilter"] = filter["row"].dump();
+        for (const auto &[key, value] : values) step.values[key] = value;
         step.readsClock = true;
         for (const Json &setting : filter["settings"]) {
             const std::string key = KeyOf(setting);
-            const auto value = values.find(key);
+            const auto value = step.values.find(key);
+            const bool isSet = value != step.values.end();
             if (setting["type"] == "font") step.readsClock = false; // texts may show the date
-            if (setting.value("unit", "") == "seed" && value == values.end() && !file.values.count(key))
-                step.seed = &setting;
-            if (setting.contains("within") && value != values.end())
+            if (setting.value("unit", "") == "seed" && !isSet) step.seed = &setting;
+            if (setting.contains("within") && isSet)
                 step.places.push_back({key, NameOf(setting), std::strtoll(value->second.c_str(), nullptr, 10),
                                        setting["within"] == "width"});
         }
@@ -93,7 +90,7 @@ private:
     }
 
     int64_t ValueOf(const Json &setting) const {
-        for (const auto *known : {&values, &file.values})
+        for (const StoredValues *known : {&values, &beginning})
             if (const auto value = known->find(KeyOf(setting)); value != known->end())
                 return std::strtoll(value->second.c_str(), nullptr, 10);
         const Json &value = setting["default"];
@@ -109,7 +106,7 @@ private:
         });
     }
 
-    void SwitchOn(const Json &setting, const std::map<std::string, std::string> &typed) {
+    void SwitchOn(const Json &setting, const StoredValues &typed) {
         for (const Json &need : NeedsOf(setting)) {
             const std::string key = need["key"];
             if (IsMet(need) || typed.count(key)) continue;
@@ -135,9 +132,9 @@ private:
     std::string FilterName() const { return filter["name"]; }
 
     const Json &filter;
-    const SettingsFile &file;
+    StoredValues beginning;
     std::vector<Assigned> assigned;
-    std::map<std::string, std::string> values; // stored, by key
+    StoredValues values;
 };
 
 int ReadBeginning(const std::string &path, SettingsFile &file) {
@@ -170,7 +167,13 @@ int MakeSteps(const SettingsRequest &request, std::vector<Step> &steps, Report &
         return kUsage;
     }
     for (const StepRequest &asked : request.steps) {
-        StepSettings settings(*asked.filter, file);
+        StoredValues beginning = file.values;
+        for (const auto &[key, value] : asked.beginning) beginning[key] = value;
+        if (!asked.document.empty() && !ReadDocument(asked.document, *asked.filter, beginning, report)) {
+            Complain(Printable(asked.document + ": " + report.error));
+            return kUnreadable;
+        }
+        StepSettings settings(*asked.filter, std::move(beginning));
         for (const std::string &assignment : asked.assignments) {
             if (settings.Assign(assignment, report)) continue;
             Complain(Printable(report.error));
@@ -183,10 +186,12 @@ int MakeSteps(const SettingsRequest &request, std::vector<Step> &steps, Report &
 }
 
 std::string LinesFor(const Step &step, const Grain &grain, const Bitmap &image, Report &report) {
-    std::string lines = step.lines;
-    const auto addLine = [&](const std::string &key, int64_t value) {
-        lines.append(key).append(" = ").append(std::to_string(value)).append("\n");
+    std::string lines;
+    const auto addText = [&](const std::string &key, const std::string &value) {
+        lines.append(key).append(" = ").append(value).append("\n");
     };
+    const auto addLine = [&](const std::string &key, int64_t value) { addText(key, std::to_string(value)); };
+    for (const auto &[key, value] : step.values) addText(key, value);
     for (const Place &place : step.places) {
         const int64_t end = place.across ? image.width : image.height;
         if (place.value <= end) continue;

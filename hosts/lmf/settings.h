@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,9 +13,14 @@
 
 namespace lmf::host {
 
+/// Values of settings as a settings file has them, by whole key.
+using StoredValues = std::map<std::string, std::string>;
+
 /// One filter as it was asked for.
 struct StepRequest {
     const Json *filter = nullptr;
+    StoredValues beginning;               // values of a recipe, over those of the settings file
+    std::string document;                 // a document whose values count over these, or empty
     std::vector<std::string> assignments; // NAME=VALUE
 };
 
@@ -34,7 +40,7 @@ struct Place {
 /// One filter with its settings, ready to run.
 struct Step {
     const Json *filter = nullptr;
-    std::string lines; // "Key = value" for all that is not the default
+    StoredValues values; // of all that is not the default, and "CurrentFilter"
     std::vector<Place> places;
     const Json *seed = nullptr; // the setting of a seed, where nothing sets it
     bool readsClock = false;    // for random numbers, and not for the date

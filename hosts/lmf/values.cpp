@@ -53,18 +53,6 @@ std::string ColorText(int64_t stored) {
     return text;
 }
 
-// Whether a line of settings gives the text back as it is: the reader skips blanks and '=' before a value, ends it at
-// the first control byte, and takes one line at a time.
-bool FitsLine(const std::string &key, const std::string &text, Report &report) {
-    for (const char c : text)
-        if (static_cast<unsigned char>(c) < 32) return report.Fail(key + ": a text cannot hold control characters");
-    if (!text.empty() && (text[0] == ' ' || text[0] == '='))
-        return report.Fail(key + ": a text cannot begin with a blank or \"=\"");
-    const size_t room = kLongestLine - key.size() - 3;
-    if (text.size() > room) return report.Fail(key + ": a text has at most " + std::to_string(room) + " bytes");
-    return true;
-}
-
 bool ParseBoolean(const std::string &given, std::string &stored) {
     for (const char *name : {"true", "yes", "on", "1"})
         if (EqualInAnyCase(given, name)) stored = "1";
@@ -172,6 +160,18 @@ bool ParseChoice(const Json &setting, const std::string &given, std::string &sto
 }
 
 } // namespace
+
+// The library's reader skips blanks and '=' before a value, ends it at the first control byte, and takes one line at a
+// time.
+bool FitsLine(const std::string &key, const std::string &text, Report &report) {
+    for (const char c : text)
+        if (static_cast<unsigned char>(c) < 32) return report.Fail(key + ": a text cannot hold control characters");
+    if (!text.empty() && (text[0] == ' ' || text[0] == '='))
+        return report.Fail(key + ": a text cannot begin with a blank or \"=\"");
+    const size_t room = kLongestLine - key.size() - 3;
+    if (text.size() > room) return report.Fail(key + ": a text has at most " + std::to_string(room) + " bytes");
+    return true;
+}
 
 bool ParseColor(const std::string &given, std::string &stored, Report &report) {
     const std::optional<int64_t> color = StoredColor(given);

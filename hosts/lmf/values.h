@@ -18,6 +18,9 @@ enum class Manner {
 [[nodiscard]] bool ParseValue(const Json &setting, const std::string &given, Manner manner, std::string &stored,
                               Report &report);
 
+/// Whether a line of settings gives a text back as it is: lines are short, and begin and end in their own ways.
+[[nodiscard]] bool FitsLine(const std::string &key, const std::string &text, Report &report);
+
 /// Turns #RRGGBB, RRGGBB or the name of a color into the stored number.
 [[nodiscard]] bool ParseColor(const std::string &given, std::string &stored, Report &report);
 
