@@ -92,10 +92,14 @@ std::string DescribeFailure(const Json &filter, const FilterOutcome &outcome, co
                                                   : text + DestinationAdvice(filter, outcome.errorCode);
 }
 
-// Whether the filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors tell.
-bool MayTake(const Json &filter, int bits, Report &report) {
+// Whether the first filter may take a picture of so many bits. 8 bits are grey or a palette, which only their colors
+// tell, and all that is no true color can become it.
+bool MayTake(const Job &job, int bits, Report &report) {
+    const Json &filter = *job.steps[0].filter;
     const char *mode = bits > 8 ? "true color" : bits == 1 ? "mono" : "palette";
-    return bits == 8 || Accepts(filter, mode) || report.Fail(DescribeMode(filter, mode, LMF_ERROR_UNSUPPORTED));
+    if (bits == 8 || Accepts(filter, mode)) return true;
+    if (bits < 8 && !job.treatment.strictDepth && Accepts(filter, "true color")) return true;
+    return report.Fail(DescribeMode(filter, mode, LMF_ERROR_UNSUPPORTED));
 }
 
 // Runs the steps over the picture, each over what the one before it made.
@@ -103,7 +107,7 @@ bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &repo
     for (const Step &step : job.steps) {
         const FilterCall call = {LinesFor(step, grain, picture.image, report), &job.clipboard, &job.limits,
                                  job.destinations, ClockFor(step, grain)};
-        const FilterOutcome filtered = ApplyFilter(job.library, call, picture, report);
+        const FilterOutcome filtered = RunFilter(job.library, *step.filter, call, job.treatment, picture, report);
         if (!filtered.done) return report.Fail(DescribeFailure(*step.filter, filtered, picture, job.library));
     }
     return true;
@@ -116,8 +120,9 @@ ExitCode RunTask(const Job &job, const Task &task, TaskOutcome &outcome, Report 
         return kDone;
     }
     bool taken = true;
-    picture.accepts = [&](int bits, Report &why) { return taken = MayTake(*job.steps[0].filter, bits, why); };
+    picture.accepts = [&](int bits, Report &why) { return taken = MayTake(job, bits, why); };
     if (!ReadPicture(task.input, job.limits, picture, report)) return taken ? kUnreadable : kFilterFailed;
+    if (job.treatment.upright && !TurnUpright(picture, report)) return kUnreadable;
     const auto start = std::chrono::steady_clock::now();
     const bool filtered = RunSteps(job, task.grain, picture, report);
     outcome.filterSeconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
@@ -242,7 +247,9 @@ int Apply(const ApplyRequest &request) {
     std::vector<Task> tasks;
     Job job;
     job.limits = request.limits;
+    job.limits.regularOnly = !request.folder.empty();
     job.encoding = request.encoding;
+    job.treatment = request.treatment;
     job.skipExisting = request.skipExisting;
     if (!request.extension.empty()) job.codec = CodecForName("x." + request.extension);
     if (!CanRun(request, report) || !PlanTasks(request, tasks, report)) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "console.h"
+#include "filter_run.h"
 #include "library.h"
 #include "picture.h"
 #include "settings.h"
@@ -22,6 +23,7 @@ struct ApplyRequest {
     std::optional<int64_t> seed; // of all random numbers
     Limits limits;
     Encoding encoding;
+    Treatment treatment;
     bool skipExisting = false;
     bool json = false;
     bool quiet = false;
@@ -36,6 +38,7 @@ struct Job {
     std::string destinations;     // file of the list that one of the steps needs, or empty
     Limits limits;
     Encoding encoding;
+    Treatment treatment;
     bool skipExisting = false;
 };
 

@@ -191,11 +191,13 @@ bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report)
     const bool read = shape.compression == kPlain ? ReadPlain(file, shape, picture, report)
                                                   : ReadRuns(file, shape, picture.image, report);
     if (!read) return false;
+    if (shape.headerBytes >= 40 && U32(file, 38) > 0)
+        picture.metadata.density = {double(U32(file, 38)), double(U32(file, 42)), true};
     if (shape.headerBytes >= kV5Header && U32(file, kFileHeader + 56) == kEmbeddedProfile) {
         const size_t at = kFileHeader + size_t(U32(file, kFileHeader + 112));
         const size_t size = U32(file, kFileHeader + 116);
         if (at <= file.size() && size <= file.size() - at)
-            picture.icc.assign(file.begin() + std::ptrdiff_t(at), file.begin() + std::ptrdiff_t(at + size));
+            picture.metadata.icc.assign(file.begin() + std::ptrdiff_t(at), file.begin() + std::ptrdiff_t(at + size));
     }
     return true;
 }
@@ -209,18 +211,18 @@ void Put32(uint8_t *out, uint64_t value) {
     Put16(out + 2, uint32_t(value >> 16));
 }
 
-bool Write(std::FILE *file, const Picture &picture, const Encoding &, Report &report) {
+bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, const Encoding &, Report &report) {
     const Bitmap &image = picture.image;
-    if (!picture.exif.empty()) report.Warn("BMP holds no EXIF data; it is left out");
+    const Bytes &icc = metadata.icc;
     const bool alpha = HasAlpha(picture);
-    const bool withProfile = CarriesProfile(picture, HasGreyPalette(image), report);
+    const bool withProfile = CarriesProfile(metadata, HasGreyPalette(image), SIZE_MAX, report);
     const uint32_t bits = alpha ? 32 : uint32_t(image.bits);
     const uint32_t colors = alpha ? 0 : uint32_t(image.Colors());
     const uint32_t headerBytes = alpha || withProfile ? kV5Header : 40;
     const size_t stride = (size_t(image.width) * bits + 31) / 32 * 4;
     const uint64_t pixelBytes = uint64_t(stride) * unsigned(image.height);
     const uint32_t offset = uint32_t(kFileHeader) + headerBytes + 4 * colors;
-    const uint64_t total = offset + pixelBytes + (withProfile ? picture.icc.size() : 0);
+    const uint64_t total = offset + pixelBytes + (withProfile ? icc.size() : 0);
     if (total > 0xFFFFFFFFu) return report.Fail("the result is larger than a BMP file can be");
 
     uint8_t head[kFileHeader + kV5Header] = {'B', 'M'};
@@ -234,6 +236,10 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &, Report &re
     Put16(info + 14, bits);
     Put32(info + 16, alpha ? kBitFields : kPlain);
     Put32(info + 20, pixelBytes);
+    if (metadata.density.absolute) {
+        Put32(info + 24, uint64_t(metadata.density.x + 0.5));
+        Put32(info + 28, uint64_t(metadata.density.y + 0.5));
+    }
     Put32(info + 32, colors);
     Put32(info + 36, colors);
     if (alpha) {
@@ -247,7 +253,7 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &, Report &re
         Put32(info + 56, withProfile ? kEmbeddedProfile : kSrgb);
         Put32(info + 108, 4); // rendering intent: pictures
         Put32(info + 112, withProfile ? offset - kFileHeader + pixelBytes : 0);
-        Put32(info + 116, withProfile ? picture.icc.size() : 0);
+        Put32(info + 116, withProfile ? icc.size() : 0);
     }
     bool written = std::fwrite(head, 1, kFileHeader + headerBytes, file) == kFileHeader + headerBytes;
     written = written && std::fwrite(image.Palette(), 4, colors, file) == colors;
@@ -256,13 +262,12 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &, Report &re
         if (alpha) FillRow(picture, Layout::kColorAlpha, Order::kBgr, y, row.data());
         written = std::fwrite(alpha ? row.data() : image.Row(y), 1, stride, file) == stride;
     }
-    if (withProfile)
-        written = written && std::fwrite(picture.icc.data(), 1, picture.icc.size(), file) == picture.icc.size();
+    if (withProfile) written = written && std::fwrite(icc.data(), 1, icc.size(), file) == icc.size();
     return written || report.Fail("the file could not be written");
 }
 
 } // namespace
 
-const Codec kBmp = {"BMP", ";bmp;dib;", 0x7FFFFFFF, Recognises, Read, Write};
+const Codec kBmp = {"BMP", ";bmp;dib;", 0x7FFFFFFF, kHoldsDensity, kObeysLossless, Recognises, Read, Write};
 
 } // namespace lmf::host

@@ -41,6 +41,21 @@ std::FILE *OpenInput(const std::string &path) {
     return path == kStandardStream ? fdopen(dup(STDIN_FILENO), "rb") : std::fopen(path.c_str(), "rbe");
 }
 
+// Replaces a name by that of the file that its links lead to, which need not be there yet. Fails for a loop.
+bool FollowLinks(std::string &path) {
+    constexpr int kMostLinks = 40;
+    for (int i = 0; i < kMostLinks; ++i) {
+        char next[PATH_MAX];
+        const ssize_t length = readlink(path.c_str(), next, sizeof next);
+        if (length < 0) return errno == EINVAL || errno == ENOENT; // no link, or nothing yet
+        const std::string to(next, size_t(length));
+        const size_t slash = path.rfind('/');
+        path = to.starts_with('/') || slash == std::string::npos ? to : path.substr(0, slash + 1) + to;
+    }
+    errno = ELOOP;
+    return false;
+}
+
 // Hands what a file holds to standard output.
 bool CopyToStandardOutput(std::FILE *file) {
     char buffer[1 << 16];
@@ -57,11 +72,15 @@ std::string SystemError() {
     return std::strerror(errno);
 }
 
-bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report) {
+bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report,
+              bool regularOnly) {
+    struct stat state;
+    // Before it is opened: a pipe that nobody writes to would never open.
+    if (regularOnly && path != kStandardStream && stat(path.c_str(), &state) == 0 && !S_ISREG(state.st_mode))
+        return report.Fail(S_ISDIR(state.st_mode) ? "this is a folder" : "this is no regular file");
     std::FILE *file = OpenInput(path);
     if (!file) return report.Fail(SystemError());
     const FileCloser closer{file};
-    struct stat state;
     if (fstat(fileno(file), &state) == 0 && S_ISDIR(state.st_mode)) return report.Fail("this is a folder");
     bytes.resize(kStartBytes);
     size_t filled = std::fread(bytes.data(), 1, kStartBytes, file);
@@ -96,15 +115,14 @@ bool OutputFile::Open(const std::string &path, Report &report) {
         file = descriptor < 0 ? nullptr : fdopen(descriptor, "w+b");
         return file || report.Fail(SystemError());
     }
-    if (char *real = realpath(path.c_str(), nullptr)) {
-        target = real;
-        std::free(real);
-    }
+    if (!FollowLinks(target)) return report.Fail(SystemError());
     struct stat state;
     mode_t mode = 0;
-    if (stat(target.c_str(), &state) == 0) {
+    const bool there = stat(target.c_str(), &state) == 0;
+    if (there) {
         if (!S_ISREG(state.st_mode)) return report.Fail("something that is not a file has this name");
         if (access(target.c_str(), W_OK) != 0) return report.Fail(SystemError());
+        if (state.st_nlink > 1) report.Warn("the file's other names keep the old picture");
         mode = state.st_mode & 0777;
     } else {
         const mode_t mask = umask(0);
@@ -119,6 +137,10 @@ bool OutputFile::Open(const std::string &path, Report &report) {
         return report.Fail(SystemError());
     }
     Remember(gOpenOutput, temporary);
+    // The file stays its owner's and its group's, as far as this user may give it away.
+    if (there && fchown(descriptor, state.st_uid, state.st_gid) != 0 &&
+        fchown(descriptor, uid_t(-1), state.st_gid) != 0)
+        report.Warn("the file belongs to another user and group than before");
     (void)fchmod(descriptor, mode);
     file = fdopen(descriptor, "w+b");
     if (!file) {

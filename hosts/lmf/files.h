@@ -14,9 +14,9 @@ namespace lmf::host {
 inline constexpr std::string_view kStandardStream = "-";
 
 /// Reads a whole file, or standard input. `recognise` sees its first bytes (at most 64) and ends the read by giving
-/// false.
+/// false. What is no regular file, a pipe say, is refused if `regularOnly`.
 [[nodiscard]] bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes,
-                            Report &report);
+                            Report &report, bool regularOnly = false);
 
 /// A file that is written under another name beside its target and takes the target's place on Commit.
 /// Without Commit, nothing of it stays. The target's permissions and, for a symbolic link, the link are kept.

@@ -9,8 +9,8 @@
 #include "apply.h"
 #include "catalogue.h"
 #include "console.h"
-#include "exif.h"
 #include "listing.h"
+#include "picture_options.h"
 #include "progress.h"
 
 namespace lmf::host {
@@ -55,17 +55,6 @@ bool ParseOptions(CLI::App &app, Arguments arguments, Arguments &rest, int &exit
         }
     }
     return true;
-}
-
-void AddLimits(CLI::App &app, Limits &limits) {
-    app.add_option("--max-side", limits.side, "Largest width or height to read, in pixels")
-        ->check(CLI::Range(int64_t{1}, int64_t{0x7FFFFFFF}).description(""))
-        ->type_name("N")
-        ->capture_default_str();
-    app.add_option("--max-pixels", limits.pixels, "Largest number of pixels to read")
-        ->check(CLI::Range(int64_t{1}, int64_t{0xFFFFFFFF}).description(""))
-        ->type_name("N")
-        ->capture_default_str();
 }
 
 // Finds the filter of a command, or says which names are near.
@@ -146,7 +135,7 @@ int Show(const Arguments &arguments) {
     return kDone;
 }
 
-Json DescribePicture(const std::string &path, const Picture &picture) {
+Json DescribePicture(const std::string &path, const Picture &picture, Report &report) {
     Json entry;
     entry["file"] = path;
     entry["format"] = picture.codec->name;
@@ -155,9 +144,12 @@ Json DescribePicture(const std::string &path, const Picture &picture) {
     entry["bits"] = picture.image.bits;
     entry["mode"] = ModeName(picture.image);
     entry["alpha"] = HasAlpha(picture);
-    entry["iccBytes"] = picture.icc.size();
-    entry["exifBytes"] = picture.exif.size();
-    entry["orientation"] = ExifOrientation(picture.exif);
+    if (picture.fileBits > 0) entry["fileBits"] = picture.fileBits;
+    entry["iccBytes"] = picture.metadata.icc.size();
+    entry["exifBytes"] = picture.metadata.exif.size();
+    entry["xmpBytes"] = picture.metadata.xmp.size();
+    entry["iptcBytes"] = picture.metadata.iptc.size();
+    entry["orientation"] = ExifOrientation(picture.metadata.exif, report);
     return entry;
 }
 
@@ -166,7 +158,7 @@ int Info(const Arguments &arguments) {
     bool json = false;
     Limits limits;
     app.add_flag("--json", json, "Print JSON");
-    AddLimits(app, limits);
+    AddReadingOptions(app, limits);
     Arguments rest;
     int exitCode = kDone;
     if (!ParseOptions(app, arguments, rest, exitCode)) return exitCode;
@@ -184,15 +176,18 @@ int Info(const Arguments &arguments) {
             continue;
         }
         for (const std::string &warning : report.warnings) Complain(Printable(path) + ": warning: " + warning);
-        document.push_back(DescribePicture(path, picture));
+        document.push_back(DescribePicture(path, picture, report));
         if (json) continue;
         const Json &entry = document.back();
         std::string text = Printable(path) + ": " + picture.codec->name + ", " + std::to_string(picture.image.width) +
                            " x " + std::to_string(picture.image.height) + ", " + std::to_string(picture.image.bits) +
                            " bits, " + ModeName(picture.image);
+        if (picture.fileBits > 0) text += " (" + std::to_string(picture.fileBits) + " bits a channel in the file)";
         if (HasAlpha(picture)) text += ", alpha";
-        if (!picture.icc.empty()) text += ", ICC profile";
-        if (!picture.exif.empty()) text += ", EXIF";
+        if (!picture.metadata.icc.empty()) text += ", ICC profile";
+        if (!picture.metadata.exif.empty()) text += ", EXIF";
+        if (!picture.metadata.xmp.empty()) text += ", XMP";
+        if (!picture.metadata.iptc.empty()) text += ", IPTC";
         if (entry["orientation"] != 0) text += ", orientation " + entry["orientation"].dump();
         Print(text + "\n");
     }
@@ -219,7 +214,8 @@ void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
            "A further filter, run over the result of the one before it")
         ->type_name("FILTER")
         ->trigger_on_parse();
-    app.add_option("--paper", request.settings.paper, "The paper color, #RRGGBB or a name")->type_name("COLOR");
+    app.add_option("--paper", request.settings.paper, "The paper color, #RRGGBB, a name, or transparent")
+        ->type_name("COLOR");
     app.add_option("--settings-from", request.settings.fromFile, "Begin with the settings of an ini file")
         ->type_name("FILE");
     app.add_option("--seed", request.seed, "Where random numbers start: the same N gives the same grain")
@@ -232,12 +228,8 @@ void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
     app.add_option("--format", request.extension, "Write png, jpg, tif, webp or bmp, whatever the name ends in")
         ->type_name("FORMAT");
     app.add_flag("--skip-existing", request.skipExisting, "Leave pictures alone whose result is there already");
-    app.add_option("--quality", request.encoding.quality, "Quality of JPEG and WebP, 1 to 100")
-        ->check(CLI::Range(1, 100).description(""))
-        ->type_name("N")
-        ->capture_default_str();
-    app.add_flag("--lossless", request.encoding.lossless, "Write WebP without loss");
-    AddLimits(app, request.limits);
+    AddReadingOptions(app, request.limits);
+    AddWritingOptions(app, request.encoding, request.treatment);
     app.add_option("--library", request.library, "The filter library, if not the one beside this program")
         ->type_name("FILE");
     app.add_flag("--json", request.json, "Print a line of JSON for each picture when it is done");
@@ -289,6 +281,7 @@ int ApplyCommand(const Arguments &arguments) {
         Complain("--format takes png, jpg, tif, webp or bmp");
         return kUsage;
     }
+    TakePaper(request.settings.paper, request.treatment);
     return Apply(request);
 }
 

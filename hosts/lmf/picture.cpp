@@ -27,7 +27,24 @@ uint8_t AlphaAt(const Picture &picture, const uint8_t *imageRow, const uint8_t *
     return picture.image.bits == 32 ? imageRow[4 * x + 3] : 255;
 }
 
+// Says which of the wishes the format has no ear for.
+void TellUnheard(const Encoding &encoding, const Codec &codec, Report &report) {
+    const auto tell = [&](bool asked, unsigned kind, const char *option) {
+        if (asked && !(codec.obeys & kind)) report.Warn(std::string(option) + " has no effect on " + codec.name);
+    };
+    tell(encoding.quality > 0, kObeysQuality, "--quality");
+    tell(encoding.chroma != Chroma::kKeep, kObeysJpeg, "--chroma");
+    tell(encoding.progressive, kObeysJpeg, "--progressive");
+    tell(encoding.lossless, kObeysLossless, "--lossless");
+    tell(encoding.compression >= 0, kObeysCompression, "--compression");
+}
+
 } // namespace
+
+void Report::WarnOfDamage(const std::string &text) {
+    if (damage.empty()) damage = text;
+    Warn("the file is damaged: " + text);
+}
 
 bool Report::Fail(std::string text) {
     error = std::move(text);
@@ -208,12 +225,26 @@ bool CheckSize(int64_t width, int64_t height, const Limits &limits, Report &repo
     return true;
 }
 
-bool CarriesProfile(const Picture &picture, bool grey, Report &report) {
-    if (picture.icc.empty()) return false;
+bool CarriesProfile(const Metadata &metadata, bool grey, size_t longest, Report &report) {
+    const Bytes &icc = metadata.icc;
+    if (icc.empty()) return false;
     // Bytes 16 to 19 of a profile name its colour space.
-    if (picture.icc.size() >= 128 && std::memcmp(picture.icc.data() + 16, grey ? "GRAY" : "RGB ", 4) == 0) return true;
-    report.Warn("the color profile does not fit the result and is left out");
+    const bool fits = icc.size() >= 128 && std::memcmp(icc.data() + 16, grey ? "GRAY" : "RGB ", 4) == 0;
+    if (fits && icc.size() <= longest) return true;
+    report.Warn(fits ? "the color profile is too long for this format and is left out"
+                     : "the color profile does not fit the result and is left out");
     return false;
+}
+
+int QualityFor(const Picture &picture, const Encoding &encoding) {
+    constexpr int kUsual = 92;
+    if (encoding.quality > 0) return encoding.quality;
+    return picture.jpeg.quality > 0 ? picture.jpeg.quality : kUsual;
+}
+
+void TellSixteenBits(Picture &picture, Report &report) {
+    picture.fileBits = 16;
+    report.Warn("16 bits a channel become 8");
 }
 
 const Codec *CodecForName(const std::string &path) {
@@ -236,9 +267,13 @@ bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture
             if (!codec && candidate->recognises(start)) codec = candidate;
         return codec != nullptr;
     };
-    if (!ReadFile(path, recognise, file, report)) return false;
+    if (!ReadFile(path, recognise, file, report, limits.regularOnly)) return false;
     picture.codec = codec;
-    return codec->read(file, limits, picture, report);
+    if (!codec->read(file, limits, picture, report)) return false;
+    if (limits.undamaged && !report.damage.empty()) return report.Fail("the file is damaged: " + report.damage);
+    picture.readWidth = picture.image.width;
+    picture.readHeight = picture.image.height;
+    return true;
 }
 
 bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture, const Encoding &encoding,
@@ -249,8 +284,15 @@ bool WritePicture(const std::string &path, const Codec *codec, const Picture &pi
     if (side > codec->longestSide)
         return report.Fail(std::string(codec->name) + " holds at most " + std::to_string(codec->longestSide) +
                            " pixels a side, and the result has " + std::to_string(side));
+    TellUnheard(encoding, *codec, report);
+    Metadata metadata = picture.metadata;
+    if (encoding.strip) StripMetadata(metadata, report);
+    const Bitmap &image = picture.image;
+    const bool resized = image.width != picture.readWidth || image.height != picture.readHeight;
+    const Described described = {image.width, image.height, resized, HasGreyPalette(image)};
+    metadata = FitMetadata(std::move(metadata), described, codec->holds, codec->name, report);
     OutputFile output;
-    if (!output.Open(path, report) || !codec->write(output.file, picture, encoding, report)) return false;
+    if (!output.Open(path, report) || !codec->write(output.file, picture, metadata, encoding, report)) return false;
     return output.Commit(report);
 }
 

@@ -4,39 +4,39 @@
 #include <cstdint>
 #include <cstdio>
 #include <functional>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "lmf16block.h"
+#include "metadata.h"
+#include "report.h"
 
 namespace lmf::host {
-
-using Bytes = std::vector<uint8_t>;
-using ByteView = std::span<const uint8_t>;
-
-/// What a reader or writer has to say: the error that ended it, and what was left out on the way.
-struct Report {
-    std::string error;
-    std::vector<std::string> warnings;
-
-    /// Sets the error and gives false, so that a failure is one `return report.Fail(...)`.
-    bool Fail(std::string text);
-    /// Adds a warning, unless it was given already.
-    void Warn(std::string text);
-};
 
 /// What a picture may be at most. Tested with the size in the file's header, before anything is allocated.
 struct Limits {
     int64_t side = 100000;
     int64_t pixels = 268402689;
+    bool undamaged = false;   // damage that a decoder can mend is a failure
+    bool regularOnly = false; // what is no regular file is refused: a pipe may keep its reader waiting for ever
 };
 
-/// How strongly the formats with a loss compress.
+/// How finely a JPEG file keeps the colours beside the brightness: every pixel's, every second column's, or every
+/// second column's and row's.
+enum class Chroma { kKeep, k444, k422, k420 };
+
+/// How a format writes what it leaves to the writer.
 struct Encoding {
-    int quality = 92;      // 1 to 100
-    bool lossless = false; // WebP only
+    int quality = 0; // 1 to 100; 0: as the input where that is a JPEG file, else 92
+    Chroma chroma = Chroma::kKeep;
+    bool progressive = false; // JPEG only
+    bool lossless = false;    // WebP only
+    int compression = -1;     // PNG only, 0 to 9; -1: the usual
+    bool strip = false;       // no metadata but colours and orientation
 };
+
+/// What a format may let be chosen; of these a codec's `obeys` is made.
+enum Obeys : unsigned { kObeysQuality = 1, kObeysJpeg = 2, kObeysLossless = 4, kObeysCompression = 8 };
 
 /// Owns one packed bitmap block (see lmf16filter.h) and keeps it locked while it lives.
 struct Bitmap {
@@ -86,14 +86,24 @@ void IndexRow(const Bitmap &bitmap, int y, uint8_t *out);
 
 struct Codec;
 
+/// How a JPEG file was compressed.
+struct JpegStyle {
+    int quality = 0;            // nearest step of the usual scale; 0: there was no such file
+    int tables = 0;             // 1, or 2 with one for the colours
+    uint16_t steps[2][64] = {}; // the tables, in natural order
+    int across = 1, down = 1;   // pixels to a sample of colour
+};
+
 struct Picture {
     Bitmap image;
     Bitmap alpha; // 8-bit grey of the image's size, or empty
-    Bytes icc;
-    Bytes exif;                   // begins with its "II" or "MM"
+    Metadata metadata;
+    JpegStyle jpeg;
     const Codec *codec = nullptr; // of the file that it was read from
     /// Asked, if set, by MakePicture whether a picture of so many bits is of any use, before its pixels are decoded.
     std::function<bool(int bits, Report &report)> accepts;
+    int fileBits = 0; // a channel, where the file has more than the bitmap can; else 0
+    int readWidth = 0, readHeight = 0;
 };
 
 /// How a file lays out its pixels when it does not store the indices of a palette.
@@ -120,17 +130,28 @@ void SplitAlphaRow(Picture &picture, int y, int samples, const uint8_t *row);
 /// Fails when a size from a file's header is not positive or beyond the limits.
 [[nodiscard]] bool CheckSize(int64_t width, int64_t height, const Limits &limits, Report &report);
 
-/// Whether the picture has a profile that a file in grey or in colour can carry; warns when it has to be left out.
-[[nodiscard]] bool CarriesProfile(const Picture &picture, bool grey, Report &report);
+/// Whether there is a profile that a file in grey or in colour can carry, of at most `longest` bytes; warns when it has
+/// to be left out.
+[[nodiscard]] bool CarriesProfile(const Metadata &metadata, bool grey, size_t longest, Report &report);
+
+/// Gives the quality to write with, 1 to 100.
+int QualityFor(const Picture &picture, const Encoding &encoding);
+
+/// Says that the 16 bits of a channel have become 8.
+void TellSixteenBits(Picture &picture, Report &report);
 
 /// One picture file format.
 struct Codec {
     const char *name;
     const char *extensions; // each with a leading and a closing semicolon, small letters
     int longestSide;        // that the format can hold
+    unsigned holds;         // of metadata, see Holds
+    unsigned obeys;         // of what an Encoding asks for, see Obeys
     bool (*recognises)(ByteView start);
     bool (*read)(ByteView file, const Limits &limits, Picture &picture, Report &report);
-    bool (*write)(std::FILE *file, const Picture &picture, const Encoding &encoding, Report &report);
+    /// `metadata` is what the format can hold of the picture's.
+    bool (*write)(std::FILE *file, const Picture &picture, const Metadata &metadata, const Encoding &encoding,
+                  Report &report);
 };
 
 extern const Codec kPng;

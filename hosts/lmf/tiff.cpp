@@ -1,19 +1,21 @@
 // TIFF through libtiff. Grey, palettes and RGB keep their depth; other color models become 24-bit.
 #include <tiffio.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdarg>
 #include <cstring>
 #include <memory>
 
-#include "exif.h"
 #include "picture.h"
 
 namespace lmf::host {
 
 namespace {
 
-constexpr tmsize_t kLargestChunk = tmsize_t{1} << 32;
+constexpr tmsize_t kLargestAllocation = tmsize_t{1} << 32;
+constexpr tmsize_t kLargestTile = tmsize_t{128} << 20;
+constexpr size_t kMostWarnings = 4;
 
 struct MemoryFile {
     ByteView bytes;
@@ -79,24 +81,35 @@ int NoMap(thandle_t, void **, toff_t *) {
     return 0;
 }
 
+struct TiffMessages {
+    std::string error;
+    std::vector<std::string> warnings;
+};
+
 // Keeps the first error: those after it follow from it.
 int OnError(TIFF *, void *user, const char *, const char *format, va_list arguments) {
-    auto *error = static_cast<std::string *>(user);
+    std::string &error = static_cast<TiffMessages *>(user)->error;
     char text[256];
     std::vsnprintf(text, sizeof text, format, arguments);
-    if (error->empty()) *error = text;
-    return 1;
-}
-int OnWarning(TIFF *, void *, const char *, const char *, va_list) {
+    if (error.empty()) error = text;
     return 1;
 }
 
-std::unique_ptr<TIFFOpenOptions, TiffCloser> MakeOptions(std::string &error) {
+// Tags that only other programs know are no damage.
+int OnWarning(TIFF *, void *user, const char *, const char *format, va_list arguments) {
+    std::vector<std::string> &warnings = static_cast<TiffMessages *>(user)->warnings;
+    char text[256];
+    std::vsnprintf(text, sizeof text, format, arguments);
+    if (warnings.size() < kMostWarnings && !std::strstr(text, "Unknown field")) warnings.push_back(text);
+    return 1;
+}
+
+std::unique_ptr<TIFFOpenOptions, TiffCloser> MakeOptions(TiffMessages &messages) {
     std::unique_ptr<TIFFOpenOptions, TiffCloser> options(TIFFOpenOptionsAlloc());
     if (!options) return options;
-    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), OnError, &error);
-    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), OnWarning, nullptr);
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kLargestChunk);
+    TIFFOpenOptionsSetErrorHandlerExtR(options.get(), OnError, &messages);
+    TIFFOpenOptionsSetWarningHandlerExtR(options.get(), OnWarning, &messages);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options.get(), kLargestAllocation);
     return options;
 }
 
@@ -214,41 +227,48 @@ void StoreRow(const TiffShape &shape, const Picture &picture, int plane, int y, 
         StoreSamples(picture, separate ? plane : s, y, x, count, samples.data() + s, perPixel);
 }
 
-// Reads strips or tiles; a strip is a tile as wide as the picture.
-bool ReadChunks(TIFF *tiff, const TiffShape &shape, Picture &picture) {
-    const bool tiled = TIFFIsTiled(tiff);
-    uint32_t chunkWidth = shape.width;
-    uint32_t chunkHeight = 0;
-    if (tiled) {
-        TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &chunkWidth);
-        TIFFGetField(tiff, TIFFTAG_TILELENGTH, &chunkHeight);
-    } else {
-        TIFFGetFieldDefaulted(tiff, TIFFTAG_ROWSPERSTRIP, &chunkHeight);
+int PlanesOf(const TiffShape &shape) {
+    return shape.planar == PLANARCONFIG_SEPARATE ? std::min<int>(shape.samples, shape.Colors() + 1) : 1;
+}
+
+// Reads row by row: a strip may be as long as the picture, and hold far more than is kept of it.
+bool ReadRows(TIFF *tiff, const TiffShape &shape, Picture &picture) {
+    const tmsize_t rowBytes = TIFFScanlineSize(tiff);
+    if (rowBytes <= 0) return false;
+    Bytes row(static_cast<size_t>(rowBytes));
+    Bytes samples(size_t(shape.width) * (shape.planar == PLANARCONFIG_SEPARATE ? 1 : shape.samples));
+    for (int plane = 0; plane < PlanesOf(shape); ++plane) {
+        for (uint32_t y = 0; y < shape.height; ++y) {
+            if (TIFFReadScanline(tiff, row.data(), y, uint16_t(plane)) != 1) return false;
+            StoreRow(shape, picture, plane, int(y), 0, int(shape.width), row.data(), samples);
+        }
     }
-    const tmsize_t chunkBytes = tiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
-    const tmsize_t rowBytes = tiled ? TIFFTileRowSize(tiff) : TIFFScanlineSize(tiff);
-    if (chunkWidth == 0 || chunkHeight == 0 || chunkBytes <= 0 || rowBytes <= 0 || chunkBytes > kLargestChunk)
-        return false;
-    const bool separate = shape.planar == PLANARCONFIG_SEPARATE;
-    const int perPixel = separate ? 1 : shape.samples;
-    const int planes = separate ? std::min<int>(shape.samples, shape.Colors() + 1) : 1;
-    Bytes chunk(static_cast<size_t>(chunkBytes));
-    Bytes samples(size_t(std::min(chunkWidth, shape.width)) * size_t(perPixel));
-    for (int plane = 0; plane < planes; ++plane) {
-        for (uint64_t top = 0; top < shape.height; top += chunkHeight) {
-            for (uint64_t left = 0; left < shape.width; left += chunkWidth) {
+    return true;
+}
+
+bool ReadTiles(TIFF *tiff, const TiffShape &shape, Picture &picture) {
+    uint32_t tileWidth = 0;
+    uint32_t tileHeight = 0;
+    TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &tileWidth);
+    TIFFGetField(tiff, TIFFTAG_TILELENGTH, &tileHeight);
+    const tmsize_t tileBytes = TIFFTileSize(tiff);
+    const tmsize_t rowBytes = TIFFTileRowSize(tiff);
+    if (tileWidth == 0 || tileHeight == 0 || tileBytes <= 0 || rowBytes <= 0) return false;
+    Bytes tile(static_cast<size_t>(tileBytes));
+    Bytes samples(size_t(std::min(tileWidth, shape.width)) *
+                  (shape.planar == PLANARCONFIG_SEPARATE ? 1 : shape.samples));
+    for (int plane = 0; plane < PlanesOf(shape); ++plane) {
+        for (uint64_t top = 0; top < shape.height; top += tileHeight) {
+            for (uint64_t left = 0; left < shape.width; left += tileWidth) {
                 const uint32_t x = uint32_t(left);
                 const uint32_t y = uint32_t(top);
-                const tmsize_t got = tiled ? TIFFReadEncodedTile(tiff, TIFFComputeTile(tiff, x, y, 0, uint16_t(plane)),
-                                                                 chunk.data(), chunkBytes)
-                                           : TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, uint16_t(plane)),
-                                                                  chunk.data(), chunkBytes);
-                const uint32_t rows = std::min(chunkHeight, shape.height - y);
-                const uint32_t count = std::min(chunkWidth, shape.width - x);
-                if (got < tmsize_t(rows) * rowBytes) return false;
+                const uint32_t index = TIFFComputeTile(tiff, x, y, 0, uint16_t(plane));
+                const uint32_t rows = std::min(tileHeight, shape.height - y);
+                const uint32_t count = std::min(tileWidth, shape.width - x);
+                if (TIFFReadEncodedTile(tiff, index, tile.data(), tileBytes) < tmsize_t(rows) * rowBytes) return false;
                 for (uint32_t r = 0; r < rows; ++r)
                     StoreRow(shape, picture, plane, int(y + r), int(x), int(count),
-                             chunk.data() + tmsize_t(r) * rowBytes, samples);
+                             tile.data() + tmsize_t(r) * rowBytes, samples);
             }
         }
     }
@@ -278,7 +298,7 @@ bool ReadPlain(TIFF *tiff, const TiffShape &shape, Picture &picture, Report &rep
     } else {
         SetGreyRamp(picture.image);
     }
-    if (!ReadChunks(tiff, shape, picture)) return false;
+    if (!(TIFFIsTiled(tiff) ? ReadTiles(tiff, shape, picture) : ReadRows(tiff, shape, picture))) return false;
     if (picture.alpha && shape.alphaKind == EXTRASAMPLE_ASSOCALPHA) UndoPremultiplication(picture);
     return true;
 }
@@ -308,42 +328,108 @@ bool ReadConverted(TIFF *tiff, const TiffShape &shape, Picture &picture, Report 
     return true;
 }
 
-// A tile may be larger than its picture, and is read whole.
-bool CheckTiles(TIFF *tiff, const Limits &limits, Report &report) {
-    uint32_t width = 0;
-    uint32_t height = 0;
-    if (!TIFFIsTiled(tiff) || !TIFFGetField(tiff, TIFFTAG_TILEWIDTH, &width) ||
-        !TIFFGetField(tiff, TIFFTAG_TILELENGTH, &height))
-        return true;
-    if (height == 0 || width <= limits.pixels / height) return true;
-    return report.Fail("the tiles are " + std::to_string(width) + " x " + std::to_string(height) +
-                       " pixels; the limit is " + std::to_string(limits.pixels) + " in all (--max-pixels)");
+// Whether the file has the inks in rows that a profile can convert.
+bool HasInkRows(TIFF *tiff, const TiffShape &shape) {
+    return shape.photometric == PHOTOMETRIC_SEPARATED && shape.samples == 4 && shape.bits == 8 &&
+           shape.planar == PLANARCONFIG_CONTIG && !TIFFIsTiled(tiff);
+}
+
+bool ReadInks(TIFF *tiff, const TiffShape &shape, const InkConverter &inks, Picture &picture, Report &report) {
+    if (!MakePicture(picture, int(shape.width), int(shape.height), 24, false, report)) return false;
+    Bytes row(static_cast<size_t>(std::max<tmsize_t>(TIFFScanlineSize(tiff), 4 * tmsize_t(shape.width))));
+    for (uint32_t y = 0; y < shape.height; ++y) {
+        if (TIFFReadScanline(tiff, row.data(), y, 0) != 1) return false;
+        inks.Convert(row.data(), int(shape.width), picture.image.Row(int(y)));
+    }
+    return true;
+}
+
+// A tile is read whole, and may be far larger than its picture. libtiff's own conversion does the same with strips.
+bool CheckChunks(TIFF *tiff, const TiffShape &shape, Report &report) {
+    const bool tiled = TIFFIsTiled(tiff);
+    if (!tiled && IsPlain(shape)) return true;
+    const tmsize_t bytes = tiled ? TIFFTileSize(tiff) : TIFFStripSize(tiff);
+    const tmsize_t most = tiled ? kLargestTile : kLargestTile + 4 * tmsize_t(shape.width) * shape.height;
+    if (bytes <= most) return true;
+    return report.Fail((tiled ? "a tile of the file takes " : "a strip of the file takes ") +
+                       std::to_string(bytes >> 20) + " MB; the limit is " + std::to_string(most >> 20));
+}
+
+Bytes BytesOfTag(TIFF *tiff, uint32_t tag, uint32_t unit) {
+    uint32_t count = 0;
+    void *data = nullptr;
+    if (!TIFFGetField(tiff, tag, &count, &data)) return {};
+    const auto *bytes = static_cast<const uint8_t *>(data);
+    return Bytes(bytes, bytes + size_t(count) * unit);
+}
+
+// Whether the file tells more than the tags that this reader takes itself.
+bool TellsMore(TIFF *tiff) {
+    static constexpr uint32_t kOwn[] = {TIFFTAG_ICCPROFILE, TIFFTAG_XMLPACKET, TIFFTAG_RICHTIFFIPTC};
+    uint16_t orientation = 0;
+    if (TIFFGetField(tiff, TIFFTAG_ORIENTATION, &orientation)) return true;
+    for (int i = 0; i < TIFFGetTagListCount(tiff); ++i)
+        if (std::find(std::begin(kOwn), std::end(kOwn), TIFFGetTagListEntry(tiff, i)) == std::end(kOwn)) return true;
+    return false;
+}
+
+// Exiv2 reads no BigTIFF file. Of its EXIF data this keeps what decides how the picture is looked at.
+Bytes OrientationOnly(TIFF *tiff, Report &report) {
+    uint16_t orientation = 0;
+    uint64_t directory = 0;
+    if (TIFFGetField(tiff, TIFFTAG_EXIFIFD, &directory) || TIFFGetField(tiff, TIFFTAG_GPSIFD, &directory))
+        report.Warn("the EXIF data of a BigTIFF file is not read, but for the orientation");
+    if (!TIFFGetField(tiff, TIFFTAG_ORIENTATION, &orientation)) return {};
+    return {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0x12, 1, 3, 0, 1, 0, 0, 0, uint8_t(orientation), 0, 0, 0, 0, 0, 0, 0};
+}
+
+void ReadMetadata(TIFF *tiff, ByteView file, Metadata &metadata, Report &report) {
+    metadata.icc = BytesOfTag(tiff, TIFFTAG_ICCPROFILE, 1);
+    metadata.xmp = BytesOfTag(tiff, TIFFTAG_XMLPACKET, 1);
+    metadata.iptc = BytesOfTag(tiff, TIFFTAG_RICHTIFFIPTC, 4);
+    float x = 0, y = 0;
+    uint16_t unit = RESUNIT_INCH;
+    TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
+    if (TIFFGetField(tiff, TIFFTAG_XRESOLUTION, &x) && TIFFGetField(tiff, TIFFTAG_YRESOLUTION, &y) && x > 0 && y > 0) {
+        const double perMetre = unit == RESUNIT_INCH ? 1 / 0.0254 : unit == RESUNIT_CENTIMETER ? 100 : 1;
+        metadata.density = {x * perMetre, y * perMetre, unit != RESUNIT_NONE};
+    }
+    if (!TellsMore(tiff)) return;
+    const bool big = file[2] == 43 || file[3] == 43;
+    metadata.exif = big ? OrientationOnly(tiff, report) : ExifOfTiff(file, report);
 }
 
 bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report) {
-    std::string error;
+    TiffMessages messages;
     MemoryFile memory{file};
-    const auto options = MakeOptions(error);
+    const auto options = MakeOptions(messages);
     const TiffPointer tiff(options ? TIFFClientOpenExt("picture", "r", &memory, MemoryRead, MemoryWrite, MemorySeek,
                                                        NoClose, MemorySize, MemoryMap, NoUnmap, options.get())
                                    : nullptr);
     const auto fail = [&] {
-        return report.error.empty() ? report.Fail(error.empty() ? "the file is damaged" : error) : false;
+        if (!report.error.empty()) return false;
+        return report.Fail(messages.error.empty() ? "the file is damaged" : messages.error);
     };
     if (!tiff) return fail();
     const TiffShape shape = ReadShape(tiff.get());
-    if (!CheckSize(shape.width, shape.height, limits, report) || !CheckTiles(tiff.get(), limits, report)) return false;
+    if (!CheckSize(shape.width, shape.height, limits, report) || !CheckChunks(tiff.get(), shape, report)) return false;
     if (!TIFFLastDirectory(tiff.get())) report.Warn("the file has several pages; only the first is read");
-    const bool read = IsPlain(shape) ? ReadPlain(tiff.get(), shape, picture, report)
-                                     : ReadConverted(tiff.get(), shape, picture, report);
-    if (!read) return fail();
-    uint32_t size = 0;
-    void *profile = nullptr;
-    if (TIFFGetField(tiff.get(), TIFFTAG_ICCPROFILE, &size, &profile)) {
-        const auto *bytes = static_cast<const uint8_t *>(profile);
-        picture.icc.assign(bytes, bytes + size);
+    Metadata &metadata = picture.metadata;
+    ReadMetadata(tiff.get(), file, metadata, report);
+    InkConverter inks;
+    if (shape.photometric == PHOTOMETRIC_SEPARATED) {
+        const bool exact =
+            HasInkRows(tiff.get(), shape) && !metadata.icc.empty() && inks.Open(metadata.icc, false, report);
+        report.Warn(exact ? "the inks (CMYK) become sRGB colors, by the file's profile"
+                          : "the inks (CMYK) become colors without a profile that tells them exactly");
+        metadata.icc.clear();
     }
-    picture.exif = ExifFromTiff(file);
+    const bool read = inks.IsOpen()    ? ReadInks(tiff.get(), shape, inks, picture, report)
+                      : IsPlain(shape) ? ReadPlain(tiff.get(), shape, picture, report)
+                                       : ReadConverted(tiff.get(), shape, picture, report);
+    if (!read) return fail();
+    if (shape.bits == 16) TellSixteenBits(picture, report);
+    for (const std::string &warning : messages.warnings) report.WarnOfDamage(warning);
     return true;
 }
 
@@ -361,56 +447,91 @@ bool WriteRows(TIFF *tiff, const Picture &picture, bool raw, Layout layout) {
     return true;
 }
 
-void DescribePalette(TIFF *tiff, const Bitmap &image) {
+bool DescribePalette(TIFF *tiff, const Bitmap &image) {
     uint16_t map[3][256] = {};
     for (int i = 0; i < image.Colors(); ++i)
         for (int c = 0; c < 3; ++c) map[c][i] = uint16_t(image.Palette()[4 * i + 2 - c] * 257);
-    TIFFSetField(tiff, TIFFTAG_COLORMAP, map[0], map[1], map[2]);
+    return TIFFSetField(tiff, TIFFTAG_COLORMAP, map[0], map[1], map[2]) == 1;
 }
 
-bool Write(std::FILE *file, const Picture &picture, const Encoding &, Report &report) {
+// Sets the tags that tell how the rows are to be read. libtiff would write a file without a tag that it could not set.
+bool SetLayout(TIFF *tiff, const Picture &picture, bool raw, Layout layout) {
     const Bitmap &image = picture.image;
-    std::string error;
-    const auto options = MakeOptions(error);
+    const bool ramp = HasGreyRamp(image);
+    const bool grey = raw ? ramp : SamplesOf(layout) <= 2;
+    const uint16_t alpha = EXTRASAMPLE_UNASSALPHA;
+    return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, uint32_t(image.width)) &&
+           TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, uint32_t(image.height)) &&
+           TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, raw ? image.bits : 8) &&
+           TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, raw ? 1 : SamplesOf(layout)) &&
+           TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
+           TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE) &&
+           TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC,
+                        raw && !ramp ? PHOTOMETRIC_PALETTE
+                        : grey       ? PHOTOMETRIC_MINISBLACK
+                                     : PHOTOMETRIC_RGB) &&
+           ((raw && !(ramp && image.bits == 8)) || TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL)) &&
+           (!raw || ramp || DescribePalette(tiff, image)) &&
+           (raw || !HasAlpha(picture) || TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &alpha)) &&
+           TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff, 0));
+}
+
+bool SetMetadata(TIFF *tiff, const Metadata &metadata, bool withProfile) {
+    const Density &density = metadata.density;
+    const double perInch = density.absolute ? 0.0254 : 1;
+    return (!withProfile ||
+            TIFFSetField(tiff, TIFFTAG_ICCPROFILE, uint32_t(metadata.icc.size()), metadata.icc.data())) &&
+           (density.x <= 0 ||
+            (TIFFSetField(tiff, TIFFTAG_XRESOLUTION, density.x * perInch) &&
+             TIFFSetField(tiff, TIFFTAG_YRESOLUTION, density.y * perInch) &&
+             TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, density.absolute ? RESUNIT_INCH : RESUNIT_NONE)));
+}
+
+// Lets Exiv2 put the metadata into the finished file, in memory.
+bool AddMetadata(std::FILE *file, const Metadata &metadata, Report &report) {
+    if (metadata.exif.empty() && metadata.xmp.empty() && metadata.iptc.empty()) return true;
+    if (std::fseek(file, 0, SEEK_END) != 0) return report.Fail("the file could not be written");
+    Bytes bytes(static_cast<size_t>(std::max(std::ftell(file), 0L)));
+    std::rewind(file);
+    if (std::fread(bytes.data(), 1, bytes.size(), file) != bytes.size())
+        return report.Fail("the file could not be written");
+    if (!AddToTiff(bytes, metadata, report)) {
+        report.Warn("EXIF, XMP and IPTC could not be put into the file");
+        return true;
+    }
+    std::rewind(file);
+    const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size() && std::fflush(file) == 0 &&
+                         ftruncate(fileno(file), off_t(bytes.size())) == 0;
+    return written || report.Fail("the file could not be written");
+}
+
+bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, const Encoding &, Report &report) {
+    const Bitmap &image = picture.image;
+    TiffMessages messages;
+    const auto options = MakeOptions(messages);
+    const auto fail = [&] {
+        return report.Fail(messages.error.empty() ? "memory is too short to write the picture" : messages.error);
+    };
     TiffPointer tiff(options ? TIFFClientOpenExt("picture", "wl", file, DiskRead, DiskWrite, DiskSeek, NoClose,
                                                  DiskSize, NoMap, NoUnmap, options.get())
                              : nullptr);
-    if (!tiff) return report.Fail(error);
-
-    const bool ramp = HasGreyRamp(image);
+    if (!tiff) return fail();
     const bool raw = image.bits <= 8 && !picture.alpha;
     const Layout layout = FullLayout(picture);
-    const bool grey = raw ? ramp : SamplesOf(layout) <= 2;
-    const int samples = raw ? 1 : SamplesOf(layout);
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, uint32_t(image.width));
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, uint32_t(image.height));
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, raw ? image.bits : 8);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, samples);
-    TIFFSetField(tiff.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC,
-                 raw && !ramp ? PHOTOMETRIC_PALETTE
-                 : grey       ? PHOTOMETRIC_MINISBLACK
-                              : PHOTOMETRIC_RGB);
-    if (!raw || (ramp && image.bits == 8)) TIFFSetField(tiff.get(), TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL);
-    if (raw && !ramp) DescribePalette(tiff.get(), image);
-    if (!raw && HasAlpha(picture)) {
-        const uint16_t kind = EXTRASAMPLE_UNASSALPHA;
-        TIFFSetField(tiff.get(), TIFFTAG_EXTRASAMPLES, 1, &kind);
-    }
-    if (CarriesProfile(picture, grey, report))
-        TIFFSetField(tiff.get(), TIFFTAG_ICCPROFILE, uint32_t(picture.icc.size()), picture.icc.data());
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, TIFFDefaultStripSize(tiff.get(), 0));
-    if (!WriteRows(tiff.get(), picture, raw, layout) || !TIFFFlush(tiff.get())) return report.Fail(error);
+    const bool grey = raw ? HasGreyRamp(image) : SamplesOf(layout) <= 2;
+    const bool withProfile = CarriesProfile(metadata, grey, SIZE_MAX, report);
+    if (!SetLayout(tiff.get(), picture, raw, layout) || !SetMetadata(tiff.get(), metadata, withProfile) ||
+        !WriteRows(tiff.get(), picture, raw, layout) || !TIFFFlush(tiff.get()))
+        return fail();
     tiff.reset();
-    if (!error.empty()) return report.Fail(error);
-    if (!picture.exif.empty() && !AddExifToTiff(file, picture.exif))
-        return report.Fail("the EXIF data could not be written");
-    return true;
+    if (!messages.error.empty()) return fail();
+    return AddMetadata(file, metadata, report);
 }
+
+constexpr unsigned kHolds = kHoldsExif | kHoldsXmp | kHoldsIptc | kHoldsDensity;
 
 } // namespace
 
-const Codec kTiff = {"TIFF", ";tif;tiff;", 0x7FFFFFFF, Recognises, Read, Write};
+const Codec kTiff = {"TIFF", ";tif;tiff;", 0x7FFFFFFF, kHolds, kObeysLossless, Recognises, Read, Write};
 
 } // namespace lmf::host

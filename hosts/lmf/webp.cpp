@@ -6,7 +6,6 @@
 #include <climits>
 #include <cstring>
 
-#include "exif.h"
 #include "picture.h"
 
 namespace lmf::host {
@@ -88,25 +87,31 @@ bool Read(ByteView file, const Limits &limits, Picture &picture, Report &report)
 
     const WebPData data = {file.data(), file.size()};
     const Mux mux{WebPMuxCreate(&data, 0)};
-    const ByteView profile = Chunk(mux.mux, "ICCP");
-    picture.icc.assign(profile.begin(), profile.end());
-    SetExif(picture, Chunk(mux.mux, "EXIF"));
+    const auto bytesOf = [&](const char *name) {
+        const ByteView chunk = Chunk(mux.mux, name);
+        return Bytes(chunk.begin(), chunk.end());
+    };
+    picture.metadata.icc = bytesOf("ICCP");
+    picture.metadata.xmp = bytesOf("XMP ");
+    picture.metadata.exif = ExifBlock(Chunk(mux.mux, "EXIF"));
     return true;
 }
 
 // Puts the metadata around the bare picture and gives the whole file.
-bool Assemble(const WebPMemoryWriter &bare, const Picture &picture, bool withProfile, MuxData &whole) {
+bool Assemble(const WebPMemoryWriter &bare, const Metadata &metadata, bool withProfile, MuxData &whole) {
     const WebPData image = {bare.mem, bare.size};
     const Mux mux{WebPMuxNew()};
-    const WebPData profile = {picture.icc.data(), picture.icc.size()};
-    const WebPData exif = {picture.exif.data(), picture.exif.size()};
-    return mux.mux && WebPMuxSetImage(mux.mux, &image, 0) == WEBP_MUX_OK &&
-           (!withProfile || WebPMuxSetChunk(mux.mux, "ICCP", &profile, 0) == WEBP_MUX_OK) &&
-           (picture.exif.empty() || WebPMuxSetChunk(mux.mux, "EXIF", &exif, 0) == WEBP_MUX_OK) &&
+    const auto add = [&](const char *name, const Bytes &bytes, bool wanted) {
+        const WebPData data = {bytes.data(), bytes.size()};
+        return !wanted || WebPMuxSetChunk(mux.mux, name, &data, 0) == WEBP_MUX_OK;
+    };
+    return mux.mux && WebPMuxSetImage(mux.mux, &image, 0) == WEBP_MUX_OK && add("ICCP", metadata.icc, withProfile) &&
+           add("EXIF", metadata.exif, !metadata.exif.empty()) && add("XMP ", metadata.xmp, !metadata.xmp.empty()) &&
            WebPMuxAssemble(mux.mux, &whole.data) == WEBP_MUX_OK;
 }
 
-bool Write(std::FILE *file, const Picture &picture, const Encoding &encoding, Report &report) {
+bool Write(std::FILE *file, const Picture &picture, const Metadata &metadata, const Encoding &encoding,
+           Report &report) {
     const Bitmap &image = picture.image;
     const bool alpha = HasAlpha(picture);
     const int samples = alpha ? 4 : 3;
@@ -116,7 +121,7 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &encoding, Re
         return report.Fail("the installed libwebp is too old");
     config.lossless = encoding.lossless;
     config.exact = encoding.lossless; // colours under full transparency are part of the result too
-    if (!encoding.lossless) config.quality = float(encoding.quality);
+    if (!encoding.lossless) config.quality = float(QualityFor(picture, encoding));
     encoder.picture.use_argb = 1;
     encoder.picture.width = image.width;
     encoder.picture.height = image.height;
@@ -134,11 +139,12 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &encoding, Re
     if (!imported || !WebPEncode(&config, &encoder.picture))
         return report.Fail("WebP cannot encode this picture (code " + std::to_string(encoder.picture.error_code) + ")");
 
-    const bool withProfile = CarriesProfile(picture, false, report);
+    const bool withProfile = CarriesProfile(metadata, false, SIZE_MAX, report);
     ByteView output{encoder.output.mem, encoder.output.size};
     MuxData whole;
-    if (withProfile || !picture.exif.empty()) {
-        if (!Assemble(encoder.output, picture, withProfile, whole)) return report.Fail("WebP cannot hold the metadata");
+    if (withProfile || !metadata.exif.empty() || !metadata.xmp.empty()) {
+        if (!Assemble(encoder.output, metadata, withProfile, whole))
+            return report.Fail("WebP cannot hold the metadata");
         output = {whole.data.bytes, whole.data.size};
     }
     if (std::fwrite(output.data(), 1, output.size(), file) != output.size())
@@ -146,8 +152,11 @@ bool Write(std::FILE *file, const Picture &picture, const Encoding &encoding, Re
     return true;
 }
 
+constexpr unsigned kHolds = kHoldsExif | kHoldsXmp;
+
 } // namespace
 
-const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, Recognises, Read, Write};
+const Codec kWebp = {"WebP", ";webp;", WEBP_MAX_DIMENSION, kHolds, kObeysQuality | kObeysLossless, Recognises,
+                     Read,   Write};
 
 } // namespace lmf::host

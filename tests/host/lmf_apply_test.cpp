@@ -55,7 +55,7 @@ TEST_F(LmfApply, ManyPicturesGoOnAfterABadOneAndSumUp) {
     MakeGrey("a.png", 1);
     MakeGrey("c.png", 3);
     WriteText(In("b.png"), "no");
-    Expect(3, Run({"apply", "Hexagon", "--out-dir", "x/y", "a.png", "b.png"}), // the first failure counts
+    Expect(3, Run({"apply", "Hexagon", "--strict-depth", "--out-dir", "x/y", "a.png", "b.png"}), // the first failure counts
            "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)");
     const ProgramRun mixed = Invert({"--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
     Expect(2, mixed, "lmf: 2 of 4 pictures written, 2 failed");
@@ -158,7 +158,7 @@ TEST_F(LmfApply, ChainsAreWhatTheirFiltersAreOneByOne) {
     ExpectSilence(chain);
     EXPECT_TRUE(ReadText(In("chain.png")) == ReadText(In("c.png")));
     EXPECT_TRUE(Has(chain.output, R"("filters":["Resize","Gaussian Blur","Emboss"],"status":"done","width":226)"));
-    Expect(3, Run({"apply", "Convert to Mono", "--then", "Hexagon", kPhotograph, "no.png"}),
+    Expect(3, Run({"apply", "Convert to Mono", "--then", "Hexagon", "--strict-depth", kPhotograph, "no.png"}),
            "Hexagon: Unsupported function (it takes true color; this picture is mono)");
     Expect(1, Run({"apply", "Resize", "--then", "blur", "--set", "Horz=50", kPhotograph, "no.png"}),
            "no setting \"Horz\"");

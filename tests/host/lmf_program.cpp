@@ -157,7 +157,7 @@ void LmfProgram::MakeGrey(const std::string &name, uint8_t value) {
 }
 
 ProgramRun LmfProgram::RunFake(const std::string &wish, const std::string &filter, const Names &options) {
-    Names arguments = {"apply", filter, "p.png", "out.png"};
+    Names arguments = {"apply", filter, "p.png", "out.png", "--strict-depth"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     return Run(arguments, {{"LMF_LIBRARY", LMF_FAKE_LIBRARY_FILE}, {"LMF_FAKE", wish}});
 }
