@@ -1,6 +1,8 @@
 // Files and folders: whole reads, atomic writes, and nothing left behind when the program is interrupted.
 #pragma once
 
+#include <climits>
+#include <csignal>
 #include <cstdio>
 #include <functional>
 #include <string>
@@ -37,8 +39,22 @@ struct OutputFile {
     [[nodiscard]] bool Commit(Report &report);
 };
 
-/// Makes an interrupt or a hang-up remove the open output before the program ends.
+/// The signals that end a program that does nothing about them, without those that tell of a fault in it.
+inline constexpr int kEndingSignals[] = {SIGHUP,  SIGINT,  SIGQUIT, SIGUSR1,   SIGUSR2, SIGPIPE, SIGALRM,
+                                         SIGTERM, SIGXCPU, SIGPOLL, SIGVTALRM, SIGPROF, SIGPWR,  SIGSTKFLT};
+
+/// Makes every ending signal remove the open output before the program ends.
 void CleanUpOnSignals();
+
+/// Holds the name of the temporary file of the open output; empty when there is none.
+using OutputSlot = char[PATH_MAX];
+
+/// Keeps the name of the open output in this place from now on: memory that another process sees, too, can remove the
+/// file of one that crashed.
+void KeepOutputIn(OutputSlot &slot);
+
+/// Removes the file that a slot names, if any. Safe in a signal handler.
+void RemoveOutput(char *slot);
 
 /// Whether a file of this name exists, of whatever kind.
 [[nodiscard]] bool FileExists(const std::string &path);
