@@ -1,6 +1,7 @@
 #include "apply.h"
 
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <set>
@@ -171,7 +172,9 @@ int RunTasks(const ApplyRequest &request, const Job &job, const std::vector<Task
     const int signal = DoWork(plan);
     progress.Clear();
     if (signal) {
-        if (!request.quiet) TellInterruption(request, tasks.size(), told - failed - skipped);
+        // Who reads no further wants no word either.
+        const bool unread = signal == SIGPIPE && tasks.size() == 1;
+        if (!request.quiet && !unread) TellInterruption(request, tasks.size(), told - failed - skipped);
         EndBy(signal);
     }
     if (tasks.size() > 1 && !request.quiet) SumUp(tasks.size(), failed, skipped);

@@ -53,15 +53,12 @@ DestinationList ReadList() {
     DestinationList list;
     list.path = FindList();
     Report report;
-    Bytes bytes;
-    if (!ReadFile(
-            list.path, [](ByteView) { return true; }, bytes, report)) {
+    std::string text;
+    if (!ReadText(list.path, kLargestList, text, report)) {
         list.error = list.path + ": " + report.error;
-    } else if (bytes.size() > kLargestList) {
-        list.error = list.path + ": the list is larger than 1 MB";
     } else {
         ReadDestinations(
-            std::string_view(reinterpret_cast<const char *>(bytes.data()), bytes.size()),
+            text,
             [](void *target, int32_t index, const SocialDestination &destination) {
                 static_cast<Json *>(target)->push_back({{"value", index}, {"name", NameOf(destination)}});
             },

@@ -17,7 +17,6 @@ namespace lmf::host {
 namespace {
 
 constexpr size_t kStartBytes = 64;
-constexpr size_t kLargestFile = size_t{4} << 30;
 
 // The open temporary file, which a signal handler has to remove. Not a string, since nothing else may be touched there.
 OutputSlot gOwnSlot;
@@ -70,7 +69,7 @@ std::string SystemError() {
 }
 
 bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report,
-              bool regularOnly) {
+              bool regularOnly, size_t largest) {
     struct stat state;
     // Before it is opened: a pipe that nobody writes to would never open.
     if (regularOnly && path != kStandardStream && stat(path.c_str(), &state) == 0 && !S_ISREG(state.st_mode))
@@ -85,7 +84,7 @@ bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &reco
     if (!recognise(ByteView(bytes.data(), filled)))
         return report.Fail(filled == 0 ? "the file is empty" : "this is not a PNG, JPEG, TIFF, WebP or BMP picture");
     // One byte more than a regular file holds, so that its end shows in the first read.
-    if (S_ISREG(state.st_mode) && size_t(state.st_size) >= filled && size_t(state.st_size) < kLargestFile)
+    if (S_ISREG(state.st_mode) && size_t(state.st_size) >= filled && size_t(state.st_size) <= largest)
         bytes.resize(size_t(state.st_size) + 1);
     while (true) {
         if (filled == bytes.size()) bytes.resize(filled * 2);
@@ -93,9 +92,17 @@ bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &reco
         filled += got;
         if (std::ferror(file)) return report.Fail(SystemError());
         if (got == 0) break;
-        if (filled > kLargestFile) return report.Fail("the file is larger than 4 GiB");
+        if (filled > largest) return report.Fail("the file is larger than " + std::to_string(largest >> 20) + " MiB");
     }
     bytes.resize(filled);
+    return true;
+}
+
+bool ReadText(const std::string &path, size_t largest, std::string &text, Report &report) {
+    Bytes bytes;
+    const auto any = [](ByteView) { return true; };
+    if (!ReadFile(path, any, bytes, report, false, largest)) return false;
+    text.assign(bytes.begin(), bytes.end());
     return true;
 }
 

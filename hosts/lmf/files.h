@@ -15,10 +15,16 @@ namespace lmf::host {
 /// The name of standard input where something is read and of standard output where something is written.
 inline constexpr std::string_view kStandardStream = "-";
 
+/// The largest picture file that is read.
+inline constexpr size_t kLargestPicture = size_t{4} << 30;
+
 /// Reads a whole file, or standard input. `recognise` sees its first bytes (at most 64) and ends the read by giving
-/// false. What is no regular file, a pipe say, is refused if `regularOnly`.
+/// false. What is no regular file, a pipe say, is refused if `regularOnly`, and what is larger than `largest` always.
 [[nodiscard]] bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes,
-                            Report &report, bool regularOnly = false);
+                            Report &report, bool regularOnly = false, size_t largest = kLargestPicture);
+
+/// Reads a whole text file of at most `largest` bytes, or standard input.
+[[nodiscard]] bool ReadText(const std::string &path, size_t largest, std::string &text, Report &report);
 
 /// A file that is written under another name beside its target and takes the target's place on Commit.
 /// Without Commit, nothing of it stays. The target's permissions and, for a symbolic link, the link are kept.

@@ -17,6 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr size_t kLargestList = size_t{64} << 20;
+
 // What a file is, under whatever name.
 using FileId = std::pair<dev_t, ino_t>;
 
@@ -33,7 +35,8 @@ bool IsFolder(const std::string &path) {
 }
 
 std::string Quoted(const std::string &name) {
-    return "\"" + Printable(name) + "\"";
+    const std::string text = Printable(name);
+    return '"' + text + '"';
 }
 
 // Adds the pictures in a folder and those below it, by name. Hidden files are none, and links to folders are not
@@ -57,17 +60,16 @@ void AddFolder(const fs::path &folder, const std::string &outputs, std::vector<T
 }
 
 bool ReadList(const FilesRequest &request, std::vector<std::string> &names, Report &report) {
-    Bytes bytes;
-    const auto any = [](ByteView) { return true; };
-    if (!ReadFile(request.listFile, any, bytes, report)) {
+    std::string text;
+    if (!ReadText(request.listFile, kLargestList, text, report)) {
         const bool stream = request.listFile == kStandardStream;
         return report.Fail((stream ? "standard input" : Printable(request.listFile)) + ": " + report.error);
     }
     const char separator = request.nulList ? '\0' : '\n';
-    for (auto start = bytes.begin(); start != bytes.end();) {
-        const auto end = std::find(start, bytes.end(), separator);
-        if (end != start) names.emplace_back(start, end);
-        start = end == bytes.end() ? end : end + 1;
+    for (size_t start = 0; start < text.size();) {
+        const size_t end = std::min(text.find(separator, start), text.size());
+        if (end > start) names.push_back(text.substr(start, end - start));
+        start = end + 1;
     }
     return true;
 }
@@ -103,8 +105,10 @@ bool PlaceOf(const FilesRequest &request, const std::string &input, std::string 
 // Gives the first name of the series "name", "name-2", "name-3" that is free.
 std::string FreeName(const std::string &path, const std::map<std::string, std::string> &taken) {
     std::string name = path;
-    for (int i = 2; taken.contains(Normal(name)) || FileExists(name); ++i)
-        name = WithSuffix(path, "-" + std::to_string(i), "");
+    for (int i = 2; taken.contains(Normal(name)) || FileExists(name); ++i) {
+        const std::string number = std::to_string(i);
+        name = WithSuffix(path, "-" + number, "");
+    }
     return name;
 }
 
