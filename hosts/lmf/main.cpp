@@ -400,22 +400,29 @@ int Run(const Arguments &arguments) {
     return kUsage;
 }
 
+// Ends the program for want of memory, with a text that needs none.
+[[noreturn]] void EndWithoutMemory() {
+    constexpr std::string_view kText = "lmf: stopped, most likely since memory is too short\n";
+    (void)!write(STDERR_FILENO, kText.data(), kText.size());
+    _exit(kUnreadable);
+}
+
 } // namespace
 
 } // namespace lmf::host
 
-// Memory may end anywhere, and then no text can be made up.
 int main(int count, char **arguments) {
-    constexpr std::string_view kNoMemory = "lmf: memory is too short\n";
-    lmf::host::CleanUpOnSignals();
+    using namespace lmf::host;
+    CleanUpOnSignals();
+    // Memory may end anywhere, also where nothing can be caught: while a document of JSON is taken apart, say.
+    std::set_terminate(EndWithoutMemory);
     try {
         // Output that could not be printed, on a full disk say, is a failure too.
-        return lmf::host::FinishOutput(lmf::host::Run({arguments + 1, arguments + count}));
+        return FinishOutput(Run({arguments + 1, arguments + count}));
     } catch (const std::bad_alloc &) {
-        (void)!write(STDERR_FILENO, kNoMemory.data(), kNoMemory.size());
-        return lmf::host::kUnreadable;
+        EndWithoutMemory();
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "lmf: %s\n", error.what());
-        return lmf::host::kUnreadable;
+        Complain(error.what());
+        return kUnreadable;
     }
 }

@@ -14,7 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
+#include <exception>
 #include <new>
 #include <optional>
 
@@ -121,7 +121,7 @@ struct Worker {
 
 class Workers {
 public:
-    explicit Workers(const WorkPlan &given) : plan(given) {
+    explicit Workers(const WorkPlan &given) : plan(given), outcomes(given.tasks) {
         sigset_t ending;
         sigemptyset(&ending);
         for (const int signal : kEndingSignals) sigaddset(&ending, signal);
@@ -178,6 +178,7 @@ private:
 
     bool Start() {
         workers.reserve(workers.size() + 1);
+        descriptors.reserve(workers.size() + 1);
         void *slot = mmap(nullptr, sizeof(OutputSlot), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
         if (slot == MAP_FAILED) return false;
         int sockets[2] = {-1, -1};
@@ -204,6 +205,7 @@ private:
 
     // What a worker does all its life. It ends with its parent, whatever ends that.
     [[noreturn]] void Work(pid_t parent, int socket, OutputSlot &slot) const {
+        std::set_terminate(std::abort); // the parent knows which picture it was
         KeepOutputIn(slot);
         CleanUpOnSignals();
         sigprocmask(SIG_SETMASK, &before, nullptr);
@@ -226,7 +228,7 @@ private:
 
     // Waits for an answer, a signal or the next tick.
     void Wait() {
-        std::vector<pollfd> descriptors;
+        descriptors.clear();
         for (const Worker &worker : workers) descriptors.push_back({worker.socket, POLLIN, 0});
         constexpr timespec kTick = {0, 200'000'000};
         const int ready = ppoll(descriptors.data(), descriptors.size(), plan.tick ? &kTick : nullptr, &before);
@@ -273,22 +275,27 @@ private:
 
     // Tells of what is done, in order, as far as there is no gap.
     void Tell() {
-        for (auto first = outcomes.begin(); first != outcomes.end() && first->first == told; ++told) {
-            plan.done(told, std::move(first->second));
-            first = outcomes.erase(first);
-        }
+        for (; told < plan.tasks && outcomes[told]; ++told) TellOf(told);
     }
 
     void TellAll() {
-        for (auto &[index, outcome] : outcomes) plan.done(index, std::move(outcome));
+        for (size_t i = told; i < plan.tasks; ++i)
+            if (outcomes[i]) TellOf(i);
+    }
+
+    void TellOf(size_t index) {
+        plan.done(index, *outcomes[index]);
+        outcomes[index].reset();
     }
 
     const WorkPlan &plan;
     sigset_t before;
     std::vector<Worker> workers;
-    std::map<size_t, TaskOutcome> outcomes; // done and not yet told
-    size_t next = 0;                        // task to be handed out
-    size_t told = 0;
+    // These have their memory beforehand: when a picture is written, nothing may fail that tells of it.
+    std::vector<pollfd> descriptors;
+    std::vector<std::optional<TaskOutcome>> outcomes; // done and not yet told
+    size_t next = 0;                                  // task to be handed out
+    size_t told = 0;                                  // tasks before it are told
 };
 
 } // namespace

@@ -9,11 +9,11 @@ namespace lmf::host {
 
 struct WorkPlan {
     size_t tasks = 0;
-    size_t workers = 1;                            // at most so many processes at a time
-    std::function<TaskOutcome(size_t)> work;       // does one task, in a worker
-    std::function<void(size_t)> begun;             // told of a task that is given to a worker
-    std::function<void(size_t, TaskOutcome)> done; // told of each result, in the order of the tasks
-    std::function<void()> tick;                    // called several times a second while there is work; may be empty
+    size_t workers = 1;                                    // at most so many processes at a time
+    std::function<TaskOutcome(size_t)> work;               // does one task, in a worker
+    std::function<void(size_t)> begun;                     // told of a task that is given to a worker
+    std::function<void(size_t, const TaskOutcome &)> done; // told of each result, in the order of the tasks
+    std::function<void()> tick; // called several times a second while there is work; may be empty
 };
 
 /// Does all tasks. Each worker is forked from this process as it is, so that it has all that is loaded already. Gives

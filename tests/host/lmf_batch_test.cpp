@@ -195,7 +195,7 @@ TEST_F(LmfBatch, CallsThatFailLoseNothing) {
         ExpectSilence(Run({"apply", "Flip", "p.png", name}));
         const std::string right = ReadText(In(name));
         const Names arguments = {"apply", "Flip", "p.png", name};
-        const std::pair<std::string, long> kinds[] = {{"file", 100}, {"signal", 100}, {"memory", 80}};
+        const std::pair<std::string, long> kinds[] = {{"file", 100}, {"signal", 100}, {"memory", 60}};
         for (const auto &[kind, most] : kinds) {
             std::map<std::string, std::string> environment = {
                 {"LD_PRELOAD", LMF_FAILING_CALLS_FILE}, {"FAIL_KIND", kind}, {"FAIL_COUNT", In("count")}};
@@ -205,7 +205,8 @@ TEST_F(LmfBatch, CallsThatFailLoseNothing) {
             environment.erase("FAIL_COUNT");
             ASSERT_GT(calls, 5) << kind;
             const Names before = Files();
-            for (long step = std::max(1L, calls / most), at = calls; at > 0; at -= step) {
+            // The last calls are those of the picture, and all are tried; of those before them some are.
+            for (long at = calls; at > 0; at -= calls - at < 40 ? 1 : std::max(1L, calls / most)) {
                 WriteText(In(name), "old");
                 environment["FAIL_AT"] = std::to_string(at);
                 const ProgramRun run = Run(arguments, environment);
@@ -219,7 +220,8 @@ TEST_F(LmfBatch, CallsThatFailLoseNothing) {
                 } else {
                     EXPECT_TRUE(run.exitCode <= 4) << run.exitCode << what;
                     EXPECT_TRUE(Has(run.errors, "lmf: ")) << what;
-                    EXPECT_TRUE(found == "old") << what;
+                    const bool late = Has(run.errors, "lmf: standard output"); // its end is looked at last of all
+                    EXPECT_TRUE(found == "old" || late) << what;
                 }
                 EXPECT_EQ(Files(), before) << what;
             }
