@@ -11,6 +11,7 @@
 #include <nlohmann/json.hpp>
 
 #include "engine/catalogue.h"
+#include "engine/document.h"
 #include "filter_words.h"
 #include "setting_effects.h"
 
@@ -164,6 +165,7 @@ bool AddControl(Json &settings, const Filter &filter, const PageControl &control
         setting["help"] = radio ? "" : control.help;
         setting["control"] = NameOf(control.kind);
         setting["id"] = control.id;
+        if (const auto kind = DocumentKindOf(control)) setting["document"] = kDocumentKinds[static_cast<size_t>(*kind)];
         setting["stored"] = !IsKeyless(*parameter);
         if (control.number) {
             AddNumber(setting, control, isBool);

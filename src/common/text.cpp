@@ -1,6 +1,7 @@
 #include "common/text.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace lmf {
 
@@ -41,6 +42,23 @@ bool SameIgnoringCase(const char *a, const char *b) {
         b++;
     }
     return LowerCase(*a) == LowerCase(*b);
+}
+
+bool StartsIgnoringCase(const char *text, std::string_view start) {
+    for (const char c : start) {
+        if (LowerCase(*text) != LowerCase(c)) return false;
+        text++;
+    }
+    return true;
+}
+
+const char *SkipToText(const char *text) {
+    while (*text != '\0' && static_cast<unsigned char>(*text) <= ' ') text++;
+    return text;
+}
+
+void CutLineEnd(char *line) {
+    line[std::strcspn(line, "\r\n")] = '\0';
 }
 
 bool LineReader::Next(char *line, size_t room) {

@@ -16,6 +16,13 @@ namespace lmf {
 
 /// Are the two texts the same, with the letters A to Z and a to z taken as equal?
 [[nodiscard]] bool SameIgnoringCase(const char *a, const char *b);
+/// Does the text begin with these letters, in the same sense?
+[[nodiscard]] bool StartsIgnoringCase(const char *text, std::string_view start);
+
+/// The first character of `text` with a code above 32, bytes from 128 up among them.
+[[nodiscard]] const char *SkipToText(const char *text);
+/// Ends a line before its first line feed or carriage return.
+void CutLineEnd(char *line);
 
 /// Gives a text line by line.
 struct LineReader {

@@ -6,13 +6,12 @@
 #include <cstring>
 
 #include "common/random.h"
-#include "common/text.h"
 #include "platform/files.h"
 #include "platform/system.h"
 
 namespace lmf {
 
-LineWriter::LineWriter(size_t lines) : room(lines * kLineSize), bytes(room), whole(bool{bytes}) {}
+LineWriter::LineWriter(size_t lines, size_t lineSize) : room(lines * lineSize + 1), bytes(room), whole(bool{bytes}) {}
 
 void LineWriter::Add(const char *format, ...) {
     if (!whole) return;

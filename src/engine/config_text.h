@@ -18,8 +18,8 @@ using Line = char[kLineSize];
 
 /// Collects lines in memory.
 struct LineWriter {
-    /// Makes room for so many lines of less than kLineSize characters.
-    explicit LineWriter(size_t lines);
+    /// Makes room for so many lines of less than `lineSize` characters.
+    explicit LineWriter(size_t lines, size_t lineSize = kLineSize);
 
     /// Adds a line and its end, printed as by `printf`.
     __attribute__((format(printf, 2, 3))) void Add(const char *format, ...);

@@ -8,32 +8,15 @@
 #include "common/text.h"
 #include "engine/config_text.h"
 #include "engine/text_file.h"
-#include "platform/files.h"
 
 namespace lmf {
 
 namespace {
 
-/// A settings file, read whole.
-TextFile SettingsText(const char *name) {
+TextFile ReadText(const char *name) {
     char path[kPathSize];
     return TextFile(FindSettingsFile(name, path) ? path : nullptr);
 }
-
-/// Keeps other hosts from changing the settings files while this one reads, changes and writes them. A holder that
-/// doesn't let go within the time (a process that was stopped, a file server that is away) must not stop its fellows:
-/// they then write without the lock, as where it can't be made. The files stay whole even so, but what another saves
-/// in the same moment can be lost. Each wait in vain halves the next, so that a batch of calls doesn't wait for long.
-struct SettingsLock {
-    static constexpr int kLongestWait = 5000;
-    static inline int wait = kLongestWait;
-    char path[kPathSize] = "";
-    FileLock lock;
-
-    SettingsLock() : lock(FindSettingsFile("LmfFiltr.lock", path) ? path : "", wait) {
-        wait = lock.busy ? wait / 2 : kLongestWait;
-    }
-};
 
 /// Writes what is to take the place of a settings file.
 bool WritePending(const char *name, std::string_view text, PendingFile *file) {
@@ -59,10 +42,9 @@ void WriteHeading(LineWriter &out, const char *title, const char *section) {
 
 constexpr size_t kHeadingLines = 5;
 
-/// Writes a text in the place of a settings file, unless what stands there can't be read.
 void ReplaceFile(const char *name, const LineWriter &text) {
-    PendingFile file;
-    if (text.Whole() && WritePending(name, text.Text(), &file) && file.TakePlace()) file.SyncFolder();
+    char path[kPathSize];
+    if (text.Whole() && FindSettingsFile(name, path)) ReplaceTextFile(path, text.Text());
 }
 
 // The ini file.
@@ -93,11 +75,9 @@ void TakeOthersChanges(std::string_view text, const SettingsStore &found) {
     }
 }
 
-/// Makes ready a backup of a file: another name for it, since no writer touches a file that stands, or else a copy.
 bool BackUp(const char *name, const TextFile &file, const char *backup, PendingFile *pending) {
     char from[kPathSize], to[kPathSize];
-    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) &&
-           (pending->Link(to, from) || pending->Write(to, file.Bytes(), from));
+    return FindSettingsFile(name, from) && FindSettingsFile(backup, to) && BackUpFile(from, file, to, pending);
 }
 
 /// Moves the generations of a file by one: the first backup becomes the second, and the present file the first. Either
@@ -106,7 +86,7 @@ void RotateBackups(const char *name, const TextFile &present) {
     char first[kPathSize], second[kPathSize + 10];
     std::snprintf(first, sizeof first, "Backup of %s", name);
     std::snprintf(second, sizeof second, "Backup of %s", first);
-    const TextFile oldFirst = SettingsText(first);
+    const TextFile oldFirst = ReadText(first);
     PendingFile newFirst, newSecond;
     if (oldFirst.Failed()) return;
     if (oldFirst.Exists() && !BackUp(first, oldFirst, second, &newSecond)) return;
@@ -118,7 +98,7 @@ void RotateBackups(const char *name, const TextFile &present) {
 } // namespace
 
 FoundSettings ReadSettings(uint32_t runFlags) {
-    const TextFile file = SettingsText(SettingsFilesFor(runFlags).ini);
+    const TextFile file = ReadText(SettingsFilesFor(runFlags).ini);
     ReadConfigLines(file.Text(), ConfigTable);
     return {Settings, !file.Failed()};
 }
@@ -127,7 +107,7 @@ void WriteSettings(uint32_t runFlags, const FoundSettings &found) {
     if (!found.mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).ini;
     const SettingsLock lock;
-    const TextFile present = SettingsText(name);
+    const TextFile present = ReadText(name);
     if (present.Failed()) return;
     TakeOthersChanges(present.Text(), found.values);
     LineWriter out(kHeadingLines + kConfigRows);
@@ -175,7 +155,7 @@ void ReadEnableLines(std::string_view text) {
     LineReader lines{text};
     Line line;
     while (lines.Next(line, kLineSize)) {
-        line[std::strcspn(line, "\r\n")] = '\0';
+        CutLineEnd(line);
         if (line[0] == ';') continue;
         const char *value = std::strchr(line, '=');
         if (value == nullptr) continue;
@@ -188,7 +168,7 @@ void ReadEnableLines(std::string_view text) {
 }
 
 FoundSwitches ReadEnableFile(uint32_t runFlags) {
-    const TextFile file = SettingsText(SettingsFilesFor(runFlags).enable);
+    const TextFile file = ReadText(SettingsFilesFor(runFlags).enable);
     ReadEnableLines(file.Text());
     return {EnabledBits(), !file.Failed()};
 }
@@ -197,7 +177,7 @@ void WriteEnableFile(uint32_t runFlags, const FoundSwitches *found) {
     if (found != nullptr && !found->mayReplace) return;
     const char *name = SettingsFilesFor(runFlags).enable;
     const SettingsLock lock;
-    const TextFile present = SettingsText(name);
+    const TextFile present = ReadText(name);
     if (present.Failed()) return;
     if (found != nullptr) {
         const auto mine = EnabledBits(), changed = mine ^ found->enabled;
@@ -223,7 +203,7 @@ void ReadListLines(std::string_view text, RecentFilterSink sink, void *target) {
     LineReader lines{text};
     Line line;
     while (lines.Next(line, kLineSize)) {
-        line[std::strcspn(line, "\r\n")] = '\0';
+        CutLineEnd(line);
         char *comma = std::strchr(line, ',');
         if (comma == nullptr || comma == line) continue;
         const char *number = SkipBlanks(comma + 1);
@@ -235,14 +215,14 @@ void ReadListLines(std::string_view text, RecentFilterSink sink, void *target) {
 }
 
 void ReadListFile(uint32_t runFlags, RecentFilterSink sink, void *target) {
-    ReadListLines(SettingsText(SettingsFilesFor(runFlags).list).Text(), sink, target);
+    ReadListLines(ReadText(SettingsFilesFor(runFlags).list).Text(), sink, target);
 }
 
 void WriteListFile(uint32_t runFlags, std::span<const RecentFilter> recent) {
     if (recent.empty() || Settings.RememberFilterSave == 0) return;
     const char *name = SettingsFilesFor(runFlags).list;
     const SettingsLock lock;
-    if (SettingsText(name).Failed()) return;
+    if (ReadText(name).Failed()) return;
     LineWriter out(2 * recent.size());
     for (const RecentFilter &filter : recent) out.Add("%s,%d", filter.name, static_cast<int>(filter.time));
     ReplaceFile(name, out);

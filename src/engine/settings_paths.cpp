@@ -11,7 +11,6 @@ namespace lmf {
 namespace {
 
 constexpr const char *kMakerFolder = "Quillon Works";
-constexpr const char *kProductFolder = "Lumenfold Studio 16";
 
 struct FilePath {
     char text[kPathSize] = "";
@@ -63,10 +62,23 @@ bool FindSettingsFile(const char *name, char (&out)[kPathSize]) {
     return AppendSettingsFolder(&path) && Finish(path, name, out);
 }
 
-bool FindProductFile(const char *name, char (&out)[kPathSize]) {
+bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]) {
     FilePath path;
     if (!AppendSettingsFolder(&path)) return false;
-    AppendFolder(&path, kProductFolder);
+    AppendFolder(&path, folder);
+    return Finish(path, name, out);
+}
+
+bool FindProductFile(const char *name, char (&out)[kPathSize]) {
+    return FindMakerFile(kProductFolder, name, out);
+}
+
+bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name, char (&out)[kPathSize]) {
+    FilePath path;
+    char documents[kFolderSize];
+    if (!UserDocumentsFolder(documents)) return false;
+    AppendFolder(&path, documents);
+    for (const char *folder : folders) AppendFolder(&path, folder);
     return Finish(path, name, out);
 }
 

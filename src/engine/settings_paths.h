@@ -4,8 +4,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 namespace lmf {
+
+/// The product's folder beside the settings files.
+inline constexpr const char *kProductFolder = "Lumenfold Studio 16";
 
 /// Room of a path: 260 characters and a terminator. What is longer is cut.
 inline constexpr size_t kPathSize = 261;
@@ -26,6 +30,10 @@ inline constexpr size_t kPathSize = 261;
 [[nodiscard]] bool FindSettingsFile(const char *name, char (&out)[kPathSize]);
 [[nodiscard]] bool FindProductFile(const char *name, char (&out)[kPathSize]);
 [[nodiscard]] bool FindModuleFile(const char *name, char (&out)[kPathSize]);
+/// The same of a file in another folder beside the settings files, and in a folder among the user's documents.
+[[nodiscard]] bool FindMakerFile(const char *folder, const char *name, char (&out)[kPathSize]);
+[[nodiscard]] bool FindDocumentsFile(std::initializer_list<const char *> folders, const char *name,
+                                     char (&out)[kPathSize]);
 
 /// Names of the files of one kind of host.
 struct SettingsFileSet {

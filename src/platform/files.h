@@ -66,6 +66,9 @@ private:
     char temporary[kFolderSize] = "";
 };
 
+/// Removes a file, or the link that leads to it; one that is not there is no matter.
+void RemoveFile(const char *path);
+
 /// Holds a lock that programs agree upon while it lives: whoever has the file's lock may change the files that it
 /// stands for. The file is made where it is missing, stays empty and stays behind.
 struct FileLock {

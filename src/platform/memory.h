@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "lmf16block.h"
 
@@ -68,6 +69,50 @@ struct BlockArray {
     explicit operator bool() const { return data != nullptr; }
     T &operator[](int64_t i) { return data[i]; }
     const T &operator[](int64_t i) const { return data[i]; }
+};
+
+/// A list of plain elements that grows, in a block of its own.
+template <typename T>
+struct BlockList {
+    /// Puts an element at the end.
+    /// @return false, with the list as it was, where memory is short
+    [[nodiscard]] bool Add(const T &element) {
+        if (count == room) {
+            const uint64_t larger = room == 0 ? 16 : room * 2;
+            BlockOwner grown(BlockAlloc(larger * sizeof(T)));
+            T *moved = static_cast<T *>(BlockLock(grown.handle));
+            if (moved == nullptr) return false;
+            for (uint64_t i = 0; i < count; i++) moved[i] = elements[i];
+            Clear(count);
+            owner.Reset(grown.Release());
+            elements = moved;
+            room = larger;
+        }
+        elements[count++] = element;
+        return true;
+    }
+    BlockList() = default;
+    BlockList(const BlockList &) = delete;
+    BlockList &operator=(const BlockList &) = delete;
+    ~BlockList() { Clear(0); }
+
+    [[nodiscard]] std::span<T> Elements() { return {elements, count}; }
+    [[nodiscard]] std::span<const T> Elements() const { return {elements, count}; }
+    /// Takes all elements out.
+    void Clear() { Clear(0); }
+
+private:
+    void Clear(uint64_t left) {
+        if (elements != nullptr) BlockUnlock(owner.handle);
+        owner.Reset();
+        elements = nullptr;
+        room = 0;
+        count = left;
+    }
+
+    BlockOwner owner;
+    T *elements = nullptr;
+    uint64_t count = 0, room = 0;
 };
 
 #ifdef LMF_FAULT_INJECTION

@@ -241,6 +241,23 @@ DibHandle ExpandToRgb(const ReadView &source) {
     return ToRgb(source, false);
 }
 
+DibHandle DibWithAlpha(const ReadView &source, const ReadView &mask) {
+    if (source.bits != 24 && source.bits != 32) return nullptr;
+    PixelPass pass(source, 32, nullptr);
+    if (!pass) return nullptr;
+    const ReadView &from = pass.from;
+    const ptrdiff_t step = from.bits / 8;
+    for (int32_t y = 0; y < from.height; y++) {
+        const uint8_t *fromRow = from.Row(y);
+        uint8_t *row = pass.to.Row(y);
+        for (int32_t x = 0; x < from.width; x++, fromRow += step, row += 4) {
+            std::memcpy(row, fromRow, 3);
+            row[3] = static_cast<uint8_t>(DibGetPixel(mask, x, y));
+        }
+    }
+    return pass.Finish();
+}
+
 DibHandle DibAlphaToGrey(const ReadView &source) {
     PixelPass pass(source, 8, &GreyRamp());
     if (!pass) return nullptr;

@@ -18,6 +18,9 @@ namespace lmf {
 [[nodiscard]] DibHandle ExpandToRgb(const ReadView &source);
 /// 8-bit grey picture of the alpha bytes.
 [[nodiscard]] DibHandle DibAlphaToGrey(const ReadView &source);
+/// 32-bit: a picture of 24 or 32 bits with the mask's pixels (their low byte) as alpha; null for other depths. What
+/// lies outside the mask is opaque.
+[[nodiscard]] DibHandle DibWithAlpha(const ReadView &source, const ReadView &mask);
 /// 24-bit: a 32-bit picture laid over a colour by its alpha.
 [[nodiscard]] DibHandle DibFlattenOnColor(const ReadView &source, Color background);
 /// 24-bit: the colour laid over the picture where the mask (low byte of its pixels) is high; null unless 24-bit.

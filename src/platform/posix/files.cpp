@@ -236,6 +236,10 @@ void PendingFile::SyncFolder() const {
     close(folder);
 }
 
+void RemoveFile(const char *path) {
+    unlink(path);
+}
+
 FileLock::FileLock(const char *path, int milliseconds) {
     constexpr timespec kPause = {0, 500000};
     constexpr int kFlags = O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
