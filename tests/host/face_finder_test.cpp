@@ -79,7 +79,7 @@ TEST_F(FaceFinder, FindsTheFaceOfAPhotographAndItsEyes) {
     const std::string folder = fs::path(LMF_FINDER_FILE).parent_path();
     const std::string faces = folder + "/haarcascade_frontalface_alt.xml", eyes = folder + "/haarcascade_eye.xml";
 
-    const Bytes rgba = ReadRgba("/usr/lib/python3/dist-packages/imageio/resources/images/astronaut.png");
+    const Bytes rgba = ReadRgba(kPortrait);
     const LockedDib astronaut(DibCreateSolid(512, 512, 0));
     ForEachPixel(astronaut, [&](int32_t x, int32_t y) {
         const uint8_t *pixel = &rgba[static_cast<size_t>(y * 512 + x) * 4];

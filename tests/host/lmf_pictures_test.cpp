@@ -474,6 +474,9 @@ TEST_F(LmfPictures, UprightPicturesAreTurnedAsTheirOrientationTells) {
 }
 
 TEST_F(LmfPictures, PngTextsColorsAndAnimationsAreKeptOrTold) {
+    // A photograph that tells its colors by a profile known as that of sRGB.
+    ExpectSilence(Run({"apply", "Invert Colors", kPortrait, "a.png"}));
+    EXPECT_TRUE(Has(ReadText(In("a.png")), "iCCP"));
     WritePng(In("plain.png"), MakePng(kColor, 8));
     const std::string plain = ReadText(In("plain.png"));
     const std::string text = Chunk(std::string("tEXtTitle\0of it", 15)),
