@@ -1,28 +1,19 @@
 #include "apply.h"
 
-#include <unistd.h>
-
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
-#include <map>
-#include <new>
+#include <set>
 
 #include "destinations.h"
 #include "files.h"
 #include "progress.h"
+#include "workers.h"
 
 namespace lmf::host {
 
 namespace {
-
-std::string OutputName(const std::string &input, const std::string &extension) {
-    std::string name = BaseName(input);
-    if (extension.empty()) return name;
-    const size_t dot = name.rfind('.');
-    if (dot != std::string::npos && dot > 0) name.resize(dot);
-    return name + "." + extension;
-}
 
 // The clock as the library reads it.
 int64_t StartTime() {
@@ -30,43 +21,10 @@ int64_t StartTime() {
     return epoch && *epoch ? std::strtoll(epoch, nullptr, 10) : int64_t{std::time(nullptr)};
 }
 
-// One input and one output, each a file or a standard stream.
-bool PlanOne(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
-    const bool toStream = request.output == kStandardStream;
-    if (!toStream && request.extension.empty() && !CodecForName(request.output))
-        return report.Fail("the name \"" + Printable(request.output) +
-                           "\" does not end in .png, .jpg, .tif, .webp or .bmp; --format names another format");
-    if (toStream && request.json) return report.Fail("--json and the picture would both go to standard output");
-    if (toStream && isatty(STDOUT_FILENO))
-        return report.Fail("a picture is nothing to show on a terminal: send standard output to a file or a program");
-    tasks.push_back({request.inputs[0], request.output, {}});
-    return true;
-}
-
-// Many inputs into one folder. Finds fault with what cannot be meant.
-bool PlanMany(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
-    std::map<std::string, std::string> writers;
-    const std::string folder = request.folder + (request.folder.ends_with('/') ? "" : "/");
-    for (const std::string &input : request.inputs) {
-        if (input == kStandardStream) return report.Fail("standard input has no name for --out-dir; give IN and OUT");
-        const Task task = {input, folder + OutputName(input, request.extension), {}};
-        const auto [place, fresh] = writers.emplace(task.output, input);
-        if (!fresh)
-            return report.Fail(Printable(place->second) + " and " + Printable(input) + " would both be written to " +
-                               Printable(task.output));
-        tasks.push_back(task);
-    }
-    return true;
-}
-
-bool PlanTasks(const ApplyRequest &request, std::vector<Task> &tasks, Report &report) {
-    if (!(request.folder.empty() ? PlanOne(request, tasks, report) : PlanMany(request, tasks, report))) return false;
-    const Grain grain = {request.seed, tasks.size() > 1, StartTime(), 0};
-    for (size_t i = 0; i < tasks.size(); ++i) {
-        tasks[i].grain = grain;
-        tasks[i].grain.index = int64_t(i);
-    }
-    return true;
+// Says which random numbers each picture gets.
+void GiveGrain(const ApplyRequest &request, std::vector<Task> &tasks) {
+    const int64_t start = StartTime();
+    for (size_t i = 0; i < tasks.size(); ++i) tasks[i].grain = {request.seed, tasks.size() > 1, start, int64_t(i)};
 }
 
 std::string NameOf(const Json &filter) {
@@ -115,9 +73,15 @@ bool RunSteps(const Job &job, const Grain &grain, Picture &picture, Report &repo
 
 ExitCode RunTask(const Job &job, const Task &task, TaskOutcome &outcome, Report &report) {
     Picture picture;
-    if (job.skipExisting && FileExists(task.output)) {
-        outcome.skipped = true;
-        return kDone;
+    if (!task.fault.empty()) {
+        report.Fail(task.fault);
+        return kUnreadable;
+    }
+    if (job.conflict != Conflict::kOverwrite && task.output != kStandardStream && FileExists(task.output)) {
+        outcome.skipped = job.conflict == Conflict::kSkip;
+        if (outcome.skipped) return kDone;
+        report.Fail(Printable(task.output) + " is there already");
+        return kUnwritable;
     }
     bool taken = true;
     picture.accepts = [&](int bits, Report &why) { return taken = MayTake(job, bits, why); };
@@ -171,24 +135,48 @@ void SumUp(size_t total, size_t failed, size_t skipped) {
     Complain(sum);
 }
 
+// Says how far an interrupted run came.
+void TellInterruption(const ApplyRequest &request, size_t total, size_t written) {
+    std::string text = "interrupted: ";
+    if (total == 1)
+        text += written ? "the picture was written" : "nothing was written";
+    else
+        text += std::to_string(written) + " of " + std::to_string(total) + " pictures written";
+    const bool named = !request.files.inPlace && request.files.conflict != Conflict::kRename;
+    if (total > 1 && named) text += "; --on-conflict skip goes on with the rest";
+    Complain(text);
+}
+
 // Runs all tasks, whatever becomes of each.
 int RunTasks(const ApplyRequest &request, const Job &job, const std::vector<Task> &tasks) {
     int exitCode = kDone;
-    size_t failed = 0;
-    size_t skipped = 0;
-    const Progress progress(request.quiet ? 0 : tasks.size());
-    for (size_t i = 0; i < tasks.size(); ++i) {
-        progress.Show(i, BaseName(tasks[i].input));
-        const TaskOutcome outcome = RunTask(job, tasks[i]);
+    size_t told = 0, failed = 0, skipped = 0;
+    std::string current;
+    Progress progress(request.quiet ? 0 : tasks.size());
+    WorkPlan plan;
+    plan.tasks = tasks.size();
+    plan.workers = request.jobs > 0 ? request.jobs : Processors();
+    plan.work = [&](size_t i) { return RunTask(job, tasks[i]); };
+    plan.begun = [&](size_t i) { current = BaseName(tasks[i].input); };
+    if (progress.Shown()) plan.tick = [&] { progress.Show(told, current); };
+    plan.done = [&](size_t i, const TaskOutcome &outcome) {
         Tell(tasks[i], outcome, request.quiet, progress);
         if (exitCode == kDone) exitCode = outcome.code;
+        ++told;
         failed += outcome.code != kDone;
         skipped += outcome.skipped;
         // At once, so that a program that reads the lines knows how far the run is, and an interrupted one has told.
         if (request.json)
             PrintLine(Describe(job, tasks[i], outcome).dump(-1, ' ', false, Json::error_handler_t::replace));
-    }
+    };
+    const int signal = DoWork(plan);
     progress.Clear();
+    if (signal) {
+        // Who reads no further wants no word either.
+        const bool unread = signal == SIGPIPE && tasks.size() == 1;
+        if (!request.quiet && !unread) TellInterruption(request, tasks.size(), told - failed - skipped);
+        EndBy(signal);
+    }
     if (tasks.size() > 1 && !request.quiet) SumUp(tasks.size(), failed, skipped);
     return exitCode;
 }
@@ -213,6 +201,8 @@ bool ReadClipboard(const ApplyRequest &request, Bitmap &clipboard) {
 // Whether all filters of the request can run at all. Tested before anything is read. What a library can do that is not
 // the program's own shows only when it runs.
 bool CanRun(const ApplyRequest &request, Report &report) {
+    if (request.json && request.files.output == kStandardStream)
+        return report.Fail("--json and the picture would both go to standard output");
     const bool ownLibrary = request.library.empty() && !std::getenv("LMF_LIBRARY");
     for (const StepRequest &step : request.settings.steps) {
         const Json &filter = *step.filter;
@@ -224,21 +214,29 @@ bool CanRun(const ApplyRequest &request, Report &report) {
     return true;
 }
 
+// Makes the folders that the outputs go to.
+bool MakeOutputFolders(const FilesRequest &files, const std::vector<Task> &tasks) {
+    if (files.folder.empty()) return true;
+    std::set<std::string> folders = {files.folder};
+    for (const Task &task : tasks)
+        if (!task.output.empty()) folders.insert(task.output.substr(0, task.output.rfind('/')));
+    for (const std::string &folder : folders) {
+        Report report;
+        if (MakeFolders(folder, report)) continue;
+        Complain(Printable(folder) + ": " + report.error);
+        return false;
+    }
+    return true;
+}
+
 } // namespace
 
-// Memory may also end in a codec or a container; then one picture has failed, and not the program.
 TaskOutcome RunTask(const Job &job, const Task &task) {
     TaskOutcome outcome;
     Report report;
-    try {
-        outcome.code = RunTask(job, task, outcome, report);
-        outcome.error = report.error;
-        outcome.warnings = report.warnings;
-    } catch (const std::bad_alloc &) {
-        outcome = {};
-        outcome.code = kUnreadable;
-        outcome.error = "memory is too short for the picture";
-    }
+    outcome.code = RunTask(job, task, outcome, report);
+    outcome.error = std::move(report.error);
+    outcome.warnings = std::move(report.warnings);
     return outcome;
 }
 
@@ -247,29 +245,30 @@ int Apply(const ApplyRequest &request) {
     std::vector<Task> tasks;
     Job job;
     job.limits = request.limits;
-    job.limits.regularOnly = !request.folder.empty();
+    job.limits.regularOnly = request.files.output.empty();
     job.encoding = request.encoding;
     job.treatment = request.treatment;
-    job.skipExisting = request.skipExisting;
-    if (!request.extension.empty()) job.codec = CodecForName("x." + request.extension);
-    if (!CanRun(request, report) || !PlanTasks(request, tasks, report)) {
+    job.conflict = request.files.conflict;
+    if (!request.files.extension.empty()) job.codec = CodecForName("x." + request.files.extension);
+    if (!CanRun(request, report)) {
         Complain(report.error);
         return kUsage;
     }
+    if (const ExitCode code = PlanTasks(request.files, tasks, report); code != kDone) {
+        Complain(report.error);
+        return code;
+    }
+    GiveGrain(request, tasks);
     if (const int code = MakeSteps(request.settings, job.steps, report); code != kDone) return code;
     if (!request.quiet)
         for (const std::string &warning : report.warnings) Complain(Printable("warning: " + warning));
     if (!ReadClipboard(request, job.clipboard)) return kUnreadable;
-    if (!request.folder.empty() && !MakeFolders(request.folder, report)) {
-        Complain(Printable(request.folder) + ": " + report.error);
-        return kUnwritable;
-    }
+    if (!MakeOutputFolders(request.files, tasks)) return kUnwritable;
     for (const Step &step : job.steps) {
         if (FindDestinations(*step.filter, job.destinations, report)) continue;
         Complain(report.error);
         return kFilterFailed;
     }
-    CleanUpOnSignals();
     if (!job.library.Load(request.library, report)) {
         Complain(report.error);
         return kFilterFailed;

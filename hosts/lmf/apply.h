@@ -1,6 +1,7 @@
 // A chain of filters over one picture or many.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,23 +9,22 @@
 #include "filter_run.h"
 #include "library.h"
 #include "picture.h"
+#include "plan.h"
 #include "settings.h"
+#include "task.h"
 
 namespace lmf::host {
 
 struct ApplyRequest {
     SettingsRequest settings;
-    std::vector<std::string> inputs;
-    std::string output;          // of the one input, or empty
-    std::string folder;          // for the outputs of all inputs, or empty
-    std::string extension;       // --format: that of the outputs, whatever their names; empty: by name
+    FilesRequest files;
     std::string library;         // path of the filter library; empty: the one beside the program
     std::string clipboard;       // a picture file that plays the part of the clipboard; empty: nothing does
     std::optional<int64_t> seed; // of all random numbers
     Limits limits;
     Encoding encoding;
     Treatment treatment;
-    bool skipExisting = false;
+    size_t jobs = 0; // processes that share the pictures; 0: as many as there are processors
     bool json = false;
     bool quiet = false;
 };
@@ -39,30 +39,12 @@ struct Job {
     Limits limits;
     Encoding encoding;
     Treatment treatment;
-    bool skipExisting = false;
-};
-
-/// One picture of a run.
-struct Task {
-    std::string input;
-    std::string output;
-    Grain grain;
-};
-
-struct TaskOutcome {
-    ExitCode code = kDone;
-    bool skipped = false;
-    std::string error;
-    std::vector<std::string> warnings;
-    int width = 0;
-    int height = 0;
-    int bits = 0;
-    double filterSeconds = 0;
+    Conflict conflict = Conflict::kOverwrite;
 };
 
 /// Does all of the work on one picture: reads it, runs the steps over it, writes it. It touches nothing but its
-/// arguments, the two files and the library, so that a process of its own can run it. Memory that runs out is a failure
-/// of this picture.
+/// arguments, the two files and the library, so that a process of its own can run it. Throws std::bad_alloc where
+/// memory runs out; then nothing was written.
 [[nodiscard]] TaskOutcome RunTask(const Job &job, const Task &task);
 
 /// Runs the request, with messages on standard error and, if asked for, a line of JSON a picture on standard output.

@@ -97,7 +97,8 @@ std::vector<const Json *> SettingsOf(const Json &filter) {
 } // namespace
 
 const Json &Catalogue() {
-    static const Json kCatalogue = WithDestinations(Json::parse(kDocument));
+    // Never destroyed: that would ask for memory, which a program that ends for want of it has not.
+    static const Json &kCatalogue = *new Json(WithDestinations(Json::parse(kDocument)));
     return kCatalogue;
 }
 

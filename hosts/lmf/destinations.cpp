@@ -46,7 +46,8 @@ DestinationList ReadList() {
 
 // Read once, before the library no longer sees the user's folder.
 const DestinationList &Destinations() {
-    static const DestinationList kList = ReadList();
+    // Never destroyed, as the catalogue is not.
+    static const DestinationList &kList = *new DestinationList(ReadList());
     return kList;
 }
 

@@ -18,17 +18,13 @@ namespace lmf::host {
 namespace {
 
 constexpr size_t kStartBytes = 64;
-constexpr size_t kLargestFile = size_t{4} << 30;
 
-// What a signal handler has to remove. A plain array, since nothing else may be touched there.
-char gOpenOutput[PATH_MAX];
-
-void Remember(char (&slot)[PATH_MAX], const std::string &path) {
-    if (path.size() < sizeof slot) std::memcpy(slot, path.c_str(), path.size() + 1);
-}
+// The open temporary file, which a signal handler has to remove. Not a string, since nothing else may be touched there.
+OutputSlot gOwnSlot;
+char *gOpenOutput = gOwnSlot;
 
 void OnSignal(int signal) {
-    if (gOpenOutput[0]) unlink(gOpenOutput);
+    RemoveOutput(gOpenOutput);
     std::signal(signal, SIG_DFL);
     raise(signal);
 }
@@ -74,7 +70,7 @@ std::string SystemError() {
 }
 
 bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &recognise, Bytes &bytes, Report &report,
-              bool regularOnly) {
+              bool regularOnly, size_t largest) {
     struct stat state;
     // Before it is opened: a pipe that nobody writes to would never open.
     if (regularOnly && path != kStandardStream && stat(path.c_str(), &state) == 0 && !S_ISREG(state.st_mode))
@@ -89,7 +85,7 @@ bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &reco
     if (!recognise(ByteView(bytes.data(), filled)))
         return report.Fail(filled == 0 ? "the file is empty" : "this is not a PNG, JPEG, TIFF, WebP or BMP picture");
     // One byte more than a regular file holds, so that its end shows in the first read.
-    if (S_ISREG(state.st_mode) && size_t(state.st_size) >= filled && size_t(state.st_size) < kLargestFile)
+    if (S_ISREG(state.st_mode) && size_t(state.st_size) >= filled && size_t(state.st_size) <= largest)
         bytes.resize(size_t(state.st_size) + 1);
     while (true) {
         if (filled == bytes.size()) bytes.resize(filled * 2);
@@ -97,16 +93,23 @@ bool ReadFile(const std::string &path, const std::function<bool(ByteView)> &reco
         filled += got;
         if (std::ferror(file)) return report.Fail(SystemError());
         if (got == 0) break;
-        if (filled > kLargestFile) return report.Fail("the file is larger than 4 GiB");
+        if (filled > largest) return report.Fail("the file is larger than " + std::to_string(largest >> 20) + " MiB");
     }
     bytes.resize(filled);
     return true;
 }
 
+bool ReadText(const std::string &path, size_t largest, std::string &text, Report &report) {
+    Bytes bytes;
+    const auto any = [](ByteView) { return true; };
+    if (!ReadFile(path, any, bytes, report, false, largest)) return false;
+    text.assign(bytes.begin(), bytes.end());
+    return true;
+}
+
 OutputFile::~OutputFile() {
     if (file) std::fclose(file);
-    if (!temporary.empty()) unlink(temporary.c_str());
-    gOpenOutput[0] = 0;
+    if (!temporary.empty()) RemoveOutput(gOpenOutput);
 }
 
 bool OutputFile::Open(const std::string &path, Report &report) {
@@ -132,12 +135,20 @@ bool OutputFile::Open(const std::string &path, Report &report) {
     }
     const size_t slash = target.rfind('/');
     temporary = (slash == std::string::npos ? "" : target.substr(0, slash + 1)) + ".lmf-XXXXXX";
-    const int descriptor = mkostemp(temporary.data(), O_CLOEXEC);
+    if (temporary.size() >= sizeof(OutputSlot)) {
+        temporary.clear();
+        errno = ENAMETOOLONG;
+        return report.Fail(SystemError());
+    }
+    // The name is made where a signal handler looks for it, so that there is no moment when it does not know the file.
+    std::memcpy(gOpenOutput, temporary.c_str(), temporary.size() + 1);
+    const int descriptor = mkostemp(gOpenOutput, O_CLOEXEC);
     if (descriptor < 0) {
+        gOpenOutput[0] = 0;
         temporary.clear();
         return report.Fail(SystemError());
     }
-    Remember(gOpenOutput, temporary);
+    temporary.assign(gOpenOutput, temporary.size());
     // The file stays its owner's and its group's, as far as this user may give it away.
     if (there && fchown(descriptor, state.st_uid, state.st_gid) != 0 &&
         fchown(descriptor, uid_t(-1), state.st_gid) != 0)
@@ -158,14 +169,24 @@ bool OutputFile::Commit(Report &report) {
     file = nullptr;
     if (!written || !closed) return report.Fail(SystemError());
     if (std::rename(temporary.c_str(), target.c_str()) != 0) return report.Fail(SystemError());
+    gOpenOutput[0] = 0;
     temporary.clear();
     return true;
+}
+
+void KeepOutputIn(OutputSlot &slot) {
+    gOpenOutput = slot;
+}
+
+void RemoveOutput(char *slot) {
+    if (slot[0]) unlink(slot);
+    slot[0] = 0;
 }
 
 void CleanUpOnSignals() {
     // A limit on the size of files shows as a write that fails.
     std::signal(SIGXFSZ, SIG_IGN);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int signal : kEndingSignals) {
         // A program that was started to ignore the signal (nohup) goes on ignoring it.
         if (std::signal(signal, OnSignal) == SIG_IGN) std::signal(signal, SIG_IGN);
     }

@@ -1,9 +1,15 @@
 // lmf, the command line host of the filter library: what is typed, and what is printed.
 #include <CLI/CLI.hpp>
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <exception>
+#include <map>
+#include <new>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "apply.h"
@@ -139,6 +145,68 @@ int Info(const Arguments &arguments) {
     return exitCode;
 }
 
+// The options that say which files are read and written.
+void AddFileOptions(CLI::App &app, FilesRequest &files) {
+    static const std::map<std::string, Conflict> kConflicts = {{"overwrite", Conflict::kOverwrite},
+                                                               {"skip", Conflict::kSkip},
+                                                               {"fail", Conflict::kFail},
+                                                               {"rename", Conflict::kRename}};
+    app.add_option("--out-dir", files.folder, "Write all results into this folder")->type_name("DIR");
+    app.add_option("--suffix", files.suffix, "Add this to the names of the results, before the ending")
+        ->type_name("TEXT");
+    app.add_flag("--in-place", files.inPlace, "Let results take the place of their inputs");
+    app.add_flag("--keep-tree", files.keepTree, "Keep the folders of the inputs below --out-dir");
+    app.add_option_function<std::string>(
+           "--on-conflict",
+           [&files](const std::string &word) {
+               const auto found = kConflicts.find(word);
+               if (found == kConflicts.end())
+                   throw CLI::ValidationError("--on-conflict", "takes fail, skip, rename or overwrite");
+               files.conflict = found->second;
+           },
+           "What to do where a result's name is taken: fail, skip, rename or overwrite (default: overwrite)")
+        ->type_name("WHAT");
+    app.add_flag_callback(
+        "--skip-existing", [&files] { files.conflict = Conflict::kSkip; }, "The same as --on-conflict skip");
+    app.add_flag("-r,--recurse", files.recurse, "Take the pictures in folders, and in folders below them");
+    app.add_option("--files-from", files.listFile,
+                   "Take names of inputs from a file too, one a line; - is standard input")
+        ->type_name("FILE");
+    app.add_flag("-0,--null", files.nulList, "The names of --files-from end in NUL bytes and not in lines");
+    app.add_option("--format", files.extension, "Write png, jpg, tif, webp or bmp, whatever the name ends in")
+        ->type_name("FORMAT");
+}
+
+// Makes the files of a request of the names that were typed.
+bool TakeNames(const CLI::App &app, const Arguments &names, FilesRequest &files) {
+    files.inputs = names;
+    if (files.extension.starts_with('.')) files.extension.erase(0, 1);
+    const bool many = app.count("--out-dir") + app.count("--suffix") + app.count("--in-place") > 0;
+    std::string fault;
+    if (!files.extension.empty() && !CodecForName("x." + files.extension))
+        fault = "--format takes png, jpg, tif, webp or bmp";
+    else if (app.count("--out-dir") && files.folder.empty())
+        fault = "--out-dir takes the name of a folder";
+    else if (files.suffix.find('/') != std::string::npos)
+        fault = "--suffix is a part of a name and has no /";
+    else if (files.keepTree && files.folder.empty())
+        fault = "--keep-tree needs --out-dir";
+    else if (files.nulList && files.listFile.empty())
+        fault = "--null needs --files-from";
+    else if (!many && (files.recurse || !files.listFile.empty()))
+        fault = "say where the results go: --out-dir, --suffix or --in-place";
+    else if (!many && (files.inputs.size() != 2 || files.inputs[1].empty()))
+        fault = "give one input and one output, or --out-dir and any number of inputs";
+    if (!fault.empty()) {
+        Complain(fault);
+        return false;
+    }
+    if (many) return true;
+    files.output = files.inputs[1];
+    files.inputs.pop_back();
+    return true;
+}
+
 // The options of lmf apply. `names` takes those of the filters after the first; a setting belongs to the filter that
 // stands before it.
 void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
@@ -173,14 +241,14 @@ void AddApplyOptions(CLI::App &app, ApplyRequest &request, Arguments &names) {
     app.add_option("--clipboard", request.clipboard,
                    "A picture file that plays the part of the clipboard, for filters that take a second picture")
         ->type_name("PICTURE");
-    app.add_option("--out-dir", request.folder, "Write all results into this folder")->type_name("DIR");
-    app.add_option("--format", request.extension, "Write png, jpg, tif, webp or bmp, whatever the name ends in")
-        ->type_name("FORMAT");
-    app.add_flag("--skip-existing", request.skipExisting, "Leave pictures alone whose result is there already");
+    AddFileOptions(app, request.files);
     AddReadingOptions(app, request.limits);
     AddWritingOptions(app, request.encoding, request.treatment);
     app.add_option("--library", request.library, "The filter library, if not the one beside this program")
         ->type_name("FILE");
+    app.add_option("-j,--jobs", request.jobs, "Processes that share the pictures (default: one a processor)")
+        ->check(CLI::Range(1, 1024))
+        ->type_name("N");
     app.add_flag("--json", request.json, "Print a line of JSON for each picture when it is done");
     app.add_flag("-q,--quiet", request.quiet, "Print errors only: no warnings, no bar, no sum");
     app.footer("Exit codes: 0 done, 1 wrong usage, 2 an input could not be read, 3 a filter failed,\n"
@@ -221,23 +289,7 @@ int ApplyCommand(const Arguments &arguments) {
         rest.erase(rest.begin());
     }
     if (!FindSteps(request, names)) return kUsage;
-    request.inputs = rest;
-    if (app.count("--out-dir") == 0) {
-        if (request.inputs.size() != 2) {
-            Complain("give one input and one output, or --out-dir and any number of inputs");
-            return kUsage;
-        }
-        request.output = request.inputs[1];
-        request.inputs.pop_back();
-    } else if (request.inputs.empty() || request.folder.empty()) {
-        Complain(request.folder.empty() ? "--out-dir takes the name of a folder" : "there are no pictures to work on");
-        return kUsage;
-    }
-    if (request.extension.starts_with('.')) request.extension.erase(0, 1);
-    if (!request.extension.empty() && !CodecForName("x." + request.extension)) {
-        Complain("--format takes png, jpg, tif, webp or bmp");
-        return kUsage;
-    }
+    if (!TakeNames(app, rest, request.files)) return kUsage;
     TakePaper(request.settings.paper, request.treatment);
     return Apply(request);
 }
@@ -333,11 +385,29 @@ int Run(const Arguments &arguments) {
     return kUsage;
 }
 
+// Ends the program for want of memory, with a text that needs none.
+[[noreturn]] void EndWithoutMemory() {
+    constexpr std::string_view kText = "lmf: stopped, most likely since memory is too short\n";
+    (void)!write(STDERR_FILENO, kText.data(), kText.size());
+    _exit(kUnreadable);
+}
+
 } // namespace
 
 } // namespace lmf::host
 
 int main(int count, char **arguments) {
-    // Output that could not be printed, on a full disk say, is a failure too.
-    return lmf::host::FinishOutput(lmf::host::Run({arguments + 1, arguments + count}));
+    using namespace lmf::host;
+    CleanUpOnSignals();
+    // Memory may end anywhere, also where nothing can be caught: while a document of JSON is taken apart, say.
+    std::set_terminate(EndWithoutMemory);
+    try {
+        // Output that could not be printed, on a full disk say, is a failure too.
+        return FinishOutput(Run({arguments + 1, arguments + count}));
+    } catch (const std::bad_alloc &) {
+        EndWithoutMemory();
+    } catch (const std::exception &error) {
+        Complain(error.what());
+        return kUnreadable;
+    }
 }

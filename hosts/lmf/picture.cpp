@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "files.h"
@@ -37,6 +38,24 @@ void TellUnheard(const Encoding &encoding, const Codec &codec, Report &report) {
     tell(encoding.progressive, kObeysJpeg, "--progressive");
     tell(encoding.lossless, kObeysLossless, "--lossless");
     tell(encoding.compression >= 0, kObeysCompression, "--compression");
+}
+
+// Reads a picture of any format.
+bool ReadWhole(const std::string &path, const Limits &limits, Picture &picture, Report &report) {
+    Bytes file;
+    const Codec *codec = nullptr;
+    const auto recognise = [&](ByteView start) {
+        for (const Codec *candidate : kCodecs)
+            if (!codec && candidate->recognises(start)) codec = candidate;
+        return codec != nullptr;
+    };
+    if (!ReadFile(path, recognise, file, report, limits.regularOnly)) return false;
+    picture.codec = codec;
+    if (!codec->read(file, limits, picture, report)) return false;
+    if (limits.undamaged && !report.damage.empty()) return report.Fail("the file is damaged: " + report.damage);
+    picture.readWidth = picture.image.width;
+    picture.readHeight = picture.image.height;
+    return true;
 }
 
 } // namespace
@@ -259,21 +278,14 @@ const Codec *CodecForName(const std::string &path) {
     return nullptr;
 }
 
+// Memory may also end in a codec or a container.
 bool ReadPicture(const std::string &path, const Limits &limits, Picture &picture, Report &report) {
-    Bytes file;
-    const Codec *codec = nullptr;
-    const auto recognise = [&](ByteView start) {
-        for (const Codec *candidate : kCodecs)
-            if (!codec && candidate->recognises(start)) codec = candidate;
-        return codec != nullptr;
-    };
-    if (!ReadFile(path, recognise, file, report, limits.regularOnly)) return false;
-    picture.codec = codec;
-    if (!codec->read(file, limits, picture, report)) return false;
-    if (limits.undamaged && !report.damage.empty()) return report.Fail("the file is damaged: " + report.damage);
-    picture.readWidth = picture.image.width;
-    picture.readHeight = picture.image.height;
-    return true;
+    try {
+        return ReadWhole(path, limits, picture, report);
+    } catch (const std::bad_alloc &) {
+        picture = {};
+        return report.Fail("memory is too short for the picture");
+    }
 }
 
 bool WritePicture(const std::string &path, const Codec *codec, const Picture &picture, const Encoding &encoding,

@@ -34,13 +34,7 @@ std::string FindProductFile(std::span<const char *const> names, const char *fact
 }
 
 bool ReadProductFile(const std::string &path, std::string &text, Report &report) {
-    Bytes bytes;
-    if (!ReadFile(
-            path, [](ByteView) { return true; }, bytes, report))
-        return false;
-    if (bytes.size() > kLargestText) return report.Fail("the file is larger than 1 MB");
-    text.assign(bytes.begin(), bytes.end());
-    return true;
+    return ReadText(path, kLargestText, text, report);
 }
 
 } // namespace lmf::host

@@ -76,13 +76,9 @@ std::string TakeLine(std::string_view line, const std::map<std::string_view, Kno
 } // namespace
 
 bool SettingsFile::Read(const std::string &path, Report &report) {
-    Bytes bytes;
-    if (!ReadFile(
-            path, [](ByteView) { return true; }, bytes, report))
-        return false;
-    if (bytes.size() > kLargestFile)
-        return report.Fail("the settings take more than 1 MB, which the library does not read");
-    std::string_view text(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+    std::string bytes;
+    if (!ReadText(path, kLargestFile, bytes, report)) return false;
+    std::string_view text = bytes;
     if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
     const std::map<std::string_view, KnownKey> keys = KnownKeys();
     for (size_t number = 1; !text.empty(); ++number) {

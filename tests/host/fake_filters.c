@@ -4,6 +4,7 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include "lmf16filter.h"
 
@@ -43,6 +44,14 @@ FAKE uint64_t LMF16FILTERDoImageFilter(void *owner, LmfHandle *picture, LmfValid
     if (strncmp(wish, "fail:", 5) == 0) {
         given->errorCode = atoi(wish + 5);
         return 0;
+    }
+    uint32_t width = 0;
+    memcpy(&width, (char *)LmfBlockLock(*picture) + 4, sizeof width);
+    LmfBlockUnlock(*picture);
+    if (width == 5 && strcmp(wish, "crash at 5") == 0) abort();
+    if (width == 5 && strncmp(wish, "signal at 5:", 12) == 0) {
+        kill(getppid(), atoi(wish + 12));
+        pause();
     }
     *picture = copy_of(*picture);
     if (strcmp(wish, "other alpha") == 0) *second = grey_picture(3, 2);

@@ -240,7 +240,7 @@ TEST_F(LmfSettings, SettingsFileComesFirstAndAssignmentsWin) {
     EXPECT_EQ(SeenSetting("FilterGaussianSigma"), "34") << "after the mark that some editors begin a file with";
     WriteText(In("long.ini"), std::string((1 << 20) + 1, ';'));
     Expect(2, Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "long.ini"}),
-           "long.ini: the settings take more");
+           "long.ini: the file is larger than 1 MiB");
     EXPECT_EQ(Run({"apply", "Sepia", "p.png", "o.png", "--settings-from", "missing.ini"}).exitCode, 2);
     EXPECT_EQ(Run({"settings", "path"}, {{"XDG_CONFIG_HOME", "/c"}}).output, "/c/Quillon Works/LmfFiltr.ini\n");
 }
