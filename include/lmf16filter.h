@@ -17,7 +17,9 @@
  *                 pixels: 24 bits are blue, green, red; 32 bits blue, green, red, alpha; 4 bits high nibble first;
  *                 1 bit most significant bit first
  *
- * Colours are 0x00BBGGRR. All calls run on the caller's thread and must not overlap. */
+ * Colours are 0x00BBGGRR, sizes in bytes unless told otherwise, lengths and places in pixels. Texts are zero-terminated
+ * and in UTF-8; in settings, what is no valid UTF-8 counts as code page 1252. Names of files are in the system's own
+ * form. All calls run on the caller's thread and must not overlap. */
 #ifndef LMF16FILTER_H
 #define LMF16FILTER_H
 
@@ -227,11 +229,33 @@ typedef struct LmfExtendedHooks {
     uint32_t size;        /* in: bytes of the whole record, from the start of `hooks` */
     int32_t errorCode;    /* out, on success too: an LMF_ERROR_ */
     const char *settings; /* in: lines "Key = value" as in a settings file, which they outdo for this call only; also
-                             keys that no file keeps, such as FilterCropLeft; may be null */
+                             keys that no file keeps, such as FilterCropLeft; may be null. Numbers are stored ones, in
+                             the units that `lmf show FILTER` and catalogue.json name behind the keys: tenths of a
+                             degree, hundredths, pixels of the picture; colours as decimal 0x00BBGGRR, yes as 1 */
     LmfHandle clipboard;  /* in: a picture that stands for the clipboard's; stays the host's; may be null */
     const char *destinations; /* in: the file with the list from which Social Media takes its destination; null: the
                                  user's list, or else the library's own */
 } LmfExtendedHooks;
+
+/* One entry of a menu. */
+typedef struct LmfMenuItem {
+    uint32_t id;       /* the first id that the host gave, plus the catalogue row */
+    int32_t enabled;   /* 1, or 0 where the entry is greyed; 1 until the first EnableMenu */
+    char category[16]; /* "Artistic", ...: the title of the submenu in a grouped menu; zero-terminated */
+    char name[40];     /* "Add noise", ...; zero-terminated */
+} LmfMenuItem;
+
+/* What GetMenu gives where there is no Win32: a block of the host's with `count` items behind its head. The host locks
+ * it to read it and frees it with LmfBlockFree; it holds nothing of the library's. */
+typedef struct LmfMenu {
+    uint32_t count;
+    uint32_t grouped; /* 1: the items of one category follow each other; 0: they stand in the order of the catalogue */
+} LmfMenu;
+
+/** @return the first of the `count` items of a locked menu. */
+static inline const LmfMenuItem *LmfMenuItems(const LmfMenu *menu) {
+    return (const LmfMenuItem *)(const void *)(menu + 1);
+}
 
 /* What the windows ask of their host. `hostValue` is that of the request; the picture stays the library's. */
 typedef void (*LmfView)(void *window, LmfHandle picture, void *hostValue); /* shows a picture */
@@ -265,7 +289,7 @@ typedef struct DarkroomRequest {
     uint32_t tipTimer; /* library */
     uint32_t reserved3;
     void *tipWindow;     /* library */
-    int32_t tipPoint[2]; /* library */
+    int32_t tipPoint[2]; /* library: x and y in pixels */
     uint32_t hitItem;    /* library */
     uint32_t reserved4;
     LmfHandle thumbBase;   /* library */
@@ -293,7 +317,7 @@ typedef struct AdjustRequest {
     uint32_t reserved2[5];
     void *hostValue;          /* handed back to every callback */
     LmfHandle previewBase;    /* library */
-    int32_t previewOffset[2]; /* library */
+    int32_t previewOffset[2]; /* library: x and y in pixels */
     uint32_t dirty;           /* library */
     uint32_t reserved3;
     void *context; /* library */
@@ -337,12 +361,19 @@ LMF_API uint64_t LMF16FILTERDoPhotographDarkroom(DarkroomRequest *request);
 LMF_API uint64_t LMF16FILTERDoAdjust(AdjustRequest *request);
 
 /** Builds the host's Filter menu with item ids `firstId` + catalogue row.
- *  @param grouped  0 for one flat list, otherwise one entry a category
- *  @return a menu that the host owns, or null where no window system serves this build. */
+ *
+ *  With `grouped` 0 it has the filters that the user's enable file of Daubery leaves enabled and that paint hosts show,
+ *  in the order of the catalogue. Otherwise it has all filters that paint hosts show, category after category.
+ *  No desktop is needed.
+ *  @return on Windows a menu, which the host destroys; elsewhere a block with an LmfMenu, which the host frees; null
+ *  when memory is short. */
 LMF_API void *LMF16FILTERGetMenu(uint32_t firstId, uint32_t grouped);
 
-/** Enables and greys the items of a menu of GetMenu for the picture of `restrictions`.
- *  @return what the system's last change of an item gave. */
+/** Enables and greys the items of a menu of GetMenu for the picture of `restrictions`; without a picture, or one that
+ *  cannot be read, all are greyed.
+ *  @param menu     of GetMenu, not locked by anybody who writes to it; null or another block is left alone
+ *  @param firstId  the one that was given to GetMenu
+ *  @return what the item of the last row was before, 0 enabled or 3 greyed; -1 where the menu has no such item. */
 LMF_API int32_t LMF16FILTEREnableMenu(void *menu, uint32_t firstId, const HostRestrictions *restrictions);
 
 /** @return the number of filters, 95. */
@@ -366,6 +397,23 @@ LMF_API int32_t LMF16FILTERSetValidation(const char *text);
  *  @param reason  1: the library was loaded, 0: it is being unloaded; others do nothing
  *  @return 1. */
 LMF_API int32_t DllMain(void *module, uint32_t reason, void *reserved);
+
+/* The types of the functions above, for hosts that find them at run time:
+ *
+ *   LmfDoImageFilter run = (LmfDoImageFilter)dlsym(library, "LMF16FILTERDoImageFilter"); */
+typedef uint64_t (*LmfDoImageFilter)(void *owner, LmfHandle *picture, LmfValidation callback, LmfHandle *second,
+                                     int32_t buttonStyle, int32_t gradientSliders, uint32_t runFlags, void *hostRecord,
+                                     const char *browserPath, uint32_t browserMask, int32_t hostReserved,
+                                     const HostHooks *hooks);
+typedef uint64_t (*LmfDoPhotographDarkroom)(DarkroomRequest *request);
+typedef uint64_t (*LmfDoAdjust)(AdjustRequest *request);
+typedef void *(*LmfGetMenu)(uint32_t firstId, uint32_t grouped);
+typedef int32_t (*LmfEnableMenu)(void *menu, uint32_t firstId, const HostRestrictions *restrictions);
+typedef int32_t (*LmfGetCount)(void);
+typedef int32_t (*LmfGetVersion)(void);
+typedef const char *(*LmfGetCopyright)(void);
+typedef const char *(*LmfGetValidationString)(void);
+typedef int32_t (*LmfSetValidation)(const char *text);
 
 #ifdef __cplusplus
 }

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -187,12 +188,14 @@ std::string BaseName(const std::string &path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-std::string ProgramFolder() {
+std::string ProgramLibraryFolder() {
     char path[PATH_MAX];
     const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
-    if (length <= 0) return ".";
-    const std::string program(path, size_t(length));
-    return program.substr(0, program.rfind('/'));
+    const std::string program(path, size_t(std::max<ssize_t>(length, 0)));
+    const std::string folder = program.substr(0, program.rfind('/') + 1);
+    for (const char *place : {LMF_LIBRARY_FOLDER, "../lib"})
+        if (FileExists(folder + place + "/liblmf16filter.so.1")) return folder + place + "/";
+    return folder + "../lib/";
 }
 
 } // namespace lmf::host

@@ -49,8 +49,9 @@ void CleanUpOnSignals();
 /// Gives the part of a path after its last slash.
 std::string BaseName(const std::string &path);
 
-/// Gives the folder of this program's own file.
-std::string ProgramFolder();
+/// Gives the folder of the library that came with this program, with a closing slash: where it was installed, or beside
+/// the program's own folder where it was built.
+std::string ProgramLibraryFolder();
 
 /// Gives the text for the present value of errno.
 std::string SystemError();

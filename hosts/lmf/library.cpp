@@ -47,7 +47,7 @@ int32_t Validate(void *, const char *) {
 bool Library::Load(std::string path, Report &report) {
     const char *fromEnvironment = std::getenv("LMF_LIBRARY");
     if (path.empty() && fromEnvironment) path = fromEnvironment;
-    if (path.empty()) path = ProgramFolder() + "/../lib/liblmf16filter.so";
+    if (path.empty()) path = ProgramLibraryFolder() + "liblmf16filter.so.1";
     setenv("XDG_CONFIG_HOME", kNoFolder, 1);
     void *library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) return report.Fail(std::string("the filter library cannot be loaded: ") + dlerror());

@@ -12,11 +12,11 @@ namespace lmf::host {
 
 /// The loaded library. It stays loaded until the program ends.
 struct Library {
-    decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
+    LmfDoImageFilter doImageFilter = nullptr;
     std::string finderFolder; // where the library looks for the face finder, with a closing slash
 
-    /// Loads it from `path`; an empty path means the environment's LMF_LIBRARY or, without it, the `lib` folder
-    /// beside this program's own. From then on the library finds no settings files: a run depends on nothing but what
+    /// Loads it from `path`; an empty path means the environment's LMF_LIBRARY or, without it, the one that came
+    /// with this program. From then on the library finds no settings files: a run depends on nothing but what
     /// it is given, and leaves nothing behind.
     [[nodiscard]] bool Load(std::string path, Report &report);
 };

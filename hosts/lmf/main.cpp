@@ -10,10 +10,12 @@
 #include "catalogue.h"
 #include "command_line.h"
 #include "console.h"
+#include "files.h"
 #include "listing.h"
 #include "picture_options.h"
 #include "progress.h"
 #include "recipe_commands.h"
+#include "sample.h"
 
 namespace lmf::host {
 
@@ -240,6 +242,26 @@ int ApplyCommand(const Arguments &arguments) {
     return Apply(request);
 }
 
+int SampleCommand(const Arguments &arguments) {
+    CLI::App app("Draws a picture to try filters on. A file that is there already stays as it is.",
+                 "lmf sample PICTURE");
+    Arguments rest;
+    int exitCode = kDone;
+    if (!ParseOptions(app, arguments, rest, exitCode)) return exitCode;
+    if (rest.size() != 1) {
+        Complain("lmf sample takes the name of the picture to write");
+        return kUsage;
+    }
+    Report report;
+    Picture picture;
+    if (rest[0] != kStandardStream && FileExists(rest[0])) report.Fail("this file is there already");
+    if (report.error.empty() && DrawSample(picture, report) &&
+        WritePicture(rest[0], nullptr, picture, Encoding(), report))
+        return kDone;
+    Complain(Printable(rest[0]) + ": " + report.error);
+    return kUnwritable;
+}
+
 int SettingsCommand(const Arguments &arguments) {
     CLI::App app("Prints the name of the file in which the library keeps the user's settings.\n"
                  "lmf apply reads it only when told to with --settings-from.",
@@ -266,6 +288,7 @@ constexpr Command kCommands[] = {
     {"list", "list the filters", List},
     {"show", "show a filter's settings", Show},
     {"info", "tell what a picture file holds", Info},
+    {"sample", "draw a picture to try filters on", SampleCommand},
     {"recipes", "list the recipes", RecipesCommand},
     {"sheet", "draw what recipes or filters make of a picture", SheetCommand},
     {"save", "write a document with a filter's settings", SaveCommand},
@@ -280,6 +303,7 @@ int Usage(bool asked) {
                        "  lmf show FILTER [--json]\n"
                        "  lmf apply --recipe NAME IN OUT\n"
                        "  lmf info PICTURE...\n"
+                       "  lmf sample PICTURE\n"
                        "  lmf recipes [--json]\n"
                        "  lmf sheet IN OUT.png [--filters A,B,... | --category C]\n"
                        "  lmf save FILTER [--set NAME=VALUE]... FILE\n"

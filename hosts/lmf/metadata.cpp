@@ -13,15 +13,17 @@ namespace lmf::host {
 
 namespace {
 
+// Beside the filter library.
+constexpr char kModuleFile[] = "liblmf_metadata.so";
+
 // Gives the module, which is loaded once and stays; null, with a warning, if it is not there.
 const MetadataModule *Module(Report &report) {
     static const MetadataModule *module = [] {
-        const std::string folder = ProgramFolder();
-        void *library = dlopen((folder + "/../lib/liblmf_metadata.so").c_str(), RTLD_NOW | RTLD_LOCAL);
+        void *library = dlopen((ProgramLibraryFolder() + kModuleFile).c_str(), RTLD_NOW | RTLD_LOCAL);
         void *entry = library ? dlsym(library, "LmfMetadataModule") : nullptr;
         return entry ? reinterpret_cast<decltype(&LmfMetadataModule)>(entry)() : nullptr;
     }();
-    if (!module) report.Warn("../lib/liblmf_metadata.so cannot be loaded, so metadata is left out");
+    if (!module) report.Warn(std::string(kModuleFile) + " cannot be loaded, so metadata is left out");
     return module;
 }
 

@@ -338,9 +338,12 @@ PngPlan PlanFor(const Picture &picture) {
 }
 
 void SetMetadata(png_structp png, png_infop info, const Metadata &metadata, bool withProfile) {
-    if (withProfile)
+    if (withProfile) {
+        // A profile that libpng knows as that of sRGB goes into the file all the same.
+        png_set_option(png, PNG_SKIP_sRGB_CHECK_PROFILE, PNG_OPTION_ON);
         png_set_iCCP(png, info, "ICC profile", PNG_COMPRESSION_TYPE_BASE, metadata.icc.data(),
                      png_uint_32(metadata.icc.size()));
+    }
     if (!metadata.exif.empty())
         png_set_eXIf_1(png, info, png_uint_32(metadata.exif.size()), const_cast<png_bytep>(metadata.exif.data()));
     const Density &density = metadata.density;
@@ -348,7 +351,7 @@ void SetMetadata(png_structp png, png_infop info, const Metadata &metadata, bool
         png_set_pHYs(png, info, png_uint_32(density.x + 0.5), png_uint_32(density.y + 0.5),
                      density.absolute ? PNG_RESOLUTION_METER : PNG_RESOLUTION_UNKNOWN);
     const double *chroma = metadata.colors.chroma;
-    if (metadata.colors.srgbIntent >= 0) png_set_sRGB(png, info, metadata.colors.srgbIntent);
+    if (metadata.colors.srgbIntent >= 0 && !withProfile) png_set_sRGB(png, info, metadata.colors.srgbIntent);
     if (metadata.colors.gamma > 0) png_set_gAMA(png, info, metadata.colors.gamma);
     if (chroma[0] > 0)
         png_set_cHRM(png, info, chroma[0], chroma[1], chroma[2], chroma[3], chroma[4], chroma[5], chroma[6], chroma[7]);

@@ -20,7 +20,7 @@ std::string UserFolder() {
 
 std::string LibraryFolder() {
     const char *library = std::getenv("LMF_LIBRARY");
-    if (!library || !*library) return ProgramFolder() + "/../lib/";
+    if (!library || !*library) return ProgramLibraryFolder();
     std::error_code error;
     return std::filesystem::absolute(library, error).parent_path().string() + "/";
 }

@@ -13,12 +13,6 @@ constexpr size_t kLongestLine = 258; // the library reads lines of up to 259 byt
 constexpr size_t kMostDigits = 12;   // of a number in a unit, so that its steps fit 64 bits
 constexpr int64_t kFullCircle = 360; // degrees
 
-// The characters that code page 1252 has at 0x80 to 0x9F; 0 marks the unused places.
-constexpr uint16_t kWindows1252[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                       0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
-                                       0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                       0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
 struct ColorName {
     const char *name;
     uint32_t rgb; // 0xRRGGBB
@@ -57,42 +51,6 @@ std::string ColorText(int64_t stored) {
     std::snprintf(text, sizeof text, "#%02x%02x%02x", unsigned(stored & 0xFF), unsigned(stored >> 8 & 0xFF),
                   unsigned(stored >> 16 & 0xFF));
     return text;
-}
-
-// Reads one character of UTF-8 from `text` at `at`. Gives nothing where the bytes are not UTF-8.
-std::optional<uint32_t> NextCharacter(std::string_view text, size_t &at) {
-    const auto byte = [&](size_t i) { return i < text.size() ? uint8_t(text[i]) : uint8_t{0}; };
-    const uint8_t lead = byte(at);
-    const size_t length = lead < 0x80 ? 1 : lead >= 0xC2 && lead < 0xE0 ? 2 : lead >= 0xE0 && lead < 0xF0 ? 3 : 4;
-    if (lead >= 0x80 && (lead < 0xC2 || lead > 0xF4)) return std::nullopt;
-    uint32_t value = length == 1 ? lead : lead & (0xFFu >> (length + 1));
-    for (size_t i = 1; i < length; ++i) {
-        if ((byte(at + i) & 0xC0) != 0x80) return std::nullopt;
-        value = value << 6 | (byte(at + i) & 0x3Fu);
-    }
-    at += length;
-    return value;
-}
-
-// From the terminal's UTF-8 to the library's code page. Bytes that are not UTF-8 are taken to be in that page already.
-bool ToWindows1252(const std::string &text, std::string &converted, Report &report) {
-    converted.clear();
-    for (size_t at = 0; at < text.size();) {
-        const size_t start = at;
-        const std::optional<uint32_t> character = NextCharacter(text, at);
-        if (!character) {
-            converted = text;
-            return true;
-        }
-        int place = *character < 0x80 || (*character >= 0xA0 && *character <= 0xFF) ? int(*character) : -1;
-        for (int i = 0; i < 32 && place < 0; ++i)
-            if (kWindows1252[i] == *character) place = 0x80 + i;
-        if (place < 0)
-            return report.Fail("the library's texts cannot hold \"" + text.substr(start, at - start) +
-                               "\" (code page 1252)");
-        converted += char(place);
-    }
-    return true;
 }
 
 bool ParseBoolean(const std::string &given, std::string &stored) {
@@ -211,7 +169,7 @@ bool FitsLine(const std::string &key, const std::string &text, Report &report) {
     if (!text.empty() && (text[0] == ' ' || text[0] == '='))
         return report.Fail(key + ": a text cannot begin with a blank or \"=\"");
     const size_t room = kLongestLine - key.size() - 3;
-    if (text.size() > room) return report.Fail(key + ": a text has at most " + std::to_string(room) + " characters");
+    if (text.size() > room) return report.Fail(key + ": a text has at most " + std::to_string(room) + " bytes");
     return true;
 }
 
@@ -227,7 +185,10 @@ bool ParseValue(const Json &setting, const std::string &given, Manner manner, st
     const auto &key = setting["key"].get_ref<const std::string &>();
     const auto &type = setting["type"].get_ref<const std::string &>();
     stored.clear();
-    if (type == "text" || type == "font") return ToWindows1252(given, stored, report) && FitsLine(key, stored, report);
+    if (type == "text" || type == "font") {
+        stored = given; // the library reads UTF-8
+        return FitsLine(key, stored, report);
+    }
     if (type == "boolean")
         return ParseBoolean(given, stored) ||
                report.Fail(key + " cannot be \"" + given + "\". Legal: true, false, yes, no, on, off, 1, 0");

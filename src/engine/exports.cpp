@@ -3,6 +3,7 @@
 
 #include "engine/catalogue.h"
 #include "engine/do_image_filter.h"
+#include "engine/host_menu.h"
 #include "platform/system.h"
 
 extern "C" {
@@ -23,12 +24,12 @@ uint64_t LMF16FILTERDoAdjust(AdjustRequest *) {
     return 0;
 }
 
-void *LMF16FILTERGetMenu(uint32_t, uint32_t) {
-    return nullptr;
+void *LMF16FILTERGetMenu(uint32_t firstId, uint32_t grouped) {
+    return lmf::MakeHostMenu(firstId, grouped != 0);
 }
 
-int32_t LMF16FILTEREnableMenu(void *, uint32_t, const HostRestrictions *) {
-    return 0;
+int32_t LMF16FILTEREnableMenu(void *menu, uint32_t firstId, const HostRestrictions *restrictions) {
+    return lmf::EnableHostMenu(menu, firstId, restrictions);
 }
 
 int32_t LMF16FILTERGetCount() {

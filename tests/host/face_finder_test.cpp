@@ -76,10 +76,10 @@ TEST_F(FaceFinder, FindsTheFaceOfAPhotographAndItsEyes) {
     if (*LMF_FINDER_FILE == '\0') GTEST_SKIP() << "OpenCV is not installed";
     void *finder = dlopen(LMF_FINDER_FILE, RTLD_NOW | RTLD_LOCAL);
     const auto find = reinterpret_cast<decltype(&CV_FindFace)>(dlsym(finder, "CV_FindFace"));
-    const std::string folder = fs::path(LMF_FINDER_FILE).parent_path();
-    const std::string faces = folder + "/haarcascade_frontalface_alt.xml", eyes = folder + "/haarcascade_eye.xml";
+    const std::string cascades = fs::path(LMF_FINDER_FILE).parent_path();
+    const std::string faces = cascades + "/haarcascade_frontalface_alt.xml", eyes = cascades + "/haarcascade_eye.xml";
 
-    const Bytes rgba = ReadRgba("/usr/lib/python3/dist-packages/imageio/resources/images/astronaut.png");
+    const Bytes rgba = ReadRgba(kPortrait);
     const LockedDib astronaut(DibCreateSolid(512, 512, 0));
     ForEachPixel(astronaut, [&](int32_t x, int32_t y) {
         const uint8_t *pixel = &rgba[static_cast<size_t>(y * 512 + x) * 4];

@@ -9,6 +9,7 @@
 #include <fstream>
 #include <set>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include <dlfcn.h>
@@ -42,6 +43,19 @@ static_assert(AT(AdjustRequest, second, 24) && AT(AdjustRequest, hostValue, 376)
               AT(AdjustRequest, dirty, 400) && AT(AdjustRequest, context, 408) && AT(AdjustRequest, fetch, 416) &&
               AT(AdjustRequest, store, 424) && AT(AdjustRequest, hostHandle, 432) && AT(AdjustRequest, count, 440));
 
+// The types for dlsym are those of the functions.
+#define SAME_TYPE(name) static_assert(std::is_same_v<Lmf##name, decltype(&LMF16FILTER##name)>)
+SAME_TYPE(DoImageFilter);
+SAME_TYPE(DoPhotographDarkroom);
+SAME_TYPE(DoAdjust);
+SAME_TYPE(GetMenu);
+SAME_TYPE(EnableMenu);
+SAME_TYPE(GetCount);
+SAME_TYPE(GetVersion);
+SAME_TYPE(GetCopyright);
+SAME_TYPE(GetValidationString);
+SAME_TYPE(SetValidation);
+
 namespace lmf::testing {
 
 static constexpr uint32_t kInvertColors = LMF_FILTER_INVERT_COLORS;
@@ -61,7 +75,7 @@ protected:
         setenv("XDG_CONFIG_HOME", folder, 1);
         library = dlopen(LMF_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
         ASSERT_NE(library, nullptr) << dlerror();
-        doImageFilter = Find<decltype(&LMF16FILTERDoImageFilter)>("LMF16FILTERDoImageFilter");
+        doImageFilter = Find<LmfDoImageFilter>("LMF16FILTERDoImageFilter");
     }
     void TearDown() override {
         if (library != nullptr) dlclose(library);
@@ -83,7 +97,7 @@ protected:
 
     std::filesystem::path home;
     void *library = nullptr;
-    decltype(&LMF16FILTERDoImageFilter) doImageFilter = nullptr;
+    LmfDoImageFilter doImageFilter = nullptr;
 };
 
 TEST_F(Library, ExportsExactlyTheNamesOfTheListAndSaysWhatItIs) {
@@ -100,6 +114,17 @@ TEST_F(Library, ExportsExactlyTheNamesOfTheListAndSaysWhatItIs) {
     EXPECT_EQ(Find<int32_t (*)()>("LMF16FILTERGetCount")(), 95);
     EXPECT_EQ(Find<int32_t (*)()>("LMF16FILTERGetVersion")(), 0x101);
     EXPECT_STRNE(Find<const char *(*)()>("LMF16FILTERGetCopyright")(), "");
+}
+
+TEST_F(Library, IsCalledFromCAsTheExampleShows) {
+    FILE *example = popen(LMF_EXAMPLE_FILE " " LMF_LIBRARY_FILE, "r");
+    ASSERT_NE(example, nullptr);
+    std::string output;
+    for (char line[512]; std::fgets(line, sizeof line, example) != nullptr;) output += line;
+    EXPECT_EQ(pclose(example), 0);
+    EXPECT_TRUE(output.starts_with("1007 Artistic > Bump\n")) << output;
+    EXPECT_TRUE(Has(output, "\n1020 Artistic > Edge Trace and Fatten (greyed)\n")) << output;
+    EXPECT_TRUE(output.ends_with("\n64 x 48 became 80 x 80\n")) << output;
 }
 
 TEST_F(Library, HandsBackNewBlocksAndRemembersTheFilter) {

@@ -55,8 +55,10 @@ TEST_F(LmfApply, ManyPicturesGoOnAfterABadOneAndSumUp) {
     MakeGrey("a.png", 1);
     MakeGrey("c.png", 3);
     WriteText(In("b.png"), "no");
-    Expect(3, Run({"apply", "Hexagon", "--strict-depth", "--out-dir", "x/y", "a.png", "b.png"}), // the first failure counts
-           "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)");
+    Expect(
+        3,
+        Run({"apply", "Hexagon", "--strict-depth", "--out-dir", "x/y", "a.png", "b.png"}), // the first failure counts
+        "a.png: Hexagon: Unsupported function (it takes true color; this picture is grey)");
     const ProgramRun mixed = Invert({"--json", "--out-dir", "out", "a.png", "b.png", "missing.png", "c.png"});
     Expect(2, mixed, "lmf: 2 of 4 pictures written, 2 failed");
     EXPECT_TRUE(Has(mixed.output, "\"status\":\"failed\"") && Has(mixed.output, "\"exitCode\":2"));

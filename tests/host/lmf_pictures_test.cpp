@@ -46,7 +46,9 @@ PngFile MakePng(int type, int depth, int width = 19, int height = 14) {
 
 /// Appends the lowest bytes of a number.
 void Put(Bytes &out, int bytes, int64_t value, bool big) {
-    for (int i = 0; i < bytes; i++) out.push_back(uint8_t(value >> 8 * (big ? bytes - 1 - i : i)));
+    const size_t start = out.size();
+    out.resize(start + size_t(bytes));
+    for (int i = 0; i < bytes; i++) out[start + size_t(i)] = uint8_t(value >> 8 * (big ? bytes - 1 - i : i));
 }
 
 /// EXIF with a maker, orientation 6, an exposure of 1/50 s in the directory below, and a thumbnail of six bytes.
@@ -474,6 +476,9 @@ TEST_F(LmfPictures, UprightPicturesAreTurnedAsTheirOrientationTells) {
 }
 
 TEST_F(LmfPictures, PngTextsColorsAndAnimationsAreKeptOrTold) {
+    // A photograph that tells its colors by a profile known as that of sRGB.
+    ExpectSilence(Run({"apply", "Invert Colors", kPortrait, "a.png"}));
+    EXPECT_TRUE(Has(ReadText(In("a.png")), "iCCP"));
     WritePng(In("plain.png"), MakePng(kColor, 8));
     const std::string plain = ReadText(In("plain.png"));
     const std::string text = Chunk(std::string("tEXtTitle\0of it", 15)),

@@ -15,6 +15,7 @@ namespace lmf::testing {
 namespace fs = std::filesystem;
 
 const char *const kPhotograph = "/usr/lib/python3/dist-packages/imageio/resources/images/chelsea.png";
+const char *const kPortrait = "/usr/lib/python3/dist-packages/imageio/resources/images/astronaut.png";
 
 // Damage in what a test wrote itself is the end of the test run: libpng's own handler aborts.
 void WritePng(const std::string &path, PngFile file) {

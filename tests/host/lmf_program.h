@@ -55,6 +55,8 @@ bool Has(const std::string &text, const std::string &part);
 
 /// A file name that leads to a real photograph, 451 x 300 in 24 bits.
 extern const char *const kPhotograph;
+/// A photograph with one face, which tells its colors by a profile and by a mark.
+extern const char *const kPortrait;
 
 /// Gives every test an empty folder, from which the program is run, and checks that it leaves nothing elsewhere.
 class LmfProgram : public ::testing::Test {
