@@ -177,9 +177,11 @@ bool AddControl(Json &settings, const Filter &filter, const PageControl &control
         known = &settings.back();
     }
     const char *entry = control.name ? control.name : control.label;
-    if (radio)
-        (*known)["entries"].push_back(
-            {{"value", control.pressedValue}, {"name", entry}, {"help", control.help}, {"id", control.id}});
+    if (radio) {
+        Json &button = (*known)["entries"].emplace_back(
+            Json{{"value", control.pressedValue}, {"name", entry}, {"help", control.help}, {"id", control.id}});
+        if (control.name) button["label"] = control.label;
+    }
     return true;
 }
 

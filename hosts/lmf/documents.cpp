@@ -19,6 +19,11 @@ struct Control {
     const Json *button = nullptr;
 };
 
+const Json &EntriesOf(const Json &setting) {
+    static const Json kNone = Json::array();
+    return setting.contains("entries") ? setting["entries"] : kNone;
+}
+
 bool IsButton(const Json &entry) {
     return entry.contains("id");
 }
@@ -29,7 +34,7 @@ Control FindControl(const char *kind, int id) {
         for (const Json &setting : filter["settings"]) {
             if (setting.value("document", "") != kind) continue;
             bool buttons = false;
-            for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array()) {
+            for (const Json &entry : EntriesOf(setting)) {
                 buttons |= IsButton(entry);
                 if (IsButton(entry) && entry["id"] == id) return {&setting, &entry};
             }
@@ -97,11 +102,11 @@ void AddLines(const Json &setting, const std::string *stored, std::string &text)
     }
     const int64_t number = NumberOf(setting, stored);
     bool buttons = false;
-    for (const Json &entry : setting.contains("entries") ? setting["entries"] : Json::array()) {
+    for (const Json &entry : EntriesOf(setting)) {
         if (!IsButton(entry)) continue;
         buttons = true;
-        const std::string name = entry["name"];
-        AddLine({kind, entry["id"], name.c_str(), entry["value"] == number}, text);
+        const std::string beside = entry.value("label", entry["name"].get<std::string>());
+        AddLine({kind, entry["id"], beside.c_str(), entry["value"] == number}, text);
     }
     if (!buttons) AddLine({kind, setting["id"], label.c_str(), int32_t(number)}, text);
 }
