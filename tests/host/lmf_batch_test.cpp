@@ -56,7 +56,7 @@ TEST_F(LmfBatch, OutputsGoWhereTheyAreSaid) {
          {"in/out/in/a.png", "in/out/in/b.PNG", "in/out/in/sub/a.png"}},
         {{"--out-dir", "in", "--on-conflict", "rename", "in/a.png"}, {"in/a-2.png"}},
         {{"in/a.png", "in/b.PNG", "--on-conflict", "rename"}, {"in/b-2.PNG"}},
-        {{"--out-dir", "o", "--keep-tree", In("in/a.png")}, {"o" + In("in/a.png")}},
+        {{"--out-dir", "o", "--keep-tree", In("in/a.png")}, {std::string("o").append(In("in/a.png"))}},
     };
     for (const auto &[arguments, made] : cases) {
         const ProgramRun run = Invert(arguments);
