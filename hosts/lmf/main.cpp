@@ -392,6 +392,12 @@ int Run(const Arguments &arguments) {
     _exit(kUnreadable);
 }
 
+// Memory may end anywhere, also where nothing can be caught: while a document of JSON is taken apart, say, or in the
+// constructors of the command line's library, before which this one runs.
+[[gnu::constructor(101)]] void TellOfShortMemory() {
+    std::set_terminate(EndWithoutMemory);
+}
+
 } // namespace
 
 } // namespace lmf::host
@@ -399,8 +405,6 @@ int Run(const Arguments &arguments) {
 int main(int count, char **arguments) {
     using namespace lmf::host;
     CleanUpOnSignals();
-    // Memory may end anywhere, also where nothing can be caught: while a document of JSON is taken apart, say.
-    std::set_terminate(EndWithoutMemory);
     try {
         // Output that could not be printed, on a full disk say, is a failure too.
         return FinishOutput(Run({arguments + 1, arguments + count}));

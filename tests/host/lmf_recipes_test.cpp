@@ -93,7 +93,7 @@ TEST_F(LmfRecipes, DocumentsOfAllKindsAreTakenAsFarAsTheySay) {
         {"", "(none)", 0, "the document sets nothing"},
         {kHead + "FilterType=Fade\nScrBar210=20\n", "", 2, "a document of another filter"},
         {"ScrBar210=20\n", "", 2, "no filter document"},
-        {std::string(3 << 20, 'x'), "", 2, "larger than 1 MB"},
+        {std::string(3 << 20, 'x'), "", 2, "larger than 1 MiB"},
     };
     for (const Case &c : cases) {
         WriteText(In("d"), c.text);
