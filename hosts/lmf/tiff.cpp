@@ -355,12 +355,14 @@ bool CheckChunks(TIFF *tiff, const TiffShape &shape, Report &report) {
                        std::to_string(bytes >> 20) + " MB; the limit is " + std::to_string(most >> 20));
 }
 
-Bytes BytesOfTag(TIFF *tiff, uint32_t tag, uint32_t unit) {
+// The data of a tag that is counted by 32 bits. What one item takes in memory is libtiff's affair, not the file's.
+Bytes BytesOfTag(TIFF *tiff, uint32_t tag) {
     uint32_t count = 0;
     void *data = nullptr;
-    if (!TIFFGetField(tiff, tag, &count, &data)) return {};
+    const TIFFField *field = TIFFFindField(tiff, tag, TIFF_ANY);
+    if (!field || !TIFFGetField(tiff, tag, &count, &data)) return {};
     const auto *bytes = static_cast<const uint8_t *>(data);
-    return Bytes(bytes, bytes + size_t(count) * unit);
+    return Bytes(bytes, bytes + size_t(count) * size_t(std::max(TIFFFieldSetGetSize(field), 1)));
 }
 
 // Whether the file tells more than the tags that this reader takes itself.
@@ -384,9 +386,9 @@ Bytes OrientationOnly(TIFF *tiff, Report &report) {
 }
 
 void ReadMetadata(TIFF *tiff, ByteView file, Metadata &metadata, Report &report) {
-    metadata.icc = BytesOfTag(tiff, TIFFTAG_ICCPROFILE, 1);
-    metadata.xmp = BytesOfTag(tiff, TIFFTAG_XMLPACKET, 1);
-    metadata.iptc = BytesOfTag(tiff, TIFFTAG_RICHTIFFIPTC, 4);
+    metadata.icc = BytesOfTag(tiff, TIFFTAG_ICCPROFILE);
+    metadata.xmp = BytesOfTag(tiff, TIFFTAG_XMLPACKET);
+    metadata.iptc = BytesOfTag(tiff, TIFFTAG_RICHTIFFIPTC);
     float x = 0, y = 0;
     uint16_t unit = RESUNIT_INCH;
     TIFFGetFieldDefaulted(tiff, TIFFTAG_RESOLUTIONUNIT, &unit);
