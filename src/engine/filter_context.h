@@ -27,7 +27,7 @@ struct FilterContext : FilterParameters {
     const char *destinations;          ///< file of the host with the list for Social Media; null: the user's
     int32_t destinationWidth, destinationDepth; ///< that Social Media makes, pixels; 0 while none is chosen
     Color paperColor;
-    ByteOffsets byteOffsets; ///< of the 5 x 5 windows: whole in windows and in extended calls
+    ByteOffsets byteOffsets;                  ///< of the 5 x 5 windows: whole in windows and in extended calls
     int32_t ditherBrightness, ditherContrast; ///< the general settings of black and white diffusion
     int32_t restrictionB, restrictionA;       ///< of FilterIsOffered
     int32_t errorCode;                        ///< an LMF_ERROR_

@@ -172,8 +172,8 @@ TEST_F(LmfRecipes, SheetsShowEveryCellWithItsLabel) {
     plain.width = plain.height = 300;
     for (int i = 0; i < 300 * 300; i++) plain.samples.insert(plain.samples.end(), {200, 10, 20});
     WritePng(In("p.png"), plain);
-    ExpectSilence(Run(
-        {"sheet", "p.png", "s.png", "--side", "100", "--columns", "2", "--filters", "Invert Colors, negate"}));
+    ExpectSilence(
+        Run({"sheet", "p.png", "s.png", "--side", "100", "--columns", "2", "--filters", "Invert Colors, negate"}));
     const PngFile sheet = ReadPng(In("s.png"));
     ASSERT_EQ(sheet.width, 230); // two of 100 and gaps of 10
     const auto at = [&](int x, int y) {
