@@ -100,7 +100,7 @@ void Lay(const Picture &picture, int left, int top, int width, int height, Bitma
         uint8_t *out = sheet.Row(top + y) + 3 * left;
         for (int x = 0; x < std::min(width, picture.image.width); ++x)
             for (int c = 0; c < 3; ++c) {
-                const uint8_t *pixel = &row[size_t(kSamples * x)];
+                const uint8_t *pixel = row.data() + ptrdiff_t{kSamples} * x;
                 *out++ = uint8_t((pixel[c] * pixel[3] + (kGround & 0xFF) * (255u - pixel[3]) + 127) / 255);
             }
     }
