@@ -195,10 +195,11 @@ bool IsWanted(const Options &options, const FilterEntry &entry) {
                                                   [&](const auto &name) { return SameName(name, entry.name); });
 }
 
-/// A context for a run of this row, as the direct path fills it.
-FilterContext MakeContext(int32_t row, ImageMode mode, const LockedDib &picture, DibHandle second) {
+/// A context for a run of this row, as the direct path fills it, with what a window would have asked for.
+FilterContext MakeContext(int32_t row, ImageMode mode, const LockedDib &picture, DibHandle second, BlockHandle faces) {
     const FilterEntry &entry = FilterCatalogue[row];
     FilterContext context{};
+    context.filterIndex = row;
     context.mode = mode;
     context.width = picture.View().width;
     context.height = picture.View().height;
@@ -206,7 +207,9 @@ FilterContext MakeContext(int32_t row, ImageMode mode, const LockedDib &picture,
     if (entry.flags & FilterNeedsSecond) context.second = second;
     if (entry.flags & FilterNeedsClipboard) context.clipboard = picture.owner.handle;
     context.paperColor = static_cast<Color>(Settings.PaperColor);
+    context.FaceDetectList = context.RedeyeList = faces;
     LoadAllSettings(context);
+    (void)ChooseDestination(context);
     return context;
 }
 
@@ -252,11 +255,12 @@ double PeakPictures(int32_t row, const LockedDib &picture, FilterContext &contex
 bool MeasureMemory(const Options &options, int32_t width, int32_t height, ImageMode mode) {
     const LockedDib picture = MakeScene(width, height, mode == kModeGrey ? 8 : 24), alpha = MakeScene(width, height, 8);
     if (!picture || !alpha) return false;
+    const BlockOwner faces(MakeFaceList(width, height));
     bool good = true;
     for (int32_t row = 0; row < kFilterCount; row++) {
         const FilterEntry &entry = FilterCatalogue[row];
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
-        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle);
+        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle, faces.handle);
         const double peak = PeakPictures(row, picture, context);
         good = good && peak >= 0;
         std::printf("%-28s %-6s %8.2f pictures\n", entry.name, mode == kModeGrey ? "grey" : "color", peak);
@@ -277,10 +281,7 @@ bool BenchMode(const Options &options, int32_t width, int32_t height, ImageMode 
     for (int32_t row = 0; row < kFilterCount; row++) {
         const FilterEntry &entry = FilterCatalogue[row];
         if (!IsWanted(options, entry) || !FilterAccepts(entry, mode)) continue;
-        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle);
-        context.filterIndex = row;
-        context.FaceDetectList = context.RedeyeList = faces.handle;
-        (void)ChooseDestination(context);
+        FilterContext context = MakeContext(row, mode, picture, alpha.owner.handle, faces.handle);
         const Measurement measured = Measure(row, picture, context.second, context, options.repetitions);
         const char *depth = mode == kModeGrey ? "grey" : "color";
         if (measured.copies < 0) {

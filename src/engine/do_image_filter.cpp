@@ -115,14 +115,13 @@ uint32_t Run(uint32_t runFlags, FilterContext &context) {
     return context.errorCode == LMF_ERROR_OK ? ApplyFilterPrepared(&context) : 0;
 }
 
-constexpr uint32_t kExtendedFlags = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
-
 /// An extended call's record as far as it goes; null where the host gives none, and for other calls.
 struct ExtendedCall {
+    static constexpr uint32_t kFlags = LMF_RUN_EXTENDED | LMF_RUN_DIRECT;
     bool isExtended;
     LmfExtendedHooks *record = nullptr;
 
-    explicit ExtendedCall(const HostCall &call) : isExtended((call.runFlags & kExtendedFlags) == kExtendedFlags) {
+    explicit ExtendedCall(const HostCall &call) : isExtended((call.runFlags & kFlags) == kFlags) {
         // The host knows that the library writes to a record of this kind.
         if (isExtended && call.hooks != nullptr)
             record = reinterpret_cast<LmfExtendedHooks *>(const_cast<HostHooks *>(call.hooks));
